@@ -1,0 +1,62 @@
+# One helper per kind of target. Sources are listed explicitly; LINK names what the folder may depend on,
+# so that an arrow in the wrong direction does not build.
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET default)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_BUILD_WITH_INSTALL_RPATH OFF)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# What every target is compiled with. Contraction of a*b + c is off everywhere: a pose must score the same
+# bits at every optimisation level.
+add_library(morvanex_flags INTERFACE)
+target_compile_options(morvanex_flags INTERFACE -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow
+                                                -Wconversion -Wno-sign-conversion)
+if(MORVANEX_WERROR)
+    target_compile_options(morvanex_flags INTERFACE -Werror)
+endif()
+if(MORVANEX_SANITIZE)
+    list(JOIN MORVANEX_SANITIZE "," sanitizers)
+    target_compile_options(morvanex_flags INTERFACE -fsanitize=${sanitizers} -fno-sanitize-recover=all
+                                                    -fno-omit-frame-pointer)
+    target_link_options(morvanex_flags INTERFACE -fsanitize=${sanitizers})
+endif()
+
+# morvanex_library(name STATIC|SHARED SOURCES ... LINK ... [PRIVATE_LINK ...])
+function(morvanex_library name kind)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+    add_library(${name} ${kind} ${ARG_SOURCES})
+    target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE morvanex_flags ${ARG_PRIVATE_LINK})
+endfunction()
+
+# morvanex_program(name SOURCES ... LINK ...)
+function(morvanex_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE morvanex_flags ${ARG_LINK})
+endfunction()
+
+# morvanex_test(name SOURCES ... LINK ...): one GoogleTest program; each of its tests is one test of ctest.
+function(morvanex_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE morvanex_flags morvanex_test_support ${ARG_LINK} GTest::gmock
+                                          GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+endfunction()
+
+# morvanex_bench(name SOURCES ... LINK ...): one Google Benchmark program.
+function(morvanex_bench name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE morvanex_flags ${ARG_LINK} benchmark::benchmark)
+endfunction()

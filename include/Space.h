@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Compound.h"
+#include "Publisher.h"
+
+namespace VARNO {
+
+/// The root of the model tree: its parts are clumps and grids. One per process, used on one thread.
+class Space : public Compound {
+public:
+    static Space *instance();
+
+    std::string GetLabel() const override { return "Space"; }
+    std::string GetName() const override { return "Space"; }
+    bool IsAttached() const override { return true; }
+
+    Publisher &Changes() { return m_changes; }
+
+    /// While the root is read-only no batch of additions is let in.
+    bool IsReadOnly() const { return m_readOnly; }
+    void SetReadOnly(bool readOnly) { m_readOnly = readOnly; }
+
+    /// Takes a node and everything below it out of the tree. The nodes stay alive; grids among them give up
+    /// their values. Waits, while removals are held, until the last hold has ended. A node that is not below
+    /// the root is left alone.
+    void Remove(Compound *node);
+
+private:
+    friend class RemovalHold;
+
+    void Detach(Compound *node);
+    void EndHold();
+
+    Publisher m_changes;
+    bool m_readOnly = false;
+    unsigned m_holds = 0;
+    std::vector<Compound *> m_waiting;                ///< asked to leave while removals were held
+    std::vector<std::unique_ptr<Compound>> m_removed; ///< out of the tree, alive for those who point to them
+};
+
+/// Keeps the model from losing nodes for as long as it lives: a fit holds one, so that the target, the solid
+/// and the map cannot go away under it.
+class RemovalHold {
+public:
+    RemovalHold();
+    RemovalHold(const RemovalHold &) = delete;
+    RemovalHold &operator=(const RemovalHold &) = delete;
+    ~RemovalHold();
+};
+
+} // namespace VARNO

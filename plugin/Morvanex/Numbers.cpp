@@ -1,0 +1,23 @@
+#include "Numbers.h"
+
+#include <charconv>
+
+namespace {
+
+// The longest fixed text is that of -DBL_MAX: a sign, 309 digits, the point and the decimals.
+constexpr std::size_t longestText = 512;
+
+template <class... Format>
+QString Text(double value, Format... format) {
+    char text[longestText];
+    const auto end = std::to_chars(text, text + longestText, value, format...).ptr;
+    return QString::fromLatin1(text, end - text);
+}
+
+} // namespace
+
+QString FixedNumber(double value, int width, int decimals) {
+    return Text(value, std::chars_format::fixed, decimals).rightJustified(width);
+}
+
+QString GeneralNumber(double value) { return Text(value, std::chars_format::general, 6); }
