@@ -20,4 +20,6 @@ QString FixedNumber(double value, int width, int decimals) {
     return Text(value, std::chars_format::fixed, decimals).rightJustified(width);
 }
 
-QString GeneralNumber(double value) { return Text(value, std::chars_format::general, 6); }
+QString GeneralNumber(double value) {
+    return Text(value, std::chars_format::general, 6);
+}

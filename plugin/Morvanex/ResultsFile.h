@@ -1,0 +1,20 @@
+#pragma once
+
+#include "SolutionScore.h"
+
+class QIODevice;
+
+/// The results file: the comment line, then one line per solution in the order of the list.
+
+/// Writes the list to an open device.
+void WriteResults(QIODevice &device, const std::list<SolutionScore> &solutions);
+
+/// What a results file was found to hold.
+struct ResultsRead {
+    std::list<SolutionScore> solutions; ///< in file order
+    std::vector<qint64> skippedLines;   ///< numbers, from 1, of the lines with fewer than eight words
+};
+
+/// Reads every line that does not begin with '#' and has at least eight words. A device that is not open
+/// holds nothing.
+ResultsRead ReadResults(QIODevice &device);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "FitMonitor.h"
+
+/// How many poses a search tried, and how many of them were accepted.
+struct PoseCounts {
+    std::uint64_t tried = 0;
+    std::uint64_t accepted = 0; ///< not collided, and of a score other than -1.0
+};
+
+struct SearchOptions {
+    bool anyNumberOfPoses = false; ///< do not refuse a fit for its number of poses
+};
+
+/// Runs a whole fit with the current parameters: prepares it, scores the target in its own orientation and at
+/// every angle about every axis, each at every translation, appends accepted poses to `Solutions` and keeps
+/// it trimmed to `top_size`, writes the log.
+///
+/// True when the search ran to its end. False without a target, when the target or the map is no longer in
+/// the model or the fit would take too much (said on the warning channel; nothing is changed then), or when
+/// it was cancelled: `Solutions` then holds what was found, untrimmed.
+///
+/// Nodes cannot leave the model while it runs. `counts`, if given, is kept up to date from pass to pass.
+bool RunFit(FitMonitor &monitor, PoseCounts *counts = nullptr, const SearchOptions &options = {});
