@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+
+namespace VARNO {
+
+/// Writes a file as a whole: what `write` puts into the stream goes to a temporary file in the same folder,
+/// which takes the name `path` once every byte has reached the disk. Until then, and for good when anything
+/// fails, what stood there is untouched and no temporary stays behind.
+///
+/// A file that stood there keeps its permissions; a symbolic link keeps pointing to the file that is
+/// replaced. A pipe, a device, or a stream of the process such as /dev/stdout is written to directly. The
+/// stream is binary, in the classic locale, and throws at the first write that fails. Throws FileError (disk
+/// full, no permission, a directory …); exceptions of `write` pass through.
+void ReplaceFile(const std::string &path, const std::function<void(std::ostream &)> &write);
+
+/// Throws the FileError with which `ReplaceFile` would fail before its first byte: so that an unwritable path
+/// is found before a long computation. Changes nothing.
+void CheckReplaceable(const std::string &path);
+
+} // namespace VARNO
