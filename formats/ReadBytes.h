@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace VARNO {
+
+/// All bytes of a file, unpacked where they begin as a gzip or bzip2 stream does; the name says nothing about
+/// it. A gzip or bzip2 file may hold several streams one after the other; what follows the last one is
+/// ignored.
+///
+/// Throws FileError for a file that is missing, unreadable or a directory, for a packed stream that is
+/// damaged or ends too early (naming the byte of the packed file), and for more than `limit` bytes, packed or
+/// unpacked: a few packed bytes can otherwise fill any memory.
+std::string ReadBytes(const std::string &file, std::size_t limit);
+
+} // namespace VARNO
