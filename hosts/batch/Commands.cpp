@@ -1,0 +1,10 @@
+#include "Commands.h"
+
+namespace Batch {
+
+const std::vector<Command> &AllCommands() {
+    static const std::vector<Command> commands = {};
+    return commands;
+}
+
+} // namespace Batch

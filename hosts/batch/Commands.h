@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Command.h"
+
+namespace Batch {
+
+/// Every subcommand, in the order in which the help lists them.
+const std::vector<Command> &AllCommands();
+
+// Each is defined in the file of its name.
+
+} // namespace Batch
