@@ -16,10 +16,6 @@ namespace {
 /// Bytes that the allocator and a list's links add to a record.
 constexpr double recordOverhead = 32;
 
-double MachineMemory() {
-    return double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
-}
-
 double RecordBytes(std::size_t restraintPairs) {
     const double distances =
         restraintPairs > 0 ? recordOverhead + sizeof(double) * double(restraintPairs) : 0;
@@ -36,6 +32,10 @@ QString GiB(double bytes) {
 }
 
 } // namespace
+
+double MachineMemory() {
+    return double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
+}
 
 FitCost EstimateCost(const Survey &survey) {
     // An axis stands in the list and, while the list is built, in a set of nodes.

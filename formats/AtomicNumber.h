@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace VARNO {
+
+/// Number of protons of an element by its symbol, "C" or "CA" in any case, deuterium's being 1; 0 for a text
+/// that is no element's symbol.
+int AtomicNumber(const std::string &symbol);
+
+} // namespace VARNO
