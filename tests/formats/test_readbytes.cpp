@@ -1,10 +1,9 @@
 #include "FileError.h"
+#include "Pack.h"
 #include "ReadBytes.h"
 #include "TemporaryFolder.h"
 
-#include <bzlib.h>
 #include <gmock/gmock.h>
-#include <zlib.h>
 
 namespace {
 
@@ -20,30 +19,6 @@ std::string Text(std::size_t size) {
         text += std::to_string(i * 2654435761u) + '\n';
     text.resize(size);
     return text;
-}
-
-std::string Gzipped(const std::string &text) {
-    z_stream stream = {};
-    deflateInit2(&stream, 6, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
-    std::string packed(deflateBound(&stream, text.size()), '\0');
-    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(text.data()));
-    stream.avail_in = unsigned(text.size());
-    stream.next_out = reinterpret_cast<Bytef *>(packed.data());
-    stream.avail_out = unsigned(packed.size());
-    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-    packed.resize(stream.total_out);
-    deflateEnd(&stream);
-    return packed;
-}
-
-std::string Bzipped(const std::string &text) {
-    unsigned size = unsigned(text.size()) * 2 + 1000;
-    std::string packed(size, '\0');
-    EXPECT_EQ(BZ2_bzBuffToBuffCompress(packed.data(), &size, const_cast<char *>(text.data()),
-                                       unsigned(text.size()), 9, 0, 0),
-              BZ_OK);
-    packed.resize(size);
-    return packed;
 }
 
 std::string ErrorOf(const std::string &file, std::size_t most = limit) {
@@ -66,24 +41,24 @@ TEST(ReadBytes, UnpacksByContentNotByName) {
     TemporaryFolder folder;
     for (const std::size_t size : {0, 1, 1 << 20, 3'000'000}) {
         const std::string text = Text(size);
-        EXPECT_EQ(ReadBytes(folder.Write("a.pdb", Gzipped(text)), limit), text);
-        EXPECT_EQ(ReadBytes(folder.Write("b.map", Bzipped(text)), limit), text);
+        EXPECT_EQ(ReadBytes(folder.Write("a.pdb", Gzip(text)), limit), text);
+        EXPECT_EQ(ReadBytes(folder.Write("b.map", Bzip2(text)), limit), text);
         EXPECT_EQ(ReadBytes(folder.Write("c.gz", text), limit), text);
     }
 }
 
 TEST(ReadBytes, JoinsStreamsAndIgnoresWhatFollowsThem) {
     TemporaryFolder folder;
-    EXPECT_EQ(ReadBytes(folder.Write("a", Gzipped("one ") + Gzipped("two") + std::string(512, '\0')), limit),
+    EXPECT_EQ(ReadBytes(folder.Write("a", Gzip("one ") + Gzip("two") + std::string(512, '\0')), limit),
               "one two");
-    EXPECT_EQ(ReadBytes(folder.Write("b", Bzipped("one ") + Bzipped("two") + "end"), limit), "one two");
+    EXPECT_EQ(ReadBytes(folder.Write("b", Bzip2("one ") + Bzip2("two") + "end"), limit), "one two");
 }
 
 TEST(ReadBytes, RefusesATruncatedOrDamagedStream) {
     TemporaryFolder folder;
     const std::string text = Text(300'000);
-    const std::string gzip = Gzipped(text), bzip2 = Bzipped(text);
-    for (const std::size_t part : {std::size_t(2), std::size_t(11), gzip.size() / 2, gzip.size() - 1})
+    const std::string gzip = Gzip(text), bzip2 = Bzip2(text);
+    for (const std::size_t part : {std::size_t(3), std::size_t(11), gzip.size() / 2, gzip.size() - 1})
         EXPECT_THAT(ErrorOf(folder.Write("cut.gz", gzip.substr(0, part))),
                     HasSubstr("cut.gz: byte " + std::to_string(part) + ": the gzip stream ends too early"));
     EXPECT_THAT(ErrorOf(folder.Write("cut.bz2", bzip2.substr(0, bzip2.size() / 2))),
@@ -109,8 +84,8 @@ TEST(ReadBytes, StopsAtTheLimit) {
     const std::string zeros(std::size_t(5) << 20, '\0');
     const std::size_t four = std::size_t(4) << 20;
     EXPECT_THAT(ErrorOf(folder.Write("plain", zeros), four), HasSubstr("plain: holds more than 4 MiB"));
-    EXPECT_THAT(ErrorOf(folder.Write("bomb.gz", Gzipped(zeros)), four), HasSubstr("holds more than 4 MiB"));
-    EXPECT_THAT(ErrorOf(folder.Write("bomb.bz2", Bzipped(zeros)), four), HasSubstr("holds more than 4 MiB"));
+    EXPECT_THAT(ErrorOf(folder.Write("bomb.gz", Gzip(zeros)), four), HasSubstr("holds more than 4 MiB"));
+    EXPECT_THAT(ErrorOf(folder.Write("bomb.bz2", Bzip2(zeros)), four), HasSubstr("holds more than 4 MiB"));
     EXPECT_EQ(ErrorOf("/dev/zero", four), "/dev/zero: holds more than 4 MiB");
     EXPECT_EQ(ReadBytes(folder.File("bomb.gz"), zeros.size()), zeros);
 }
