@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <algorithm>
 
@@ -109,6 +110,15 @@ std::string Arguments::Text(const std::string &option) const {
 std::vector<std::string> Arguments::Texts(const std::string &option) const {
     const auto found = values.find(option);
     return found == values.end() ? std::vector<std::string>() : found->second;
+}
+
+std::optional<std::vector<std::string>> Arguments::List(const std::string &option) const {
+    if (!Has(option))
+        return {};
+    std::vector<std::string> parts;
+    for (const QString &part : QString::fromStdString(Text(option)).split(','))
+        parts.push_back(part.toStdString());
+    return parts;
 }
 
 int Arguments::Integer(const std::string &option) const {

@@ -3,6 +3,7 @@
 #include "Command.h"
 
 #include <map>
+#include <optional>
 
 namespace Batch {
 
@@ -15,6 +16,8 @@ struct Arguments {
     bool Has(const std::string &option) const { return values.contains(option); }
     /// The option's value; empty where it was not given.
     std::string Text(const std::string &option) const;
+    /// The option's value taken apart at its commas; nothing where it was not given.
+    std::optional<std::vector<std::string>> List(const std::string &option) const;
     /// All values of a repeatable option, in the order given.
     std::vector<std::string> Texts(const std::string &option) const;
     /// The option's value as a number; 0 where it was not given.

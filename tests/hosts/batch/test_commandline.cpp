@@ -100,3 +100,10 @@ TEST(ParseArguments, AnswersHelpBeforeAnythingElse) {
     EXPECT_TRUE(ParseArguments(command, {"--unknown", "-h"}).wantsHelp);
     EXPECT_FALSE(ParseArguments(WithOperand(), {"--", "--help"}).wantsHelp);
 }
+
+TEST(Arguments, AListIsTakenApartAtItsCommas) {
+    Arguments arguments;
+    arguments.values["--chains"] = {"A,, B "};
+    EXPECT_THAT(arguments.List("--chains"), testing::Optional(testing::ElementsAre("A", "", " B ")));
+    EXPECT_EQ(arguments.List("--ranks"), std::nullopt);
+}
