@@ -1,0 +1,175 @@
+#include "FitOptions.h"
+
+#include "Config.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+namespace Batch {
+
+namespace {
+
+constexpr int deepestAxis = 99; ///< the largest number that the set-up dialog's field takes
+
+std::string ConfiguredText(const std::string &key) {
+    return VARNO::Config::GetSetting("Morvanex", key).ToString();
+}
+
+/// The option's text, or the configured one.
+QString TextOf(const Arguments &arguments, const std::string &option, const std::string &key) {
+    return QString::fromStdString(arguments.Has(option) ? arguments.Text(option) : ConfiguredText(key));
+}
+
+std::optional<std::string> GivenText(const Arguments &arguments, const std::string &option) {
+    return arguments.Has(option) ? std::optional(arguments.Text(option)) : std::nullopt;
+}
+
+/// The configured depth passes through the dialog's field, which holds it inside its range.
+int AxisOf(const Arguments &arguments) {
+    if (arguments.Has("--axis"))
+        return arguments.Integer("--axis");
+    return std::clamp(VARNO::Config::GetSetting("Morvanex", "Axis").ToInt(), 0, deepestAxis);
+}
+
+std::vector<std::string> SplitAtCommas(const std::string &text) {
+    std::vector<std::string> parts(1);
+    for (const char character : text) {
+        if (character == ',')
+            parts.emplace_back();
+        else
+            parts.back() += character;
+    }
+    return parts;
+}
+
+std::string ModelPrefix(const Arguments &arguments) {
+    if (arguments.Has("--model-prefix"))
+        return arguments.Text("--model-prefix");
+    std::filesystem::path name = std::filesystem::path(arguments.Text("--target")).filename();
+    while (name.has_extension())
+        name = name.stem();
+    return name.string() + "-fit-";
+}
+
+[[noreturn]] void Refuse(const std::string &option, const std::string &value, const std::string &expected) {
+    throw std::runtime_error(option + ": " + value + " is not " + expected);
+}
+
+} // namespace
+
+std::vector<Option> FitOptionTable() {
+    const auto shipped = [](const std::string &key, const std::string &value) {
+        return "\"" + key + "\" of the configuration, " + value + " as shipped";
+    };
+    return {
+        {"--map", Value::Text, "FILE",
+         "The density map, MRC2014 or CCP4 with an orthogonal cell; it may be packed by gzip or bzip2", "",
+         true, false, "Input"},
+        {"--target", Value::Text, "FILE",
+         "The structure that holds the chain to be fitted, PDB or mmCIF, coordinates in Å; it may be packed "
+         "by "
+         "gzip",
+         "", true},
+        {"--chain", Value::Text, "ID",
+         "The chain of the target file to be fitted. A chain without an identifier is ' '",
+         "the file's first polymer chain"},
+        {"--solid", Value::Text, "FILE",
+         "A structure that stays where it is and that the fitted chain must not penetrate; it may be the "
+         "target's "
+         "own file",
+         "none", false, true},
+        {"--solid-chains", Value::Text, "IDS",
+         "The chains of the solid files that are used, separated by commas",
+         "all polymer chains, less the target chain where the file is the same"},
+        {"--restraints", Value::Text, "FILE",
+         "Distance restraints, one on each line: a residue of the target (ALA12) and its preferred position "
+         "x y z "
+         "in Å. They do not enter the score; each pose's distances from them are saved with it",
+         "none"},
+
+        {"--axis", Value::Integer, "N",
+         "How finely rotation axes are spread over the half sphere: 0, 1, 2, 3, 4 give 6, 21, 81, 321, 1281 "
+         "axes",
+         shipped("Axis", "2"), false, false, "Search"},
+        {"--rotation-step", Value::Number, "DEG", "Step of the rotation about each axis, in degrees",
+         shipped("RotationStep", "10.0")},
+        {"--translation-step", Value::Number, "A", "Step of the translation along x, y and z, in Å",
+         shipped("TransStep", "5.0")},
+        {"--translation-steps", Value::Integer, "N",
+         "Number of translations along each of x, y and z, centred on the start; an even number counts as "
+         "the next "
+         "odd one",
+         shipped("TransNum", "5")},
+        {"--keep", Value::Integer, "N", "Number of best solutions to keep", shipped("TopList", "100")},
+        {"--inclusion-distance", Value::Number, "A",
+         "Residues of the solid farther than this from the target's centre, in Å, are left out",
+         shipped("Marginal", "60.0")},
+
+        {"--results", Value::Text, "FILE",
+         "Write the solutions kept, the best last, in the format that the results dialog loads", "no file",
+         false, false, "Output"},
+        {"--log", Value::Text, "FILE", "Write every accepted pose while the search runs", "no file"},
+        {"--json", Value::Text, "FILE",
+         "Write the settings, the counts and every solution kept in full precision, the best first",
+         "no file"},
+        {"--models", Value::Integer, "N",
+         "Write the N best solutions as structures: the target chain with all its atoms, in the target "
+         "file's format",
+         "0"},
+        {"--model-prefix", Value::Text, "PATH",
+         "What the models' file names begin with; the rank and .pdb or .cif follow",
+         "the target file's name without folder and extensions, then -fit-, in the current folder"},
+        {"--quiet", Value::None, "",
+         "Say nothing of what was read and show no progress; warnings and the table stay", ""},
+        {"--force", Value::None, "", "Run the fit however long it takes", ""},
+    };
+}
+
+FitOptions ReadFitOptions(const Arguments &arguments) {
+    FitOptions options;
+    options.map = arguments.Text("--map");
+    options.target = arguments.Text("--target");
+    options.chain = GivenText(arguments, "--chain");
+    options.solids = arguments.Texts("--solid");
+    if (arguments.Has("--solid-chains"))
+        options.solidChains = SplitAtCommas(arguments.Text("--solid-chains"));
+    options.restraints = GivenText(arguments, "--restraints");
+
+    options.axis = AxisOf(arguments);
+    options.rotationStep = TextOf(arguments, "--rotation-step", "RotationStep").toDouble();
+    options.translationStep = TextOf(arguments, "--translation-step", "TransStep").toDouble();
+    options.translationSteps = TextOf(arguments, "--translation-steps", "TransNum").toInt();
+    options.keep = TextOf(arguments, "--keep", "TopList").toInt();
+    options.inclusionDistance = TextOf(arguments, "--inclusion-distance", "Marginal").toStdString();
+
+    options.results = GivenText(arguments, "--results");
+    options.log = GivenText(arguments, "--log");
+    options.json = GivenText(arguments, "--json");
+    options.models = arguments.Integer("--models");
+    options.modelPrefix = ModelPrefix(arguments);
+    options.quiet = arguments.Has("--quiet");
+    options.force = arguments.Has("--force");
+    return options;
+}
+
+void CheckFitOptions(const FitOptions &options) {
+    if (options.axis < 0 || options.axis > deepestAxis)
+        Refuse("--axis", std::to_string(options.axis), "a whole number from 0 to 99");
+    if (!std::isfinite(options.translationStep))
+        Refuse("--translation-step", std::to_string(options.translationStep), "a finite number of Å");
+    if (options.translationSteps < 0)
+        Refuse("--translation-steps", std::to_string(options.translationSteps), "a number of steps");
+    if (options.keep < 0)
+        Refuse("--keep", std::to_string(options.keep), "a number of solutions");
+    if (!(QString::fromStdString(options.inclusionDistance).toFloat() >= 0))
+        Refuse("--inclusion-distance", options.inclusionDistance, "a distance in Å");
+    if (options.models < 0)
+        Refuse("--models", std::to_string(options.models), "a number of models");
+    if (options.solidChains && options.solids.empty())
+        throw UsageError("--solid-chains is given without --solid");
+}
+
+} // namespace Batch
