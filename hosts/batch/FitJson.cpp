@@ -1,7 +1,6 @@
 #include "FitJson.h"
 
 #include "FileError.h"
-#include "ReadBytes.h"
 
 #include <nlohmann/json.hpp>
 
@@ -113,10 +112,9 @@ SolutionScore SolutionOf(const Json &entry) {
     return solution;
 }
 
-Json Parse(const std::string &file) {
-    constexpr std::size_t limit = std::size_t(1) << 30;
+Json Parse(const std::string &file, const std::string &bytes) {
     try {
-        return Json::parse(VARNO::ReadBytes(file, limit));
+        return Json::parse(bytes);
     } catch (const Json::exception &error) {
         throw VARNO::FileError(file, "", std::string("is not JSON: ") + error.what());
     }
@@ -148,8 +146,8 @@ void WriteFitJson(std::ostream &out, const FitRecord &record) {
     out << "\n  ]\n}\n";
 }
 
-std::vector<SolutionScore> ReadFitJson(const std::string &file) {
-    const Json json = Parse(file);
+std::vector<SolutionScore> ReadFitJson(const std::string &file, const std::string &bytes) {
+    const Json json = Parse(file, bytes);
     std::vector<SolutionScore> solutions;
     try {
         for (const Json &entry : json.at("solutions"))

@@ -36,7 +36,8 @@ struct FitRecord {
 /// line, the best first.
 void WriteFitJson(std::ostream &out, const FitRecord &record);
 
-/// The solutions of such a file, the best first. Throws FileError where it is none.
-std::vector<SolutionScore> ReadFitJson(const std::string &file);
+/// The solutions of such a file, the best first. Throws FileError, with the name given, where the bytes are
+/// none.
+std::vector<SolutionScore> ReadFitJson(const std::string &file, const std::string &bytes);
 
 } // namespace Batch

@@ -3,6 +3,22 @@
 #include <QIODevice>
 #include <QTextStream>
 
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t wordsOfARecord = 8;
+
+bool AreNumbers(const std::vector<QString> &words) {
+    return std::all_of(words.begin(), words.begin() + wordsOfARecord, [](const QString &word) {
+        bool ok = false;
+        word.toFloat(&ok);
+        return ok;
+    });
+}
+
+} // namespace
+
 void WriteResults(QIODevice &device, const std::list<SolutionScore> &solutions) {
     QTextStream text(&device);
     text << SolutionScore::getFormatComment() << '\n';
@@ -11,7 +27,6 @@ void WriteResults(QIODevice &device, const std::list<SolutionScore> &solutions) 
 }
 
 ResultsRead ReadResults(QIODevice &device) {
-    constexpr std::size_t wordsOfARecord = 8;
     ResultsRead read;
     if (!device.isReadable())
         return read;
@@ -20,10 +35,14 @@ ResultsRead ReadResults(QIODevice &device) {
     for (qint64 number = 1; text.readLineInto(&line); ++number) {
         if (line.startsWith('#'))
             continue;
-        if (split(line).size() < wordsOfARecord)
+        const std::vector<QString> words = split(line);
+        if (words.size() < wordsOfARecord) {
             read.skippedLines.push_back(number);
-        else
-            read.solutions.emplace_back().setFromLine(line);
+            continue;
+        }
+        if (!AreNumbers(words))
+            read.doubtful[read.solutions.size()] = number;
+        read.solutions.emplace_back().setFromLine(line);
     }
     return read;
 }

@@ -1,7 +1,6 @@
 #include "FitJson.h"
 
 #include "FileError.h"
-#include "TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,9 +42,9 @@ void ExpectSameBits(double a, double b) {
     EXPECT_EQ(std::bit_cast<std::uint64_t>(a), std::bit_cast<std::uint64_t>(b)) << a << ' ' << b;
 }
 
-std::string ErrorOf(const std::string &file) {
+std::string ErrorOf(const std::string &bytes) {
     try {
-        ReadFitJson(file);
+        ReadFitJson("fit.json", bytes);
     } catch (const VARNO::FileError &error) {
         return error.what();
     }
@@ -69,9 +68,8 @@ TEST(RankByScore, PutsTheBestFirstAndTheLaterOfEqualOnesBefore) {
 }
 
 TEST(FitJson, ReadsBackBitForBit) {
-    TemporaryFolder folder;
     const std::list<SolutionScore> solutions = Awkward();
-    const auto read = ReadFitJson(folder.Write("fit.json", Written(solutions)));
+    const auto read = ReadFitJson("fit.json", Written(solutions));
     ASSERT_EQ(read.size(), 2u);
     auto wanted = solutions.begin();
     for (const SolutionScore &solution : read) {
@@ -98,21 +96,15 @@ TEST(FitJson, HoldsOneSolutionOnEachLine) {
 }
 
 TEST(FitJson, MayHoldNoSolution) {
-    TemporaryFolder folder;
-    EXPECT_TRUE(ReadFitJson(folder.Write("fit.json", Written({}))).empty());
+    EXPECT_TRUE(ReadFitJson("fit.json", Written({})).empty());
 }
 
 TEST(FitJson, NamesFileAndPlaceOfAnError) {
-    TemporaryFolder folder;
-    EXPECT_EQ(ErrorOf(folder.File("absent")),
-              folder.File("absent") + ": cannot be read: No such file or directory");
-    EXPECT_THAT(ErrorOf(folder.Write("cut", Written(Awkward()).substr(0, 900))),
-                HasSubstr("cut: is not JSON: "));
-    EXPECT_THAT(ErrorOf(folder.Write("other", "[1, 2]")), HasSubstr("other: solution 1: "));
-    EXPECT_EQ(ErrorOf(folder.Write("short", R"({"solutions": [{"rotation": [1, 0, 0]}]})")),
-              folder.File("short") + ": solution 1: rotation holds 3 numbers instead of 4");
-    EXPECT_THAT(ErrorOf(folder.Write("text", R"({"solutions": [{"rotation": [1, 0, 0, "z"]}]})")),
-                HasSubstr("text: solution 1: "));
-    EXPECT_THAT(ErrorOf(folder.Write("deep", std::string(100'000, '['))), HasSubstr("deep: is not JSON: "));
-    EXPECT_THAT(ErrorOf(folder.Path()), HasSubstr(folder.Path() + ": "));
+    EXPECT_THAT(ErrorOf(Written(Awkward()).substr(0, 900)), HasSubstr("fit.json: is not JSON: "));
+    EXPECT_THAT(ErrorOf("[1, 2]"), HasSubstr("fit.json: solution 1: "));
+    EXPECT_EQ(ErrorOf(R"({"solutions": [{"rotation": [1, 0, 0]}]})"),
+              "fit.json: solution 1: rotation holds 3 numbers instead of 4");
+    EXPECT_THAT(ErrorOf(R"({"solutions": [{"rotation": [1, 0, 0, "z"]}]})"),
+                HasSubstr("fit.json: solution 1: "));
+    EXPECT_THAT(ErrorOf(std::string(100'000, '[')), HasSubstr("fit.json: is not JSON: "));
 }
