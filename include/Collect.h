@@ -8,7 +8,8 @@ class Grid;
 
 /// Collectors. Each appends to `out`, in model order, the nodes of its kind below `start` (`start` itself is
 /// not one of them); nothing is cleared. With `all` every such node is taken; without it only selected ones,
-/// and only below nodes that hold a selection. The cost is linear in the number of nodes visited.
+/// which lie only below nodes that hold a selection. Every node is visited once. A null `start` gives
+/// nothing.
 void GetAtoms(Compound *start, std::vector<Compound *> &out, bool all);
 void GetResidues(Compound *start, std::vector<Compound *> &out, bool all);
 /// Groups: residues and any other group of atoms.
@@ -19,7 +20,7 @@ void GetPeptides(Compound *start, std::vector<Compound *> &out, bool all);
 /// The nodes of type T below `node`. Of a `Composite` its children are looked at, of any other node its parts
 /// and those only with `intoParts`: a T is taken (if `all`, or if it is selected), a `Composite` is walked in
 /// turn without its parts, anything else is passed by. Without `all`, a node that holds no selection gives
-/// nothing. `typeTag` only names the type and may be null.
+/// nothing. `typeTag` only names the type and may be null; nor is a null `node` an error.
 template <class T>
 void GetItems(Compound *node, std::vector<Compound *> &out, bool all, const T *typeTag, bool intoParts) {
     if (!node || (!all && !node->HasSelected()))

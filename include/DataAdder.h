@@ -6,10 +6,11 @@
 namespace VARNO {
 
 /// A batch of additions to the model, open for as long as the object lives. When it ends, subscribers hear of
-/// everything that `DataMaker` made meanwhile in one notice. T is the type of the object that receives the
-/// additions, the root or a node below it.
+/// everything that `DataMaker` made meanwhile, and that is still in the model, in one notice. T is the type
+/// of the object that receives the additions, the root or a node below it.
 ///
-/// Adding is refused while another batch is open or the root is read-only: test `MayAdd` before making anything.
+/// Adding is refused while another batch is open or the root is read-only: test `MayAdd` before making
+/// anything.
 template <class T>
 class DataAdder : public DataPointBase {
 public:
@@ -17,19 +18,12 @@ public:
         : DataPointBase(nullptr, Publisher::Addition) {
         CheckPointer(receiver, "../../include/DataAdder", 78);
         Space *space = Space::instance();
-        m_open = receiver && !space->IsReadOnly() && space->Changes().Open(this);
-        if (!m_open)
+        if (!receiver || space->IsReadOnly() || !space->Changes().Open(this))
             Refuse();
     }
-    ~DataAdder() override {
-        if (m_open)
-            Space::instance()->Changes().Close(this);
-    }
+    ~DataAdder() override { Space::instance()->Changes().Close(this); }
 
     bool MayAdd() const { return GetActionState() == Publisher::Addition; }
-
-private:
-    bool m_open;
 };
 
 } // namespace VARNO

@@ -8,8 +8,8 @@ namespace VARNO {
 
 /// A three-dimensional array of floats over an orthogonal box: a density map, or a keep-out grid.
 ///
-/// Voxel (i, j, k), i < nx, j < ny, k < nz, is the value at origin + (i·sx, j·sy, k·sz) in Å, model frame, and
-/// stands at index i + nx·(j + ny·k) of the values (x runs fastest).
+/// Voxel (i, j, k), i < nx, j < ny, k < nz, is the value at origin + (i·sx, j·sy, k·sz) in Å, model frame,
+/// and stands at index i + nx·(j + ny·k) of the values (x runs fastest).
 class Grid : public Compound {
 public:
     /// All values are 0. Throws std::bad_alloc when the values do not fit into memory.

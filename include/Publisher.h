@@ -11,12 +11,13 @@ class DataPointBase;
 class Subscriber {
 public:
     virtual ~Subscriber() = default;
-    /// Called once per closed batch of additions, and once per removal, after the tree has changed. The notice
-    /// lives for the call only.
+    /// Called once per closed batch of additions, and once per removal, after the tree has changed. The
+    /// notice lives for the call only.
     virtual void Notify(const DataPointBase &notice) = 0;
 };
 
-/// Where changes to the model are announced. Subscribers are not owned and must leave before they die.
+/// Where changes to the model are announced. Subscribers are not owned and must leave before they die, which
+/// they may do while a notice is being told.
 class Publisher {
 public:
     enum ActionType { None = 0, Addition = 1, Removal = 2 };
@@ -26,7 +27,8 @@ public:
 
     /// Makes the batch the open one. False, and nothing happens, while another is open.
     bool Open(DataPointBase *batch);
-    /// Ends the batch and tells every subscriber but the batch's origin; a batch without content tells nobody.
+    /// Ends the batch and tells every subscriber but the batch's origin what of it is still in the model. A
+    /// batch without content tells nobody; one that is not the open one is passed by.
     void Close(DataPointBase *batch);
     /// Adds the node to the open batch's list; without an open batch it is announced at once, on its own.
     void Announce(Compound *node, ActionType action);

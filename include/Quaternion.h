@@ -52,7 +52,9 @@ public:
     }
 
     /// The rotated point: each coordinate summed in double from x to z and rounded once to float. Not valid.
-    constexpr Vertex operator*(const Vertex &p) const { return Vertex(Row(0, p), Row(3, p), Row(6, p), false); }
+    constexpr Vertex operator*(const Vertex &p) const {
+        return Vertex(Row(0, p), Row(3, p), Row(6, p), false);
+    }
 
 private:
     constexpr float Row(std::size_t first, const Vertex &p) const {
@@ -64,6 +66,8 @@ private:
 };
 
 /// The vertex rotated about the frame's origin; not valid.
-constexpr Vertex operator*(const Quaternion &q, const Vertex &p) { return RotationMatrix(q) * p; }
+constexpr Vertex operator*(const Quaternion &q, const Vertex &p) {
+    return RotationMatrix(q) * p;
+}
 
 } // namespace VARNO

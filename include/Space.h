@@ -28,6 +28,7 @@ public:
 private:
     friend class RemovalHold;
 
+    Space() = default;
     void Detach(Compound *node);
     void EndHold();
 

@@ -10,8 +10,7 @@ template <class T, unsigned N>
 class Vector {
 public:
     constexpr Vector() = default;
-    constexpr Vector(T x, T y, T z)
-        requires(N == 3)
+    constexpr Vector(T x, T y, T z) requires(N == 3)
         : m_component{x, y, z} {}
 
     constexpr T &operator[](std::size_t i) { return m_component[i]; }

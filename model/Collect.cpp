@@ -7,13 +7,14 @@ namespace VARNO {
 
 namespace {
 
-/// Appends the nodes below `start` that `matches` accepts. Without `all`, `start` is known to hold a selection:
-/// each node's subtree is asked for one once, on the way down.
+/// Appends the nodes below `start` that `matches` accepts, visiting each node once. Whatever lies above a
+/// selected node holds a selection, so that nothing is gained by asking each subtree for one before walking
+/// it.
 template <class Matches>
 void Collect(const Compound *start, std::vector<Compound *> &out, bool all, Matches matches) {
-    const auto visit = [&](Compound *node) {
-        if (!node || (!all && !node->HasSelected()))
-            return;
+    if (!start)
+        return;
+    const auto visit = [&](Compound *node) { // a null entry matches nothing
         if (matches(node) && (all || node->IsSelected()))
             out.push_back(node);
         Collect(node, out, all, matches);
@@ -24,28 +25,22 @@ void Collect(const Compound *start, std::vector<Compound *> &out, bool all, Matc
         visit(*it);
 }
 
-template <class Matches>
-void CollectFrom(const Compound *start, std::vector<Compound *> &out, bool all, Matches matches) {
-    if (start && (all || start->HasSelected()))
-        Collect(start, out, all, matches);
-}
-
 } // namespace
 
 void GetAtoms(Compound *start, std::vector<Compound *> &out, bool all) {
-    CollectFrom(start, out, all, [](const Compound *node) { return dynamic_cast<const Atom *>(node); });
+    Collect(start, out, all, [](const Compound *node) { return dynamic_cast<const Atom *>(node); });
 }
 
 void GetResidues(Compound *start, std::vector<Compound *> &out, bool all) {
-    CollectFrom(start, out, all, [](const Compound *node) { return dynamic_cast<const Residue *>(node); });
+    Collect(start, out, all, [](const Compound *node) { return dynamic_cast<const Residue *>(node); });
 }
 
 void GetGroups(Compound *start, std::vector<Compound *> &out, bool all) {
-    CollectFrom(start, out, all, [](const Compound *node) { return dynamic_cast<const Group *>(node); });
+    Collect(start, out, all, [](const Compound *node) { return dynamic_cast<const Group *>(node); });
 }
 
 void GetPeptides(Compound *start, std::vector<Compound *> &out, bool all) {
-    CollectFrom(start, out, all, [](const Compound *node) {
+    Collect(start, out, all, [](const Compound *node) {
         if (const auto *chain = dynamic_cast<const Chain *>(node))
             return chain->IsPolymer();
         const auto *molecule = dynamic_cast<const Molecule *>(node);

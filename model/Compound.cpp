@@ -11,25 +11,47 @@ Compound::~Compound() {
         delete node;
 }
 
-std::string Compound::GetLabel() const { return {}; }
-char Compound::GetCode() const { return ' '; }
-std::string Compound::GetName() const { return {}; }
-Vertex Compound::GetPosition() const { return {}; }
-bool Compound::IsSelected() const { return m_selected; }
+std::string Compound::GetLabel() const {
+    return {};
+}
+char Compound::GetCode() const {
+    return ' ';
+}
+std::string Compound::GetName() const {
+    return {};
+}
+Vertex Compound::GetPosition() const {
+    return {};
+}
+bool Compound::IsSelected() const {
+    return m_selected;
+}
 
 bool Compound::HasSelected() const {
     return IsSelected() ||
            std::ranges::any_of(m_below, [](const Compound *node) { return node && node->HasSelected(); });
 }
 
-Compound *Compound::FindChild(const std::string &) const { return nullptr; }
-Compound::Iterator Compound::ChildBegin() const { return m_below.end(); }
-Compound::Iterator Compound::ChildEnd() const { return m_below.end(); }
-bool Compound::IsAttached() const { return m_parent && m_parent->IsAttached(); }
+Compound *Compound::FindChild(const std::string &) const {
+    return nullptr;
+}
+Compound::Iterator Compound::ChildBegin() const {
+    return m_below.end();
+}
+Compound::Iterator Compound::ChildEnd() const {
+    return m_below.end();
+}
+bool Compound::IsAttached() const {
+    return m_parent && m_parent->IsAttached();
+}
 void Compound::Complete() {}
 
-Compound::Iterator Compound::PartBegin() const { return IsComposite() ? m_below.end() : m_below.begin(); }
-Compound::Iterator Compound::PartEnd() const { return m_below.end(); }
+Compound::Iterator Compound::PartBegin() const {
+    return IsComposite() ? m_below.end() : m_below.begin();
+}
+Compound::Iterator Compound::PartEnd() const {
+    return m_below.end();
+}
 
 void Compound::Adopt(std::unique_ptr<Compound> node) {
     m_below.push_back(nullptr);
@@ -54,16 +76,23 @@ Compound *Composite::FindChild(const std::string &name) const {
 
 namespace {
 
-char FirstCharacter(const std::string &text) { return text.empty() ? ' ' : text.front(); }
+char FirstCharacter(const std::string &text) {
+    return text.empty() ? ' ' : text.front();
+}
 
 } // namespace
 
-char Molecule::GetCode() const { return HoldsResidues() ? FirstCharacter(GetName()) : ' '; }
-
-bool Molecule::HoldsResidues() const {
-    return std::ranges::any_of(Below(), [](const Compound *node) { return dynamic_cast<const Residue *>(node); });
+char Molecule::GetCode() const {
+    return HoldsResidues() ? FirstCharacter(GetName()) : ' ';
 }
 
-char Chain::GetCode() const { return FirstCharacter(GetName()); }
+bool Molecule::HoldsResidues() const {
+    return std::ranges::any_of(Below(),
+                               [](const Compound *node) { return dynamic_cast<const Residue *>(node); });
+}
+
+char Chain::GetCode() const {
+    return FirstCharacter(GetName());
+}
 
 } // namespace VARNO

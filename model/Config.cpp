@@ -12,11 +12,13 @@ namespace VARNO {
 
 namespace {
 
-/// What the host ships.
-const std::map<std::pair<std::string, std::string>, std::string> defaults = {
-    {{"Morvanex", "Axis"}, "2"},         {{"Morvanex", "RotationStep"}, "10.0"},
-    {{"Morvanex", "TransNum"}, "5"},     {{"Morvanex", "TransStep"}, "5.0"},
-    {{"Morvanex", "TopList"}, "100"},    {{"Morvanex", "Output"}, "morvanex.log"},
+/// Texts by section and key.
+using Values = std::map<std::pair<std::string, std::string>, std::string>;
+
+const Values shipped = {
+    {{"Morvanex", "Axis"}, "2"},        {{"Morvanex", "RotationStep"}, "10.0"},
+    {{"Morvanex", "TransNum"}, "5"},    {{"Morvanex", "TransStep"}, "5.0"},
+    {{"Morvanex", "TopList"}, "100"},   {{"Morvanex", "Output"}, "morvanex.log"},
     {{"Morvanex", "Marginal"}, "60.0"},
 };
 
@@ -29,26 +31,15 @@ bool ReadPlainIni(QIODevice &device, QSettings::SettingsMap &values) {
         line = line.trimmed();
         if (line.startsWith('[') && line.endsWith(']'))
             section = line.mid(1, line.size() - 2).trimmed();
-        else if (const auto equals = line.indexOf('='); equals > 0 && !line.startsWith('#') && !line.startsWith(';'))
+        else if (const auto equals = line.indexOf('=');
+                 equals > 0 && !line.startsWith('#') && !line.startsWith(';'))
             values[section + '/' + line.left(equals).trimmed()] = line.mid(equals + 1).trimmed();
     }
     return true;
 }
 
-bool WritePlainIni(QIODevice &device, const QSettings::SettingsMap &values) {
-    QTextStream text(&device);
-    QString section;
-    for (auto it = values.begin(); it != values.end(); ++it) {
-        const auto slash = it.key().lastIndexOf('/');
-        if (const QString own = it.key().left(slash); own != section)
-            text << '[' << (section = own) << "]\n";
-        text << it.key().mid(slash + 1) << '=' << it.value().toString() << '\n';
-    }
-    return true;
-}
-
 QSettings::Format PlainIni() {
-    static const QSettings::Format format = QSettings::registerFormat("ini", ReadPlainIni, WritePlainIni);
+    static const QSettings::Format format = QSettings::registerFormat("ini", ReadPlainIni, nullptr);
     return format;
 }
 
@@ -56,6 +47,19 @@ QString &UserFile() {
     static QString path =
         QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/varno/varno.ini";
     return path;
+}
+
+void WarnWhereUnreadable(const QSettings &user) {
+    static QString warned;
+    if (user.status() == QSettings::NoError || user.fileName() == warned)
+        return;
+    warned = user.fileName();
+    qWarning("The settings file %s cannot be read: the default settings are used", qPrintable(warned));
+}
+
+Values &Overrides() {
+    static Values values;
+    return values;
 }
 
 /// The number that `read` makes of the text, 0 where there is none or it does not convert.
@@ -85,18 +89,36 @@ std::string Setting::ToString(bool *ok) const {
 }
 
 Setting Config::GetSetting(const std::string &section, const std::string &key) {
+    if (const auto override = Overrides().find({section, key}); override != Overrides().end())
+        return Setting(override->second);
     const QSettings user(UserFile(), PlainIni());
+    WarnWhereUnreadable(user);
     const QString name = QString::fromStdString(section + '/' + key);
     if (user.contains(name))
         return Setting(user.value(name).toString().toStdString());
-    const auto shipped = defaults.find({section, key});
-    return shipped == defaults.end() ? Setting() : Setting(shipped->second);
+    const auto standard = shipped.find({section, key});
+    return standard == shipped.end() ? Setting() : Setting(standard->second);
 }
 
-std::string Config::GetPersonalDir() { return QDir::homePath().toStdString(); }
+std::string Config::GetPersonalDir() {
+    const QString home = QDir::homePath();
+    return QDir(home).isRoot() ? std::string() : home.toStdString();
+}
 
-std::string Config::GetUserFile() { return UserFile().toStdString(); }
+void Config::Override(const std::string &section, const std::string &key, const std::string &value) {
+    Overrides()[{section, key}] = value;
+}
 
-void Config::SetUserFile(const std::string &path) { UserFile() = QString::fromStdString(path); }
+void Config::EndOverrides() {
+    Overrides().clear();
+}
+
+std::string Config::GetUserFile() {
+    return UserFile().toStdString();
+}
+
+void Config::SetUserFile(const std::string &path) {
+    UserFile() = QString::fromStdString(path);
+}
 
 } // namespace VARNO

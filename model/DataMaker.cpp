@@ -12,7 +12,9 @@ Compound *DataMaker::Add(Compound *parent, std::unique_ptr<Compound> node) {
     return added;
 }
 
-Compound *DataMaker::makeClump(const std::string &name) { return Add(nullptr, std::make_unique<Clump>(name)); }
+Compound *DataMaker::makeClump(const std::string &name) {
+    return Add(nullptr, std::make_unique<Clump>(name));
+}
 
 Compound *DataMaker::makeMolecule(Compound *parent, const std::string &name) {
     return Add(parent, std::make_unique<Molecule>(name));
@@ -37,13 +39,13 @@ Compound *DataMaker::makeBond(Compound *first, Compound *second, char kind) {
     return Add(first, std::make_unique<Bond>(first, second, kind));
 }
 
-Compound *DataMaker::makeGrid(Compound *parent, const std::string &name, unsigned nx, unsigned ny, unsigned nz,
-                              float ox, float oy, float oz, float sx, float sy, float sz, float alpha,
-                              float beta, float gamma) {
+Compound *DataMaker::makeGrid(Compound *parent, const std::string &name, unsigned nx, unsigned ny,
+                              unsigned nz, float ox, float oy, float oz, float sx, float sy, float sz,
+                              float alpha, float beta, float gamma) {
     using Counts = Vector<unsigned, 3>;
     using Floats = Vector<float, 3>;
-    return Add(parent, std::make_unique<Grid>(name, Counts(nx, ny, nz), Floats(ox, oy, oz), Floats(sx, sy, sz),
-                                              Floats(alpha, beta, gamma)));
+    return Add(parent, std::make_unique<Grid>(name, Counts(nx, ny, nz), Floats(ox, oy, oz),
+                                              Floats(sx, sy, sz), Floats(alpha, beta, gamma)));
 }
 
 } // namespace VARNO

@@ -1,6 +1,19 @@
 #include "Grid.h"
 
+#include <new>
+
 namespace VARNO {
+
+namespace {
+
+/// Asked in double, since the product of three counts need not fit into 64 bits.
+std::size_t VoxelCount(const Vector<unsigned, 3> &n) {
+    if (double(n[0]) * double(n[1]) * double(n[2]) > double(std::vector<float>().max_size()))
+        throw std::bad_alloc();
+    return std::size_t(n[0]) * n[1] * n[2];
+}
+
+} // namespace
 
 Grid::Grid(std::string name, const Vector<unsigned, 3> &dimensions, const Vector<float, 3> &origin,
            const Vector<float, 3> &spacing, const Vector<float, 3> &angles)
@@ -9,7 +22,7 @@ Grid::Grid(std::string name, const Vector<unsigned, 3> &dimensions, const Vector
     , m_origin(origin)
     , m_spacing(spacing)
     , m_angles(angles)
-    , m_values(std::size_t(dimensions[0]) * dimensions[1] * dimensions[2]) {}
+    , m_values(VoxelCount(dimensions)) {}
 
 Vertex Grid::GetPoint(unsigned i, unsigned j, unsigned k) const {
     return Vertex(m_origin[0] + float(i) * m_spacing[0], m_origin[1] + float(j) * m_spacing[1],

@@ -1,10 +1,18 @@
 #include "Publisher.h"
 
+#include "Compound.h"
+
+#include <algorithm>
+
 namespace VARNO {
 
-void Publisher::Subscribe(Subscriber *subscriber) { m_subscribers.push_back(subscriber); }
+void Publisher::Subscribe(Subscriber *subscriber) {
+    m_subscribers.push_back(subscriber);
+}
 
-void Publisher::Unsubscribe(Subscriber *subscriber) { std::erase(m_subscribers, subscriber); }
+void Publisher::Unsubscribe(Subscriber *subscriber) {
+    std::erase(m_subscribers, subscriber);
+}
 
 bool Publisher::Open(DataPointBase *batch) {
     if (m_open)
@@ -17,6 +25,7 @@ void Publisher::Close(DataPointBase *batch) {
     if (m_open != batch)
         return;
     m_open = nullptr;
+    std::erase_if(batch->m_nodes, [](const Compound *node) { return !node->IsAttached(); });
     if (!batch->m_nodes.empty())
         Tell(*batch);
 }
@@ -32,11 +41,11 @@ void Publisher::Announce(Compound *node, ActionType action) {
 }
 
 void Publisher::Tell(const DataPointBase &notice) const {
-    // A subscriber may leave, or others join, while it is being told.
-    const std::vector<Subscriber *> told = m_subscribers;
-    for (Subscriber *subscriber : told)
-        if (subscriber != notice.GetOrigin())
-            subscriber->Notify(notice);
+    // While one is being told, others may join or leave; those that have left may be dead.
+    const std::vector<Subscriber *> listeners = m_subscribers;
+    for (Subscriber *listener : listeners)
+        if (listener != notice.GetOrigin() && std::ranges::count(m_subscribers, listener) > 0)
+            listener->Notify(notice);
 }
 
 } // namespace VARNO

@@ -40,8 +40,12 @@ void Space::EndHold() {
         Remove(node);
 }
 
-RemovalHold::RemovalHold() { ++Space::instance()->m_holds; }
+RemovalHold::RemovalHold() {
+    ++Space::instance()->m_holds;
+}
 
-RemovalHold::~RemovalHold() { Space::instance()->EndHold(); }
+RemovalHold::~RemovalHold() {
+    Space::instance()->EndHold();
+}
 
 } // namespace VARNO

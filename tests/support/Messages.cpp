@@ -19,11 +19,17 @@ Messages::Messages() {
     previous = qInstallMessageHandler(Catch);
 }
 
-Messages::~Messages() { qInstallMessageHandler(previous); }
+Messages::~Messages() {
+    qInstallMessageHandler(previous);
+}
 
-const std::vector<std::string> &Messages::Debug() const { return debug; }
+const std::vector<std::string> &Messages::Debug() const {
+    return debug;
+}
 
-const std::vector<std::string> &Messages::Warnings() const { return warnings; }
+const std::vector<std::string> &Messages::Warnings() const {
+    return warnings;
+}
 
 void Messages::Clear() {
     debug.clear();
