@@ -33,7 +33,7 @@ void GetItems(Compound *node, std::vector<Compound *> &out, bool all, const T *t
         if (auto *item = dynamic_cast<T *>(*it)) {
             if (all || item->IsSelected())
                 out.push_back(item);
-        } else if (dynamic_cast<Composite *>(*it)) {
+        } else {
             GetItems<T>(*it, out, all, typeTag, false);
         }
     }

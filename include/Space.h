@@ -30,6 +30,7 @@ private:
 
     Space() = default;
     void Detach(Compound *node);
+    /// Asks again for the removals that were held; they go on waiting while another hold lives.
     void EndHold();
 
     Publisher m_changes;

@@ -23,7 +23,8 @@ const Values shipped = {
 };
 
 /// Reads "key=value" lines below "[section]" lines as they stand. The toolkit's own INI format splits a value
-/// at commas and eats backslashes, which a file name written by hand may hold.
+/// at commas and eats backslashes, which a file name written by hand may hold. A comment that holds an equals
+/// sign becomes the value of a key that nobody asks for.
 bool ReadPlainIni(QIODevice &device, QSettings::SettingsMap &values) {
     QTextStream text(&device);
     QString section, line;
@@ -31,8 +32,7 @@ bool ReadPlainIni(QIODevice &device, QSettings::SettingsMap &values) {
         line = line.trimmed();
         if (line.startsWith('[') && line.endsWith(']'))
             section = line.mid(1, line.size() - 2).trimmed();
-        else if (const auto equals = line.indexOf('=');
-                 equals > 0 && !line.startsWith('#') && !line.startsWith(';'))
+        else if (const auto equals = line.indexOf('='); equals != -1)
             values[section + '/' + line.left(equals).trimmed()] = line.mid(equals + 1).trimmed();
     }
     return true;

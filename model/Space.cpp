@@ -34,8 +34,7 @@ void Space::Detach(Compound *node) {
 }
 
 void Space::EndHold() {
-    if (--m_holds > 0)
-        return;
+    --m_holds;
     for (Compound *node : std::exchange(m_waiting, {}))
         Remove(node);
 }
