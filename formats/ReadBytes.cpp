@@ -5,7 +5,7 @@
 namespace VARNO {
 
 std::string ReadBytes(const std::string &file, std::size_t limit) {
-    constexpr std::size_t portion = 1 << 20;
+    constexpr std::size_t portion = 1 << 16;
     ByteSource source(file);
     std::string bytes;
     for (std::size_t held = 0, found = portion; found == portion; held += found) {

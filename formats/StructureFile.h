@@ -3,33 +3,57 @@
 #include "Compound.h"
 #include "Transform.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace VARNO {
 
+/// A polymer chain as it was read.
+struct ChainReport {
+    std::string identifier; ///< " " where it is blank
+    std::string kind;       ///< "protein", "DNA", "RNA", "DNA/RNA", "polymer" where the monomers are others
+    std::size_t residues = 0;
+    std::size_t placed = 0; ///< residues with a position
+    std::size_t atoms = 0;
+};
+
 /// What a structure file was found to hold, and what of it was left out.
 struct StructureReport {
-    std::string format;                ///< "PDB" or "mmCIF"
-    std::vector<std::string> warnings; ///< what was read differently from how it stands, one sentence each
+    std::string format;              ///< "PDB" or "mmCIF"
+    std::vector<ChainReport> chains; ///< the polymers, in the order of the model tree
+    unsigned models = 0;             ///< in the file; the first of them was read
+    std::size_t ligands = 0;         ///< residues beside the polymers, other than water
+    std::size_t waters = 0;          ///< water molecules
+    std::size_t alternates = 0;      ///< atoms left out as another alternate location
+    std::size_t unplaced = 0;        ///< atoms left out for a coordinate that is absent or not finite
+    std::vector<std::string>
+        warnings; ///< what was left out or read differently from how it stands, one sentence each
 };
 
 /// Reads a PDB or mmCIF file (either may be gzipped) and adds it to the model as one clump (named after the
-/// file) with one molecule, its chains, residues and atoms. The format is told from the content, not the name.
+/// file) with one molecule, its chains, residues and atoms. The format is told from the content, not the
+/// name.
 ///
-/// Only the first model and, atom by atom, the first alternate location are read. Coordinates are in Å.
-/// Throws FileError; nothing is added to the model then.
+/// Only the first model and, atom by atom, the first alternate location are read. Coordinates are in Å. For
+/// each chain identifier there is a polymer chain, and after it a chain of the same identifier, not a
+/// polymer, with the ligands and waters. A blank identifier of a PDB file gives a chain named " ". Throws
+/// FileError; nothing is added to the model then.
 Clump *ReadStructure(const std::string &file, StructureReport *report = nullptr);
 
 enum class StructureFormat { Pdb, Mmcif };
 
-/// mmCIF for a name ending in .cif or .mmcif, else PDB.
+/// mmCIF for a name ending in .cif or .mmcif, in capitals or not, else PDB.
 StructureFormat StructureFormatOf(const std::string &file);
 
 /// Writes the chains below `node` (or the chain or built molecule that `node` is) with every atom moved by
-/// `pose`. Atoms are numbered afresh from 1, occupancies are 1.00. The file is replaced as a whole at the end:
-/// it is never seen half written. Throws FileError, also when PDB cannot hold the model (more than 99,999
-/// atoms, an identifier of several letters, a coordinate or number too wide), with the advice to write mmCIF.
+/// `pose`. Atoms are numbered afresh from 1, occupancies are 1.00, the model is number 1, coordinates are
+/// rounded to three decimals in both formats. Residues of polymers are ATOM records, all others HETATM. The
+/// file is replaced as a whole at the end: it is never seen half written.
+///
+/// Throws FileError where there is no atom below `node`, for a coordinate that is not finite, and when PDB
+/// cannot hold the model (more than 99,999 atoms and ends of chains, an identifier of several letters, a
+/// coordinate, number or name too wide), then with the advice to write mmCIF.
 void WriteStructure(const std::string &file, StructureFormat format, const Compound *node,
                     const Transform &pose = Transform({}, {}));
 
