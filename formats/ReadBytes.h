@@ -10,8 +10,8 @@ namespace VARNO {
 /// ignored.
 ///
 /// Throws FileError for a file that is missing, unreadable or a directory, for a packed stream that is
-/// damaged or ends too early (naming the byte of the packed file), and for more than `limit` bytes, packed or
-/// unpacked: a few packed bytes can otherwise fill any memory.
+/// damaged or ends too early (naming the byte of the packed file), and for more than `limit` bytes: a few
+/// packed bytes can otherwise fill any memory.
 std::string ReadBytes(const std::string &file, std::size_t limit);
 
 } // namespace VARNO

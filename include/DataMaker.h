@@ -29,6 +29,8 @@ public:
     static Compound *makeGrid(Compound *parent, const std::string &name, unsigned nx, unsigned ny,
                               unsigned nz, float ox, float oy, float oz, float sx, float sy, float sz,
                               float alpha, float beta, float gamma);
+    /// A grid that was filled beforehand, as readers do that may still fail halfway.
+    static Grid *addGrid(Compound *parent, std::unique_ptr<Grid> grid);
 
 private:
     static Compound *Add(Compound *parent, std::unique_ptr<Compound> node);

@@ -48,4 +48,10 @@ Compound *DataMaker::makeGrid(Compound *parent, const std::string &name, unsigne
                                               Floats(sx, sy, sz), Floats(alpha, beta, gamma)));
 }
 
+Grid *DataMaker::addGrid(Compound *parent, std::unique_ptr<Grid> grid) {
+    Grid *const added = grid.get();
+    Add(parent, std::move(grid));
+    return added;
+}
+
 } // namespace VARNO

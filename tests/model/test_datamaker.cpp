@@ -98,6 +98,18 @@ TEST_F(DataMakerTest, MakesAGridOfZeros) {
     EXPECT_THAT(grid->Values(), Each(0.0f));
 }
 
+TEST_F(DataMakerTest, AddsAGridThatWasFilledBefore) {
+    Listener listener;
+    auto filled = std::make_unique<Grid>("map", Vector<unsigned, 3>(1, 1, 2), Vector<float, 3>(),
+                                         Vector<float, 3>(1, 1, 1), Vector<float, 3>(90, 90, 90));
+    filled->SetValue(0, 0, 1, 7);
+    Grid *grid = DataMaker::addGrid(nullptr, std::move(filled));
+    EXPECT_EQ(LastOfRoot(), grid);
+    EXPECT_THAT(grid->Values(), ElementsAre(0, 7));
+    ASSERT_EQ(listener.notices.size(), 1u);
+    EXPECT_THAT(listener.notices[0].nodes, ElementsAre(grid));
+}
+
 TEST_F(DataMakerTest, LeavesTheModelAsItWasWhenAGridDoesNotFit) {
     Listener listener;
     EXPECT_THROW(DataMaker::makeGrid(space, "g", ~0u, ~0u, ~0u, 0, 0, 0, 1, 1, 1, 90, 90, 90),
