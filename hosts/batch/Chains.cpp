@@ -21,10 +21,6 @@ std::string ShownName(const std::string &identifier) {
     return Trimmed(identifier).empty() ? "' '" : Trimmed(identifier);
 }
 
-bool IsNamed(const Chain &chain, const std::string &identifier) {
-    return Trimmed(chain.GetName()) == Trimmed(identifier);
-}
-
 /// The file's polymer chains, at least one.
 std::vector<Chain *> PolymerChains(const std::string &file, const Clump *clump) {
     std::vector<Chain *> chains = AllChains(clump);
@@ -42,6 +38,10 @@ void CheckHasChain(const std::string &file, const std::vector<Chain *> &chains,
 }
 
 } // namespace
+
+bool IsNamed(const Chain &chain, const std::string &identifier) {
+    return Trimmed(chain.GetName()) == Trimmed(identifier);
+}
 
 std::vector<Chain *> AllChains(const Clump *clump) {
     std::vector<Chain *> chains;

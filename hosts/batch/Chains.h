@@ -11,9 +11,12 @@ namespace Batch {
 /// The chains below a clump in model order, polymers and others.
 std::vector<VARNO::Chain *> AllChains(const VARNO::Clump *clump);
 
-/// The clump's polymer chain of that identifier, or its first one without an identifier; blanks around an
-/// identifier do not count, so that ' ' names the chain without one. Throws FileError, naming the chains that
-/// the file has.
+/// Whether the chain has that identifier; blanks around an identifier do not count, so that ' ' names the
+/// chain without one.
+bool IsNamed(const VARNO::Chain &chain, const std::string &identifier);
+
+/// The clump's polymer chain of that identifier, or its first one without an identifier. Throws FileError,
+/// naming the chains that the file has.
 VARNO::Chain *ChooseChain(const std::string &file, const VARNO::Clump *clump,
                           const std::optional<std::string> &identifier);
 

@@ -3,7 +3,7 @@
 namespace Batch {
 
 const std::vector<Command> &AllCommands() {
-    static const std::vector<Command> commands = {};
+    static const std::vector<Command> commands = {FitCommand()};
     return commands;
 }
 

@@ -8,5 +8,6 @@ namespace Batch {
 const std::vector<Command> &AllCommands();
 
 // Each is defined in the file of its name.
+Command FitCommand();
 
 } // namespace Batch

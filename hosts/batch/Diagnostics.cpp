@@ -6,6 +6,8 @@
 
 #include <iostream>
 
+#include <unistd.h>
+
 namespace Batch {
 
 namespace {
@@ -13,10 +15,6 @@ namespace {
 std::string &ProgramName() {
     static std::string name = "morvanex";
     return name;
-}
-
-void Say(const std::string &kind, const std::string &text) {
-    std::cerr << ProgramName() + ": " + kind + ": " + text + '\n' << std::flush;
 }
 
 void TakeMessage(QtMsgType type, const QMessageLogContext &, const QString &text) {
@@ -30,12 +28,18 @@ void SetProgramName(const std::string &name) {
     ProgramName() = name;
 }
 
+void Tell(const std::string &text) {
+    // A progress bar may stand on the terminal's current line.
+    static const std::string eraseLine = isatty(STDERR_FILENO) ? "\r\033[K" : "";
+    std::cerr << eraseLine + ProgramName() + ": " + text + '\n' << std::flush;
+}
+
 void Warn(const std::string &text) {
-    Say("warning", text);
+    Tell("warning: " + text);
 }
 
 void ReportError(const std::string &text) {
-    Say("error", text);
+    Tell("error: " + text);
 }
 
 void CatchToolkitMessages() {

@@ -9,6 +9,8 @@ namespace Batch {
 /// The name that stands before every message, "morvanex" until a subcommand runs.
 void SetProgramName(const std::string &name);
 
+/// "morvanex fit: ...", a line of its own.
+void Tell(const std::string &text);
 /// "morvanex fit: warning: ...", a line of its own.
 void Warn(const std::string &text);
 /// "morvanex fit: error: ...", a line of its own.

@@ -58,6 +58,12 @@ std::string ModelPrefix(const Arguments &arguments) {
     throw std::runtime_error(option + ": " + value + " is not " + expected);
 }
 
+/// The toolkit, through which these files are opened, knows names as Unicode.
+void CheckName(const std::string &option, const std::optional<std::string> &name) {
+    if (name && QString::fromStdString(*name).toStdString() != *name)
+        Refuse(option, *name, "a name in UTF-8");
+}
+
 } // namespace
 
 std::vector<Option> FitOptionTable() {
@@ -168,6 +174,8 @@ void CheckFitOptions(const FitOptions &options) {
         Refuse("--inclusion-distance", options.inclusionDistance, "a distance in Å");
     if (options.models < 0)
         Refuse("--models", std::to_string(options.models), "a number of models");
+    CheckName("--log", options.log);
+    CheckName("--restraints", options.restraints);
     if (options.solidChains && options.solids.empty())
         throw UsageError("--solid-chains is given without --solid");
 }

@@ -43,8 +43,10 @@ std::string OptionText(const Option &option) {
 
 /// The option as the usage line shows it.
 std::string UsageWord(const Option &option) {
-    const std::string text = option.required ? OptionText(option) : "[" + OptionText(option) + "]";
-    return option.repeatable ? text + "..." : text;
+    std::string word = OptionText(option);
+    if (!option.required)
+        word.insert(0, 1, '[').append(1, ']');
+    return option.repeatable ? word + "..." : word;
 }
 
 std::string Explanation(const Option &option) {

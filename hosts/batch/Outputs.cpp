@@ -3,8 +3,10 @@
 #include "FileError.h"
 #include "ReplaceFile.h"
 
-#include <algorithm>
 #include <filesystem>
+#include <set>
+
+#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
@@ -12,29 +14,38 @@ namespace Batch {
 
 namespace {
 
-/// Whether both paths lead to one file. A device or a pipe may be named as often as one likes.
-bool IsSameFile(const std::string &a, const std::string &b) {
+/// The path without links and detours; the file need not exist, and a link may lead to one that does not.
+std::string PlainPath(fs::path path) {
     std::error_code error;
-    if (fs::exists(a, error) && fs::exists(b, error))
-        return fs::equivalent(a, b, error) && fs::is_regular_file(a, error);
-    return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error);
+    while (fs::is_symlink(path, error))
+        path = path.parent_path() / fs::read_symlink(path);
+    return fs::weakly_canonical(fs::absolute(path), error);
 }
 
-bool Contains(const std::vector<std::string> &files, const std::string &file) {
-    return std::ranges::any_of(files, [&](const std::string &other) { return IsSameFile(other, file); });
+/// The same text for every path that leads to one file, empty for a device or a pipe: these may be named as
+/// often as one likes.
+std::string IdentityOf(const std::string &path) {
+    struct stat state;
+    if (stat(path.c_str(), &state) != 0)
+        return PlainPath(path);
+    return S_ISREG(state.st_mode) ? std::to_string(state.st_dev) + ':' + std::to_string(state.st_ino) : "";
 }
 
 } // namespace
 
 void CheckOutputs(const std::vector<std::string> &outputs, const std::vector<std::string> &inputs) {
-    std::vector<std::string> checked;
+    std::set<std::string> read, written;
+    for (const std::string &input : inputs)
+        read.insert(IdentityOf(input));
     for (const std::string &output : outputs) {
-        if (Contains(inputs, output))
-            throw VARNO::FileError(output, "", "is an input; it cannot be written to");
-        if (Contains(checked, output))
-            throw VARNO::FileError(output, "", "is named for two outputs");
         VARNO::CheckReplaceable(output);
-        checked.push_back(output);
+        const std::string identity = IdentityOf(output);
+        if (identity.empty())
+            continue;
+        if (read.contains(identity))
+            throw VARNO::FileError(output, "", "is an input; it cannot be written to");
+        if (!written.insert(identity).second)
+            throw VARNO::FileError(output, "", "is named for two outputs");
     }
 }
 

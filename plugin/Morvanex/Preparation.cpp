@@ -26,10 +26,6 @@ double Distance(const Vertex &a, const Vertex &b) {
     return std::sqrt(double((a - b).SquaredLength()));
 }
 
-QString RestraintKey(const Residue &residue) {
-    return QString::fromStdString(residue.GetName() + residue.GetSeqId()).trimmed();
-}
-
 Vertex Mean(const VARNO::Vector<float, 3> &sum, std::size_t count) {
     const auto coordinate = [&](unsigned i) { return float(double(sum[i]) / double(count)); };
     return Vertex(coordinate(0), coordinate(1), coordinate(2), false);
@@ -105,6 +101,10 @@ void TellSolid(const Solid &solid) {
 }
 
 } // namespace
+
+QString RestraintKey(const Residue &residue) {
+    return QString::fromStdString(residue.GetName() + residue.GetSeqId()).trimmed();
+}
 
 Target CollectTarget(Compound *chain, const std::vector<RestraintRecord> &records) {
     Target target;

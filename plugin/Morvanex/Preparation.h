@@ -6,6 +6,10 @@
 #include <cstdint>
 #include <vector>
 
+namespace VARNO {
+class Residue;
+}
+
 /// From the user's selection to the plain data that scoring needs.
 
 /// The target as points.
@@ -15,6 +19,10 @@ struct Target {
     std::vector<RestraintPair> restraints; ///< in the order of residues, then of records
     std::size_t invalidResidues = 0;       ///< left out because the model has no position for them
 };
+
+/// The key by which a restraint names a residue: name and sequence identifier, "ALA12", without white space at
+/// the ends.
+QString RestraintKey(const VARNO::Residue &residue);
 
 /// The residues of a chain as points, and the restraints that name one of them. A residue may match several
 /// records and a record several residues. Residues without a position are left out.

@@ -36,7 +36,8 @@ TEST(CheckOutputs, RefusesAnInputUnderAnyPath) {
     const TemporaryFolder folder;
     const std::string input = folder.Write("in.pdb", "in"), link = folder.File("link.pdb");
     std::filesystem::create_symlink(input, link);
-    for (const std::string &path : {input, link, folder.Path() + "/./in.pdb"})
+    std::filesystem::create_hard_link(input, folder.File("hard.pdb"));
+    for (const std::string &path : {input, link, folder.File("hard.pdb"), folder.Path() + "/./in.pdb"})
         EXPECT_EQ(ErrorOf({path}, {input}), path + ": is an input; it cannot be written to");
     EXPECT_EQ(ReadFile(input), "in");
 }
@@ -45,6 +46,9 @@ TEST(CheckOutputs, RefusesTheSameOutputTwice) {
     const TemporaryFolder folder;
     const std::string first = folder.File("out.pdb"), second = folder.Path() + "/./out.pdb";
     EXPECT_EQ(ErrorOf({first, second}, {}), second + ": is named for two outputs");
+    const std::string link = folder.File("link.pdb");
+    std::filesystem::create_symlink("out.pdb", link);
+    EXPECT_EQ(ErrorOf({link, first}, {}), first + ": is named for two outputs") << "no file stands there yet";
     EXPECT_EQ(ErrorOf({"/dev/null", "/dev/null"}, {}), "no error");
 }
 
@@ -52,4 +56,6 @@ TEST(CheckOutputs, RefusesWhatCannotBeWritten) {
     const TemporaryFolder folder;
     EXPECT_THAT(ErrorOf({folder.Path()}, {}), HasSubstr("it is a directory"));
     EXPECT_THAT(ErrorOf({folder.File("none/out.pdb")}, {}), HasSubstr("No such file or directory"));
+    std::filesystem::create_symlink("loop", folder.File("loop"));
+    EXPECT_THAT(ErrorOf({folder.File("loop")}, {}), HasSubstr("loop: cannot be written: "));
 }

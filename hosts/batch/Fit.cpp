@@ -1,0 +1,119 @@
+#include "Commands.h"
+
+#include "Chains.h"
+#include "Diagnostics.h"
+#include "FitChecks.h"
+#include "FitOutput.h"
+#include "FitProgress.h"
+#include "FitReport.h"
+#include "Interrupt.h"
+#include "RestraintsCheck.h"
+
+#include "Config.h"
+#include "FileError.h"
+#include "Parameters.h"
+#include "TopList.h"
+
+namespace Batch {
+
+namespace {
+
+void SetParameters(const FitOptions &options, const FitInput &input) {
+    Axis = options.axis;
+    gammaStep = Radians(options.rotationStep);
+    Step = options.translationStep;
+    TCount = options.translationSteps;
+    top_size = options.keep;
+    logging = options.log.has_value();
+    em_fname = QString::fromStdString(options.log.value_or(""));
+    restraints = options.restraints.has_value();
+    re_fname = QString::fromStdString(options.restraints.value_or(""));
+    m_Target = input.target;
+    m_Solid = input.SolidResidues();
+    m_Map = input.map;
+    VARNO::Config::Override("Morvanex", "Marginal", options.inclusionDistance);
+}
+
+/// Runs the search; the record then holds what came of it. False where Ctrl-C stopped it.
+bool RunSearch(FitRecord &record) {
+    FitProgress progress(record, record.options.quiet);
+    const bool finished = RunFit(progress, &record.poses, {record.options.force});
+    if (!progress.LogError().isEmpty())
+        throw VARNO::FileError(*record.options.log, "",
+                               "cannot be written: " + progress.LogError().toStdString() +
+                                   "; the fit was stopped");
+    if (!finished && !WasInterrupted())
+        throw std::runtime_error("the fit did not start");
+    if (!finished)
+        weed(Solutions, top_size);
+    record.solutions = RankByScore(Solutions);
+    return finished;
+}
+
+/// The files come first: whoever reads standard output may have gone away. False where a file failed.
+bool Deliver(const FitRecord &record, const FitInput &input) {
+    const auto [written, errors] = WriteFitOutputs(record, Solutions, input.target, input.targetFormat);
+    if (record.poses.accepted == 0)
+        Warn("no pose was accepted: the target runs into the solid everywhere");
+    ReportSolutions(record, written);
+    for (const std::string &error : errors)
+        ReportError(error);
+    return errors.empty();
+}
+
+int Run(const Arguments &arguments) {
+    CatchInterrupt();
+    FitRecord record;
+    record.options = ReadFitOptions(arguments);
+    const FitOptions &options = record.options;
+    CheckFitOptions(options);
+    if (options.restraints)
+        CheckRestraintsFile(*options.restraints);
+    const FitInput input = ReadFitInput(options);
+    CheckFitOutputs(options, ModelFiles(options, input.targetFormat));
+    SetParameters(options, input);
+    const Survey survey = CheckFit(options, input);
+    record.chain = input.target->GetName();
+    if (!options.quiet)
+        ReportInput(options, input, survey);
+    if (WasInterrupted()) {
+        Warn("stopped by Ctrl-C before the search began; nothing was written");
+        return Interrupted;
+    }
+    const bool finished = RunSearch(record);
+    if (!finished)
+        Warn("stopped by Ctrl-C after " + std::to_string(record.axesDone) + " of " +
+             std::to_string(record.axes) + " axes; what was found by then is written");
+    if (!Deliver(record, input))
+        return Failed;
+    return finished ? Succeeded : Interrupted;
+}
+
+} // namespace
+
+Command FitCommand() {
+    return {
+        .name = "fit",
+        .summary = "fit a chain of a structure into a density map",
+        .description = "Searches all rotations of the target chain about its centre, each at every "
+                       "translation of a cube "
+                       "around its start position, for the poses with the highest sum of density at its "
+                       "residues. A pose is "
+                       "left out where the target runs into the solid.\n\n"
+                       "What was read and a table of the ten best poses go to standard output. Progress goes "
+                       "to standard "
+                       "error: a bar on a terminal, else a line for every tenth of the search. Ctrl-C stops "
+                       "at the end of the "
+                       "current axis and writes what was found by then (exit status 130); a second Ctrl-C "
+                       "ends at once and "
+                       "leaves no file but the log.\n\n"
+                       "What is not given comes from section Morvanex of the settings file varno/varno.ini "
+                       "in the user's "
+                       "configuration folder, or as shipped.",
+        .options = FitOptionTable(),
+        .example = "morvanex fit --map map.mrc --target model.pdb --chain D --models 3",
+        .run = Run,
+    };
+}
+
+} // namespace Batch

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "FitOptions.h"
+
+#include "Compound.h"
+#include "MapFile.h"
+#include "StructureFile.h"
+
+namespace Batch {
+
+/// What of one solid file is used.
+struct SolidFile {
+    std::string file;
+    std::vector<VARNO::Chain *> chains;
+    std::vector<VARNO::Chain *> leftOut; ///< polymers
+    bool hasOthers = false;              ///< ligands or waters, which are never part of a solid
+};
+
+/// The files of a fit, read into the model.
+struct FitInput {
+    VARNO::Grid *map = nullptr;
+    VARNO::MapReport mapReport;
+    VARNO::Chain *target = nullptr;
+    VARNO::StructureFormat targetFormat = VARNO::StructureFormat::Pdb;
+    std::vector<SolidFile> solids;
+
+    /// The residues of all solid files' chains that are used.
+    std::vector<VARNO::Compound *> SolidResidues() const;
+};
+
+/// Reads the map, the target and the solids. What the readers took differently from how it stands is warned
+/// of. Throws FileError.
+FitInput ReadFitInput(const FitOptions &options);
+
+} // namespace Batch

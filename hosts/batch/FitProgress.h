@@ -1,0 +1,41 @@
+#pragma once
+
+#include "FitJson.h"
+#include "FitMonitor.h"
+#include "ProgressBar.h"
+
+#include <QElapsedTimer>
+
+#include <memory>
+
+namespace Batch {
+
+/// The search's monitor that drives a terminal: shows how far it is, stops it at Ctrl-C or when the log can
+/// no longer be written, and takes down what the report needs.
+class FitProgress : public FitMonitor {
+public:
+    /// What is taken down goes into the record. No bar where `quiet`.
+    FitProgress(FitRecord &record, bool quiet);
+
+    /// Why the log was lost; empty while it was not.
+    const QString &LogError() const { return m_logError; }
+
+    void Started(const Preparation &fit) override;
+    bool IsCancelled() override;
+    void IdentityDone(std::size_t axes) override;
+    void AxisDone(std::size_t done, std::size_t axes, double minutes) override;
+    void Cancelled() override;
+    void Finished() override { End(); }
+    void LogLost(const QString &reason) override { m_logError = reason; }
+
+private:
+    void End();
+
+    FitRecord &m_record;
+    std::unique_ptr<ProgressBar> m_bar;
+    QElapsedTimer m_timer;
+    bool m_identityDone = false;
+    QString m_logError;
+};
+
+} // namespace Batch

@@ -1,0 +1,51 @@
+#include "Interrupt.h"
+
+#include <string_view>
+
+#include <unistd.h>
+
+namespace Batch {
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void Note(int) {
+    constexpr std::string_view text =
+        "\nStopping at the end of the current axis; Ctrl-C again ends at once.\n";
+    interrupted = 1;
+    // A signal handler may call write, but no stream. There is nobody to tell if it fails.
+    [[maybe_unused]] const auto written = write(STDERR_FILENO, text.data(), text.size());
+}
+
+} // namespace
+
+void CatchInterrupt() {
+    struct sigaction before = {};
+    sigaction(SIGINT, nullptr, &before);
+    if (before.sa_handler == SIG_IGN)
+        return;
+    struct sigaction noting = {};
+    noting.sa_handler = Note;
+    // Reset: the second one finds the default action.
+    noting.sa_flags = int(SA_RESETHAND) | SA_RESTART;
+    sigaction(SIGINT, &noting, nullptr);
+}
+
+bool WasInterrupted() {
+    return interrupted;
+}
+
+SignalHold::SignalHold() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&signals, signal);
+    sigprocmask(SIG_BLOCK, &signals, &m_before);
+}
+
+SignalHold::~SignalHold() {
+    sigprocmask(SIG_SETMASK, &m_before, nullptr);
+}
+
+} // namespace Batch

@@ -1,0 +1,42 @@
+#include "Wording.h"
+
+#include "Numbers.h"
+
+#include <cmath>
+
+namespace Batch {
+
+namespace {
+
+constexpr double minute = 60, hour = 60 * minute, day = 24 * hour, year = 365.25 * day;
+
+/// Whole units and the rest in the next smaller one.
+std::string TwoUnits(double seconds, double unit, const char *name, double smaller, const char *smallerName) {
+    const double whole = std::floor(seconds / unit);
+    const double rest = std::floor((seconds - whole * unit) / smaller);
+    return std::to_string(int(whole)) + ' ' + name + ' ' + std::to_string(int(rest)) + ' ' + smallerName;
+}
+
+} // namespace
+
+std::string Counted(std::size_t number, const std::string &noun) {
+    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+}
+
+std::string DurationText(double seconds) {
+    if (seconds < 10)
+        return FixedNumber(seconds, 0, 1).toStdString() + " s";
+    seconds = std::round(seconds);
+    if (seconds < minute)
+        return std::to_string(int(seconds)) + " s";
+    if (seconds < hour)
+        return TwoUnits(seconds, minute, "min", 1, "s");
+    if (seconds < 2 * day)
+        return TwoUnits(seconds, hour, "h", minute, "min");
+    if (seconds < year)
+        return std::to_string(int(seconds / day)) + " days";
+    const double years = seconds / year;
+    return (years < 1000 ? FixedNumber(years, 0, 1) : GeneralNumber(years)).toStdString() + " years";
+}
+
+} // namespace Batch

@@ -1,0 +1,23 @@
+#include "Wording.h"
+
+#include <gtest/gtest.h>
+
+using namespace Batch;
+
+TEST(Counted, HasOneNounForOneThing) {
+    EXPECT_EQ(Counted(1, "residue"), "1 residue");
+    EXPECT_EQ(Counted(0, "residue"), "0 residues");
+    EXPECT_EQ(Counted(12, "residue"), "12 residues");
+}
+
+TEST(DurationText, HasTheUnitsThatAPersonWouldUse) {
+    EXPECT_EQ(DurationText(0), "0.0 s");
+    EXPECT_EQ(DurationText(2.34), "2.3 s");
+    EXPECT_EQ(DurationText(40.4), "40 s");
+    EXPECT_EQ(DurationText(59.6), "1 min 0 s");
+    EXPECT_EQ(DurationText(130), "2 min 10 s");
+    EXPECT_EQ(DurationText(3600 * 3 + 60 * 20), "3 h 20 min");
+    EXPECT_EQ(DurationText(86400 * 12.5), "12 days");
+    EXPECT_EQ(DurationText(86400 * 365.25 * 3.2), "3.2 years");
+    EXPECT_EQ(DurationText(1e30), "3.16881e+22 years");
+}
