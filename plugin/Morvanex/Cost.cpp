@@ -41,7 +41,7 @@ FitCost EstimateCost(const Survey &survey) {
     // An axis stands in the list and, while the list is built, in a set of nodes.
     constexpr double axisBytes = sizeof(Vertex) + 48.0;
     const double record = RecordBytes(survey.target.restraints.size());
-    const double count = std::max(0.0, std::trunc(TCount / 2.0) * 2 + 1);
+    const double count = std::max(OddCount(TCount), 0);
     const double offsets = count * count * count;
     FitCost cost;
     cost.axes = 5 * std::pow(4.0, std::max(Axis, 0)) + 1;

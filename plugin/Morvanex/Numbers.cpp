@@ -1,6 +1,8 @@
 #include "Numbers.h"
 
 #include <charconv>
+#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -10,7 +12,9 @@ constexpr std::size_t longestText = 512;
 template <class... Format>
 QString Text(double value, Format... format) {
     char text[longestText];
-    const auto end = std::to_chars(text, text + longestText, value, format...).ptr;
+    // The sign of a computed NaN is left open by the language: it differs between optimisation levels.
+    const double number = std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
+    const auto end = std::to_chars(text, text + longestText, number, format...).ptr;
     return QString::fromLatin1(text, end - text);
 }
 

@@ -3,7 +3,8 @@
 #include <QString>
 
 /// Numbers as text in the C locale, the way printf writes them: halves are rounded by the exact binary value,
-/// a negative zero keeps its sign. `width` is the least number of characters, filled with blanks on the left.
+/// a negative zero keeps its sign; a NaN shows none. `width` is the least number of characters, filled with
+/// blanks on the left.
 
 /// Fixed-point notation, printf's %<width>.<decimals>f.
 QString FixedNumber(double value, int width, int decimals);

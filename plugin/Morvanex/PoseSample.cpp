@@ -72,7 +72,8 @@ PoseSample SamplePoses(const Preparation &fit, std::uint64_t size) {
     if (scores.empty())
         return sample;
     for (const double score : scores)
-        sample.mean += score / double(scores.size());
+        sample.mean += score;
+    sample.mean /= double(scores.size());
     double squares = 0;
     for (const double score : scores)
         squares += (score - sample.mean) * (score - sample.mean);

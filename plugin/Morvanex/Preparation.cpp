@@ -33,37 +33,32 @@ Vertex Mean(const VARNO::Vector<float, 3> &sum, std::size_t count) {
 
 /// Half-open range of node indices along one axis.
 struct NodeRange {
-    int low, high;
+    unsigned low, high;
 };
 
-/// The nodes that a solid point at p may reach along one axis, for a grid whose first node lies at o.
-NodeRange ReachedNodes(float p, float o) {
-    constexpr float reach = KeepOutLayout::reach, spacing = KeepOutLayout::spacing;
-    return {int(std::floor(((p - reach) - o) / spacing + 0.5f)),
-            int(std::floor(((p + reach) - o) / spacing + 0.5f)) + 1};
-}
-
-/// The reached nodes along axis i, held inside the grid: far from the origin, where floats are coarser than
-/// the margin, the range can leave it.
+/// The nodes along axis i that a solid point may reach, held inside the grid: far from the origin, where
+/// floats are coarser than the margin, the range can leave it.
 NodeRange NodesInside(const Vertex &p, const Grid &grid, unsigned i) {
     static constexpr const char *lowTexts[] = {"0 < low[ 0 ]", "0 < low[ 1 ]", "0 < low[ 2 ]"};
     static constexpr const char *highTexts[] = {"hgh[ 0 ] < ValSize[0]", "hgh[ 1 ] < ValSize[1]",
                                                 "hgh[ 2 ] < ValSize[2]"};
-    const int count = int(grid.Dimensions()[i]);
-    const auto [low, high] = ReachedNodes(p[i], grid.Origin()[i]);
+    constexpr float reach = KeepOutLayout::reach, spacing = KeepOutLayout::spacing;
+    const double count = grid.Dimensions()[i];
+    const float origin = grid.Origin()[i];
+    const double low = std::floor(((p[i] - reach) - origin) / spacing + 0.5f);
+    const double high = double(std::floor(((p[i] + reach) - origin) / spacing + 0.5f)) + 1;
     if (!(0 < low))
         WarnAssertion(lowTexts[i], "Morvanex", 703);
     if (!(high < count))
         WarnAssertion(highTexts[i], "Morvanex", 704);
-    return {std::max(low, 0), std::min(high, count)};
+    return {unsigned(std::clamp(low, 0.0, count)), unsigned(std::clamp(high, 0.0, count))};
 }
 
 void FillAround(const Vertex &p, Grid &grid) {
     const NodeRange xs = NodesInside(p, grid, 0), ys = NodesInside(p, grid, 1), zs = NodesInside(p, grid, 2);
-    for (int z = zs.low; z < zs.high; ++z)
-        for (int y = ys.low; y < ys.high; ++y)
-            for (int x = xs.low; x < xs.high; ++x) {
-                const unsigned i = unsigned(x), j = unsigned(y), k = unsigned(z);
+    for (unsigned k = zs.low; k < zs.high; ++k)
+        for (unsigned j = ys.low; j < ys.high; ++j)
+            for (unsigned i = xs.low; i < xs.high; ++i) {
                 const double depth = KeepOutLayout::reach - Distance(p, grid.GetPoint(i, j, k));
                 if (depth >= 0 && double(grid.GetValue(i, j, k)) < depth)
                     grid.SetValue(i, j, k, float(depth));
@@ -72,7 +67,7 @@ void FillAround(const Vertex &p, Grid &grid) {
 
 void TellRestraints(const std::vector<RestraintRecord> &records) {
     for (const auto &[residue, position] : records)
-        qDebug("Residue: %s should prefer position ( %s %s %s )", qPrintable(residue),
+        qDebug("Residue: %s should prefer position ( %s %s %s )", qUtf8Printable(residue),
                qPrintable(FixedNumber(position[0], 7, 3)), qPrintable(FixedNumber(position[1], 7, 3)),
                qPrintable(FixedNumber(position[2], 7, 3)));
 }
