@@ -22,13 +22,13 @@ double RecordBytes(std::size_t restraintPairs) {
     return sizeof(SolutionScore) + recordOverhead + distances;
 }
 
-/// A number that the reader can take in: whole while short, else with an exponent.
-QString Figure(double number) {
-    return number < 1e6 ? FixedNumber(number, 0, 0) : GeneralNumber(number);
+/// A number that the reader can take in: with these decimals while short, else with an exponent.
+QString Figure(double number, int decimals = 0) {
+    return number < 1e6 ? FixedNumber(number, 0, decimals) : GeneralNumber(number);
 }
 
 QString GiB(double bytes) {
-    return FixedNumber(bytes / (1024.0 * 1024.0 * 1024.0), 0, 1) + " GiB";
+    return Figure(bytes / (1024.0 * 1024.0 * 1024.0), 1) + " GiB";
 }
 
 } // namespace

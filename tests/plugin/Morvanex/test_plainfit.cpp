@@ -1,0 +1,72 @@
+#include "EngineTest.h"
+#include "Messages.h"
+#include "RandomFit.h"
+
+namespace {
+
+/// What the fits of a run of seeds had in them, so that no kind of fit goes missing unnoticed.
+struct Tally {
+    int collided = 0, cancelled = 0, restrained = 0, trimmed = 0, dropped = 0;
+};
+
+std::size_t Lines(const std::string &text) {
+    return std::size_t(std::ranges::count(text, '\n'));
+}
+
+void Compare(const FitInput &input, Tally &tally) {
+    const FitOutcome plain = PlainFit(input), engine = EngineFit(input);
+    ASSERT_EQ(engine.finished, plain.finished);
+    ASSERT_EQ(engine.translationCount, plain.translationCount);
+    ASSERT_EQ(engine.keepOut, plain.keepOut);
+    ASSERT_EQ(engine.log, plain.log);
+    ASSERT_EQ(engine.results, plain.results);
+    ASSERT_EQ(engine.list, plain.list);
+    tally.collided += !plain.keepOut.empty();
+    tally.cancelled += !plain.finished;
+    tally.restrained += plain.log.find('\n') != std::string::npos && plain.log.find('\n') > 65;
+    tally.trimmed += Lines(plain.results) == 11;
+    tally.dropped += plain.log.find("   -1.000") != std::string::npos;
+}
+
+} // namespace
+
+TEST(PlainFit, AgreesWithTheEngineByteForByte) {
+    const Messages quiet;
+    Tally tally;
+    for (unsigned seed = 0; seed < 600; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        ASSERT_NO_FATAL_FAILURE(Compare(RandomFit(seed), tally));
+    }
+    EXPECT_GT(tally.collided, 20);
+    EXPECT_GT(tally.cancelled, 20);
+    EXPECT_GT(tally.restrained, 20);
+    EXPECT_GT(tally.trimmed, 20);
+    EXPECT_GT(tally.dropped, 20);
+}
+
+TEST(PlainFit, AgreesOnATargetWithoutAnyPosition) {
+    const Messages quiet;
+    FitInput input = RandomFit(1);
+    for (PlainResidue &residue : input.target)
+        residue.position.reset();
+    input.cancelAfter.reset();
+    Tally tally;
+    Compare(input, tally);
+}
+
+TEST(PlainFit, AgreesOnAMapWithVoxelsThatAreNotFinite) {
+    const Messages quiet;
+    Tally tally;
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        FitInput input = RandomFit(seed);
+        input.keep = 1000000; // a list with scores that are not numbers has no order
+        if (!input.map)
+            continue;
+        auto &values = input.map->values;
+        values[seed % values.size()] = std::numeric_limits<float>::quiet_NaN();
+        values[(seed * 7) % values.size()] = std::numeric_limits<float>::infinity();
+        values[(seed * 13) % values.size()] = -std::numeric_limits<float>::infinity();
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        ASSERT_NO_FATAL_FAILURE(Compare(input, tally));
+    }
+}
