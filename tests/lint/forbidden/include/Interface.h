@@ -1,0 +1,4 @@
+#include <zlib.h>
+#include "Implementation.h"
+#include <QString>
+#include <vector>

@@ -1,0 +1,2 @@
+#include "Dialog.h"
+#include "Interface.h"

@@ -1,0 +1,4 @@
+#include "MapFile.h"
+#include <gemmi/model.hpp>
+#include <QWidget>
+#include "Engine.h"
