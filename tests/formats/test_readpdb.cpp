@@ -392,7 +392,8 @@ TEST_F(ReadPdb, StaysQuickWhereEverythingIsOneResidue) {
 TEST_F(ReadPdb, ReadsTheModelsOfTheTestCases) {
     REQUIRE_TEST_DATA();
     const std::filesystem::path data = TestDataFolder();
-    for (const auto &test : nlohmann::json::parse(ReadFile(data / "cases.json"))["cases"]) {
+    const nlohmann::json known = nlohmann::json::parse(ReadFile(data / "cases.json"));
+    for (const auto &test : known["cases"]) {
         SCOPED_TRACE(test["name"]);
         const Clump *clump = ReadStructure(data / std::string(test["target"]["file"]), &m_report);
         EXPECT_EQ(clump->GetName(), "start");
