@@ -15,7 +15,7 @@ namespace VARNO {
 namespace {
 
 /// Far more than the largest model known (some 2.4 million atoms, 250 MB); the parsed text of an mmCIF file
-/// takes about eight times its size in memory.
+/// takes about eleven times its size in memory.
 constexpr std::size_t largest = std::size_t(512) << 20;
 
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf", anyBlank = " \t\r\n";

@@ -176,8 +176,10 @@ TEST_F(ReadPdb, FindsAlternateLocationsListedAfterTheirChain) {
                        "ATOM      2  CA  ALA A   2      15.000   6.134  -6.504  1.00 12.50           C\n"
                        "TER\n"
                        "ATOM      3  CA BSER A   1      11.204   6.134  -6.504  0.40 12.50           C\n"
-                       "ATOM      4  CB BSER A   1      11.204   6.134  -6.504  0.40 12.50           C\n"),
+                       "ATOM      4  CB BSER A   1      11.204   6.134  -6.504  0.40 12.50           C\n"
+                       "ATOM      5  CA BALA A   2      11.204   6.134  -6.504  0.40 12.50           C\n"),
               "A: SER1(CA CB) ALA2(CA)");
+    EXPECT_EQ(m_report.alternates, 2u);
 }
 
 TEST_F(ReadPdb, GuessesWhatShortLinesLeaveOut) {
@@ -207,6 +209,8 @@ TEST_F(ReadPdb, PassesByTheEntryNameInTheLastColumnsOfOldFiles) {
                        "ATOM      2  CA  THR     2      16.967  12.784   4.338  1.00 10.80      1CRN  71\n"),
               " : THR1(CA) THR2(CA)");
     EXPECT_THAT(AtomList(Space::instance()), HasSubstr(" |THR1|CA|C|"));
+    Read("HETATM    1 FE   HEM     1      17.047  14.099   3.625  1.00 13.79      1CRN Q70\n");
+    EXPECT_THAT(AtomList(Space::instance()), HasSubstr(" |HEM1|FE|FE|"));
 }
 
 TEST_F(ReadPdb, ReadsAnyLineEndAndAnyCaseOfTheRecordNames) {
@@ -216,8 +220,8 @@ TEST_F(ReadPdb, ReadsAnyLineEndAndAnyCaseOfTheRecordNames) {
     for (const char *end : {"\n", "\r\n", "\r"}) {
         EXPECT_EQ(Outlined("remark" + std::string(end) + lines[0] + end + lines[1] + end + "end" + end),
                   "A: ALA1(CA); A other: HOH2(O)");
-        EXPECT_THAT(ErrorOf("REMARK" + std::string(end) + "\n" + lines[0].substr(0, 50)),
-                    HasSubstr(": line "));
+        EXPECT_THAT(ErrorOf("REMARK" + std::string(end) + end + lines[0].substr(0, 50)),
+                    HasSubstr("model.pdb: line 3: "));
     }
     EXPECT_EQ(Outlined("atom      1  ca  ala A   1      11.104   6.134  -6.504  1.00 12.50           c\n"),
               "A: ALA1(CA)");
@@ -251,6 +255,20 @@ TEST_F(ReadPdb, KeepsAnUnknownResidueWithinThePolymer) {
                        "ATOM      4  CA  ALA A   4      11.104   6.134  -6.504  1.00 12.50           C\n"
                        "HETATM    5  C1  XYZ A   5      11.104   6.134  -6.504  1.00 12.50           C\n"),
               "A: ALA1(CA) CRQ2(CA1) ALA4(CA); A other: NA3(NA) XYZ5(C1)");
+}
+
+TEST_F(ReadPdb, TakesModifiedResiduesAtBothEndsIntoThePolymer) {
+    EXPECT_EQ(Outlined("HETATM    1  CA  MSE A   1      11.104   6.134  -6.504  1.00 12.50           C\n"
+                       "ATOM      2  CA  ALA A   2      11.104   6.134  -6.504  1.00 12.50           C\n"
+                       "HETATM    3  CA  MSE A   3      11.104   6.134  -6.504  1.00 12.50           C\n"),
+              "A: MSE1(CA) ALA2(CA) MSE3(CA)");
+}
+
+TEST_F(ReadPdb, TellsThePolymerByItsAtomRecordsAlone) {
+    EXPECT_EQ(Outlined("ATOM      1  CA  ALA A   1      11.104   6.134  -6.504  1.00 12.50           C\n"
+                       "HETATM    2  P   LIP A 201      11.104   6.134  -6.504  1.00 12.50           P\n"
+                       "HETATM    3  P   LIP A 202      11.104   6.134  -6.504  1.00 12.50           P\n"),
+              "A: ALA1(CA); A other: LIP201(P) LIP202(P)");
 }
 
 TEST_F(ReadPdb, ReadsAFileOfHeteroAtomsWithoutAPolymer) {
