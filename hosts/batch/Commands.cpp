@@ -3,7 +3,8 @@
 namespace Batch {
 
 const std::vector<Command> &AllCommands() {
-    static const std::vector<Command> commands = {FitCommand()};
+    static const std::vector<Command> commands = {FitCommand(), InfoCommand(), BuildCommand(),
+                                                  SimulateCommand()};
     return commands;
 }
 

@@ -9,5 +9,8 @@ const std::vector<Command> &AllCommands();
 
 // Each is defined in the file of its name.
 Command FitCommand();
+Command InfoCommand();
+Command BuildCommand();
+Command SimulateCommand();
 
 } // namespace Batch

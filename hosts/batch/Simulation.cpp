@@ -138,12 +138,12 @@ SimulationBox LayOutBox(std::span<const Scatterer> scatterers, const SimulationS
 QString RefuseSettings(const SimulationSettings &settings) {
     const auto isPositive = [](double number) { return number > 0 && std::isfinite(number); };
     if (!isPositive(settings.resolution))
-        return QString("the resolution is %1 Å; it must be a positive number")
+        return QString("--resolution %1: must be a positive number of Å")
             .arg(GeneralNumber(settings.resolution));
     if (!isPositive(settings.voxel))
-        return QString("the voxel is %1 Å; it must be a positive number").arg(GeneralNumber(settings.voxel));
+        return QString("--voxel %1: must be a positive number of Å").arg(GeneralNumber(settings.voxel));
     if (!(settings.noise >= 0) || !std::isfinite(settings.noise))
-        return QString("the noise is %1 standard deviations; it must be 0 or more")
+        return QString("--noise %1: must be 0 or more standard deviations")
             .arg(GeneralNumber(settings.noise));
     return {};
 }

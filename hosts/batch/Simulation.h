@@ -53,10 +53,12 @@ struct SimulationBox {
 /// The box around at least one scatterer.
 SimulationBox LayOutBox(std::span<const Scatterer> scatterers, const SimulationSettings &settings);
 
-/// Why the map cannot be made, with the figures; empty when it can. It cannot when the settings are not
-/// positive finite numbers (zero is fine for the noise), or when it would need more than three quarters of
-/// the machine's memory or more than `additionLimit` additions.
+/// Why no map can be made with these settings, naming the option; empty when one can. All have to be positive
+/// finite numbers, but the noise may be 0.
 QString RefuseSettings(const SimulationSettings &settings);
+
+/// Why a map of that box cannot be made, with the figures; empty when it can. It must not need more than
+/// three quarters of the machine's memory, nor more than `additionLimit` additions.
 QString RefuseBox(const SimulationBox &box, std::size_t scatterers, const SimulationSettings &settings);
 
 /// The most additions of an atom's density to a voxel that a map may take: about a quarter of an hour.

@@ -1,0 +1,148 @@
+#include "Commands.h"
+
+#include "Chains.h"
+#include "Collect.h"
+#include "CommandLine.h"
+#include "Diagnostics.h"
+#include "Inputs.h"
+#include "Numbers.h"
+#include "Outputs.h"
+#include "SavedList.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <iostream>
+
+using namespace VARNO;
+
+namespace Batch {
+
+namespace {
+
+std::vector<long> ReadRanks(const Arguments &arguments) {
+    const std::vector<std::string> texts = arguments.List("--rank").value();
+    std::vector<long> ranks;
+    for (const std::string &text : texts) {
+        bool ok = false;
+        ranks.push_back(QString::fromStdString(text).toLong(&ok));
+        if (!ok)
+            throw UsageError("--rank: '" + text + "' is not a whole number");
+    }
+    return ranks;
+}
+
+/// One file for each rank: the name given, or with several of them "model-3.pdb" for rank 3 and "model.pdb".
+std::vector<std::string> OutputFiles(const std::filesystem::path &out, const std::vector<long> &ranks) {
+    if (ranks.size() == 1)
+        return {out};
+    std::vector<std::string> files;
+    for (const long rank : ranks) {
+        std::filesystem::path name = out.stem();
+        name += "-" + std::to_string(rank);
+        name += out.extension();
+        files.push_back(out.parent_path() / name);
+    }
+    return files;
+}
+
+/// Distance of the chain's farthest atom from the frame's origin, Å.
+double FarthestAtom(Chain *chain) {
+    std::vector<Compound *> atoms;
+    GetAtoms(chain, atoms, true);
+    double farthest = 0;
+    for (const Compound *atom : atoms) {
+        const Vertex at = atom->GetPosition();
+        farthest = std::max(farthest, std::hypot(double(at[0]), double(at[1]), double(at[2])));
+    }
+    return farthest;
+}
+
+void TellSkippedLines(const SavedList &list) {
+    constexpr std::size_t shown = 10;
+    if (list.skippedLines.empty())
+        return;
+    std::string lines;
+    for (std::size_t i = 0; i < std::min(shown, list.skippedLines.size()); ++i)
+        lines += (i > 0 ? ", " : "") + std::to_string(list.skippedLines[i]);
+    if (list.skippedLines.size() > shown)
+        lines += " ...";
+    Warn(list.file + ": skipped " + std::to_string(list.skippedLines.size()) +
+         " without the eight numbers of a solution: line " + lines);
+}
+
+void TellRounding(const SavedList &list, Chain *chain) {
+    if (!list.isRounded)
+        return;
+    const double distance = FarthestAtom(chain);
+    std::cout << QString(
+                     "precision: the two decimals of a results file move an atom by up to %1 Å, this target "
+                     "reaching %2 Å from the origin; the JSON file of a fit has full precision\n")
+                     .arg(FixedNumber(RoundingCost(distance), 0, 2), FixedNumber(distance, 0, 1))
+                     .toStdString();
+}
+
+void WriteModel(const std::string &file, const Chain *chain, long rank, const SolutionScore &solution) {
+    WriteStructure(file, StructureFormatOf(file), chain, Transform(solution.rotation, solution.translation));
+    std::cout << "rank " << rank << ", score " << FixedNumber(solution.score, 0, 3).toStdString() << ": "
+              << file << '\n';
+}
+
+int Run(const Arguments &arguments) {
+    const std::string target = arguments.Text("--target"), results = arguments.Text("--results");
+    const std::vector<long> ranks = ReadRanks(arguments);
+    const std::vector<std::string> files = OutputFiles(arguments.Text("--out"), ranks);
+    CheckOutputs(files, {target, results});
+    const SavedList list = ReadSavedList(results);
+    TellSkippedLines(list);
+    std::vector<SolutionScore> solutions;
+    for (const long rank : ranks)
+        solutions.push_back(list.OfRank(rank));
+    const std::optional<std::string> identifier =
+        arguments.Has("--chain") ? std::optional(arguments.Text("--chain")) : std::nullopt;
+    Chain *chain = ChooseChain(target, LoadStructure(target), identifier);
+    std::cout << "target: chain " << ChainNames({chain}) << " of " << target << '\n';
+    TellRounding(list, chain);
+    for (std::size_t i = 0; i < files.size(); ++i)
+        WriteModel(files[i], chain, ranks[i], solutions[i]);
+    return Succeeded;
+}
+
+std::vector<Option> Options() {
+    return {
+        {"--results", Value::Text, "FILE", "The saved list: the JSON file of a fit, or its results file", "",
+         true},
+        {"--target", Value::Text, "FILE", "The structure that was fitted, where it stood before the fit", "",
+         true},
+        {"--chain", Value::Text, "ID", "The chain that was fitted; ' ' is the chain without an identifier",
+         "the file's first polymer chain"},
+        {"--rank", Value::Text, "N[,N...]",
+         "Ranks to build, 1 being the best. In a results file rank 1 is the last line, rank 2 the line "
+         "before it",
+         "", true},
+        {"--out", Value::Text, "FILE",
+         "The model to write: mmCIF where the name ends in .cif or .mmcif, else PDB. With several ranks "
+         "there is a "
+         "file for each, the rank standing before the extension: model-1.pdb, model-3.pdb",
+         "", true},
+    };
+}
+
+} // namespace
+
+Command BuildCommand() {
+    return {
+        .name = "build",
+        .summary = "write models of solutions from a saved list",
+        .description = "Moves all atoms of the target by a pose of a saved list and writes them as a "
+                       "structure file. A results "
+                       "file has two decimals, which matters for a target far from the frame's origin: how "
+                       "much is said. The "
+                       "JSON file of a fit has full precision.",
+        .options = Options(),
+        .example = "morvanex build --results fit.json --target in.pdb --rank 1,2 --out out.pdb",
+        .run = Run,
+    };
+}
+
+} // namespace Batch

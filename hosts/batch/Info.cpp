@@ -1,0 +1,131 @@
+#include "Commands.h"
+
+#include "ByteSource.h"
+#include "CommandLine.h"
+#include "FileError.h"
+#include "Grid.h"
+#include "MapFile.h"
+#include "Numbers.h"
+#include "StructureFile.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+using namespace VARNO;
+
+namespace Batch {
+
+namespace {
+
+/// A map begins with a header of numbers, so that bytes occur that no text has; a structure file is text.
+bool IsMap(const std::string &file) {
+    std::array<char, 1024> start;
+    const std::size_t size = ByteSource(file).Read(start);
+    if (size == 0)
+        throw FileError(file, "", "is empty");
+    return std::any_of(start.begin(), start.begin() + size, [](char c) {
+        return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r');
+    });
+}
+
+void Line(const std::string &label, const QString &text) {
+    std::cout << "  " << QString::fromStdString(label).leftJustified(10).toStdString() << text.toStdString()
+              << '\n';
+}
+
+template <class T>
+QString Three(const Vector<T, 3> &numbers, const QString &separator) {
+    return GeneralNumber(double(numbers[0])) + separator + GeneralNumber(double(numbers[1])) + separator +
+           GeneralNumber(double(numbers[2]));
+}
+
+QString ModeText(int mode) {
+    switch (mode) {
+    case 0:
+        return "signed bytes";
+    case 1:
+        return "16-bit integers";
+    case 2:
+        return "32-bit floats";
+    case 6:
+        return "unsigned 16-bit integers";
+    default:
+        return "16-bit floats";
+    }
+}
+
+void TellMap(const std::string &file) {
+    MapReport report;
+    const Grid &map = *ReadMap(file, &report);
+    std::cout << file << ": density map\n";
+    Line("size", Three(map.Dimensions(), " x ") + " voxels");
+    Line("spacing", Three(map.Spacing(), " x ") + " Å");
+    Line("origin", Three(map.Origin(), ", ") + " Å, from " + QString::fromStdString(report.originSource));
+    Line("data", QString("mode %1, %2, %3, axis order %4")
+                     .arg(report.mode)
+                     .arg(ModeText(report.mode), report.bigEndian ? "big-endian" : "little-endian",
+                          QString::fromStdString(report.axisOrder)));
+    Line("values", QString("minimum %1, maximum %2, mean %3, standard deviation %4")
+                       .arg(GeneralNumber(double(report.minimum)), GeneralNumber(double(report.maximum)),
+                            GeneralNumber(report.mean), GeneralNumber(report.deviation)));
+    for (const std::string &warning : report.warnings)
+        Line("note", QString::fromStdString(warning));
+}
+
+void ChainRow(const QString &name, const QString &kind, const QString &residues, const QString &placed,
+              const QString &atoms) {
+    std::cout << QString("  %1%2%3%4%5\n")
+                     .arg(name.leftJustified(10), kind.leftJustified(9), residues.rightJustified(8),
+                          placed.rightJustified(15), atoms.rightJustified(8))
+                     .toStdString();
+}
+
+void TellChains(const std::vector<ChainReport> &chains) {
+    ChainRow("chain", "kind", "residues", "with position", "atoms");
+    for (const ChainReport &chain : chains)
+        ChainRow(chain.identifier == " " ? "' '" : QString::fromStdString(chain.identifier),
+                 QString::fromStdString(chain.kind), QString::number(chain.residues),
+                 QString::number(chain.placed), QString::number(chain.atoms));
+}
+
+void TellStructure(const std::string &file) {
+    StructureReport report;
+    ReadStructure(file, &report);
+    std::cout << file << ": structure, " << report.format << '\n';
+    TellChains(report.chains);
+    Line("models", QString::number(report.models));
+    Line("besides", QString("ligand residues %1, waters %2").arg(report.ligands).arg(report.waters));
+    for (const std::string &warning : report.warnings)
+        Line("note", QString::fromStdString(warning));
+}
+
+int Run(const Arguments &arguments) {
+    if (IsMap(arguments.operand))
+        TellMap(arguments.operand);
+    else
+        TellStructure(arguments.operand);
+    return Succeeded;
+}
+
+} // namespace
+
+Command InfoCommand() {
+    return {
+        .name = "info",
+        .summary = "tell what a structure or a map file holds",
+        .description = "Of a structure (PDB or mmCIF): its chains, how many of their residues have a "
+                       "position that can be fitted, "
+                       "and what is left out. Of a density map (MRC or CCP4): size, spacing and origin in Å, "
+                       "which words of the "
+                       "header gave the origin, and the values. The kind is told from the content, not from "
+                       "the name; gzip and "
+                       "bzip2 are unpacked.",
+        .options = {},
+        .operand = "FILE",
+        .example = "morvanex info map.mrc",
+        .run = Run,
+    };
+}
+
+} // namespace Batch

@@ -1,0 +1,135 @@
+#include "Commands.h"
+
+#include "Chains.h"
+#include "CommandLine.h"
+#include "Diagnostics.h"
+#include "FileError.h"
+#include "Inputs.h"
+#include "Numbers.h"
+#include "Outputs.h"
+#include "Simulation.h"
+
+#include <filesystem>
+#include <iostream>
+
+using namespace VARNO;
+
+namespace Batch {
+
+namespace {
+
+SimulationSettings ReadSettings(const Arguments &arguments) {
+    const SimulationSettings settings{arguments.Number("--resolution"), arguments.Number("--voxel"),
+                                      arguments.Number("--noise"),
+                                      std::uint64_t(arguments.Integer("--seed"))};
+    if (const QString problem = RefuseSettings(settings); !problem.isEmpty())
+        throw std::runtime_error(problem.toStdString());
+    // The finest wave that a grid holds is two voxels long.
+    if (settings.voxel > settings.resolution / 2)
+        Warn(QString("voxels of %1 Å are too large to hold a resolution of %2 Å: at most half of it")
+                 .arg(GeneralNumber(settings.voxel), GeneralNumber(settings.resolution))
+                 .toStdString());
+    return settings;
+}
+
+std::vector<Scatterer> ScatterersOf(const std::string &file, const std::vector<Chain *> &chains) {
+    std::size_t unknown = 0;
+    const std::vector<Scatterer> scatterers = CollectScatterers({chains.begin(), chains.end()}, unknown);
+    if (scatterers.empty())
+        throw FileError(file, "chains " + ChainNames(chains), "there is no atom of a known element");
+    if (unknown > 0)
+        Warn(file + ": " +
+             (unknown == 1 ? "1 atom of an unknown element is"
+                           : std::to_string(unknown) + " atoms of unknown elements are") +
+             " left out");
+    return scatterers;
+}
+
+/// What the map is, for its header; that has room for 80 characters of plain text.
+std::string Title(const std::string &model, const SimulationSettings &settings) {
+    QString title = QString("%1 A density of %2")
+                        .arg(GeneralNumber(settings.resolution),
+                             QString::fromStdString(std::filesystem::path(model).filename()));
+    if (settings.noise > 0)
+        title +=
+            QString(", noise %1 SD, seed %2").arg(GeneralNumber(settings.noise)).arg(qint64(settings.seed));
+    return title.toStdString();
+}
+
+void Tell(const Grid &map, const SimulationSettings &settings) {
+    const auto &size = map.Dimensions();
+    const auto &origin = map.Origin();
+    std::cout << QString("map: %1 x %2 x %3 voxels of %4 Å, origin %5, %6, %7 Å\n")
+                     .arg(size[0])
+                     .arg(size[1])
+                     .arg(size[2])
+                     .arg(GeneralNumber(settings.voxel), GeneralNumber(double(origin[0])),
+                          GeneralNumber(double(origin[1])), GeneralNumber(double(origin[2])))
+                     .toStdString();
+}
+
+int Run(const Arguments &arguments) {
+    const std::string model = arguments.Text("--model"), out = arguments.Text("--out");
+    const SimulationSettings settings = ReadSettings(arguments);
+    CheckOutputs({out}, {model});
+    const Clump *clump = LoadStructure(model);
+    const std::vector<Chain *> chains = ChooseChains(model, clump, arguments.List("--chains"));
+    const std::vector<Scatterer> scatterers = ScatterersOf(model, chains);
+    const SimulationBox box = LayOutBox(scatterers, settings);
+    if (const QString problem = RefuseBox(box, scatterers.size(), settings); !problem.isEmpty())
+        throw FileError(model, "", problem.toStdString());
+    std::cout << "model: chains " << ChainNames(chains) << " of " << model << ", " << scatterers.size()
+              << " atoms\n";
+    const std::unique_ptr<Grid> map = SimulateMap(scatterers, box, settings);
+    WriteMap(out, *map, Title(model, settings));
+    Tell(*map, settings);
+    std::cout << "written: " << out << '\n';
+    return Succeeded;
+}
+
+std::vector<Option> Options() {
+    return {
+        {"--model", Value::Text, "FILE", "The structure, PDB or mmCIF, gzipped or not", "", true},
+        {"--chains", Value::Text, "IDS",
+         "Polymer chains to take, identifiers separated by commas; ' ' is the chain without an identifier. "
+         "Waters "
+         "and ligands are never taken",
+         "all polymer chains"},
+        {"--resolution", Value::Number, "A", "Resolution of the map, in Å", "", true},
+        {"--voxel", Value::Number, "A", "Spacing of the voxels along x, y and z, in Å", "", true},
+        {"--noise", Value::Number, "S",
+         "Noise that is added to every voxel: its standard deviation, in units of the standard deviation of "
+         "the "
+         "map's values without it",
+         "0, no noise"},
+        {"--seed", Value::Integer, "N",
+         "Whole number that the noise starts from; the same number gives the same noise", "0"},
+        {"--out", Value::Text, "FILE", "The map to write, MRC2014", "", true},
+    };
+}
+
+} // namespace
+
+Command SimulateCommand() {
+    return {
+        .name = "simulate",
+        .summary = "make a density map of a model",
+        .description =
+            "Computes the density of a structure at a resolution R: every atom becomes a Gaussian with its "
+            "atomic "
+            "number as weight and the standard deviation R / (pi * sqrt(2)), about 0.225 R, whose Fourier "
+            "transform "
+            "has fallen to 1/e at the wavenumber 1/R. Values are electrons per cubic Å. Along each axis a "
+            "Gaussian "
+            "is cut off at 5 standard deviations; the box reaches beyond the outermost atoms by as much, and "
+            "begins "
+            "at a multiple of the voxel size.\n\n"
+            "Noise is close to normally distributed (the sum of twelve uniform random numbers) and has no "
+            "correlation between voxels.",
+        .options = Options(),
+        .example = "morvanex simulate --model in.pdb --resolution 8 --voxel 2 --out out.mrc",
+        .run = Run,
+    };
+}
+
+} // namespace Batch

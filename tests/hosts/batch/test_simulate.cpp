@@ -1,0 +1,133 @@
+#include "CommandFixture.h"
+
+#include "MapFile.h"
+
+#include <algorithm>
+
+using namespace VARNO;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+class Simulate : public CommandFixture {
+protected:
+    Simulate() {
+        m_model = m_folder.Write("in.pdb", smallModel);
+        m_out = m_folder.File("out.mrc");
+    }
+
+    std::vector<std::string> Words(const std::string &resolution, const std::string &voxel,
+                                   const std::vector<std::string> &more = {}) const {
+        std::vector<std::string> words{"simulate", "--model", m_model, "--resolution", resolution,
+                                       "--voxel",  voxel,     "--out", m_out};
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+    double Electrons(double voxel) const {
+        const ModelGuard guard;
+        double sum = 0;
+        for (const float value : ReadMap(m_out)->Values())
+            sum += double(value);
+        return sum * voxel * voxel * voxel;
+    }
+
+    std::string m_model, m_out;
+};
+
+} // namespace
+
+TEST_F(Simulate, WritesTheMapOfAllPolymerChainsButNoWaters) {
+    const std::string output = OutputOf(Words("8", "2"));
+    EXPECT_THAT(output, HasSubstr("model: chains A, B of " + m_model + ", 5 atoms\n"));
+    EXPECT_THAT(output, HasSubstr("map: 24 x 13 x 13 voxels of 2 Å, origin -20, -10, -10 Å\n"));
+    EXPECT_THAT(output, HasSubstr("written: " + m_out + "\n"));
+    EXPECT_NEAR(Electrons(2), 5 * 6, 0.01);
+    const ModelGuard guard;
+    const Grid &map = *ReadMap(m_out);
+    EXPECT_EQ(map.Origin(), (Vector<float, 3>(-20, -10, -10)));
+    EXPECT_EQ(map.Spacing(), (Vector<float, 3>(2, 2, 2)));
+}
+
+TEST_F(Simulate, TakesTheChainsThatAreNamed) {
+    EXPECT_THAT(OutputOf(Words("8", "2", {"--chains", "B"})), HasSubstr("model: chains B of"));
+    EXPECT_NEAR(Electrons(2), 2 * 6, 0.01);
+    EXPECT_EQ(ErrorOf(Words("8", "2", {"--chains", "A,Q"})),
+              "in.pdb: chain Q: there is no such polymer chain, only A, B\n");
+}
+
+TEST_F(Simulate, TheSeedDecidesTheNoise) {
+    const auto bytesOf = [&](const std::vector<std::string> &more) {
+        OutputOf(Words("8", "2", more));
+        return ReadFile(m_out);
+    };
+    const std::string first = bytesOf({"--noise", "0.5", "--seed", "3"});
+    EXPECT_EQ(bytesOf({"--noise", "0.5", "--seed", "3"}), first);
+    EXPECT_NE(bytesOf({"--noise", "0.5", "--seed", "4"}), first);
+    EXPECT_NE(bytesOf({}), first);
+    EXPECT_THAT(first, HasSubstr("8 A density of in.pdb, noise 0.5 SD, seed 3"));
+}
+
+TEST_F(Simulate, WarnsOfVoxelsTooLargeForTheResolution) {
+    const Outcome outcome = Run(Words("8", "4.5"));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("warning: voxels of 4.5 Å are too large to hold a resolution of 8 Å"));
+    EXPECT_EQ(Run(Words("8", "4")).errors, "");
+}
+
+TEST_F(Simulate, WarnsOfAtomsOfUnknownElements) {
+    m_model = m_folder.Write("in.cif",
+                             "data_x\nloop_\n_atom_site.group_PDB\n_atom_site.id\n_atom_site.type_symbol\n"
+                             "_atom_site.label_atom_id\n_atom_site.label_comp_id\n_atom_site.label_asym_id\n"
+                             "_atom_site.label_seq_id\n_atom_site.Cartn_x\n_atom_site.Cartn_y\n"
+                             "_atom_site.Cartn_z\nATOM 1 C CA ALA A 1 0 0 0\nATOM 2 X QQ ALA A 1 1 0 0\n"
+                             "ATOM 3 C CA ALA A 2 3 0 0\n");
+    const Outcome outcome = Run(Words("8", "2"));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("1 atom of an unknown element is left out"));
+    EXPECT_THAT(outcome.output, HasSubstr("2 atoms"));
+}
+
+TEST_F(Simulate, RefusesNumbersThatMakeNoMap) {
+    EXPECT_EQ(ErrorOf(Words("0", "2")), "--resolution 0: must be a positive number of Å\n");
+    EXPECT_EQ(ErrorOf(Words("8", "-1")), "--voxel -1: must be a positive number of Å\n");
+    EXPECT_EQ(ErrorOf(Words("nan", "1")), "--resolution nan: must be a positive number of Å\n");
+    EXPECT_EQ(ErrorOf(Words("8", "1", {"--noise", "-0.5"})),
+              "--noise -0.5: must be 0 or more standard deviations\n");
+    EXPECT_EQ(Run(Words("8 A", "1")).status, 2);
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
+}
+
+TEST_F(Simulate, RefusesABoxThatMemoryCannotHold) {
+    EXPECT_THAT(ErrorOf(Words("8", "0.001")), AllOf(StartsWith("in.pdb: a map of 43"), HasSubstr("GiB")));
+    EXPECT_THAT(ErrorOf(Words("1e9", "1e3")), HasSubstr("GiB"));
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
+}
+
+TEST_F(Simulate, RefusesAModelThatIsNone) {
+    for (const char *text : {"", "not a model\n"}) {
+        m_model = m_folder.Write("in.pdb", text);
+        EXPECT_THAT(ErrorOf(Words("8", "2")), StartsWith("in.pdb: "));
+    }
+    m_model = m_folder.File("absent.pdb");
+    EXPECT_THAT(ErrorOf(Words("8", "2")), StartsWith("absent.pdb: "));
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
+}
+
+TEST_F(Simulate, DoesNotWriteOverTheModelNorWhereItCannot) {
+    m_out = m_model;
+    EXPECT_THAT(ErrorOf(Words("8", "2")), HasSubstr("input"));
+    EXPECT_EQ(ReadFile(m_model), smallModel);
+    m_out = m_folder.File("none/out.mrc");
+    EXPECT_THAT(ErrorOf(Words("8", "2")), HasSubstr("No such file"));
+}
+
+TEST_F(Simulate, NoticesAFullDisk) {
+    m_out = "/dev/full";
+    const Outcome outcome = Run(Words("8", "2"));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("No space left on device"));
+}
