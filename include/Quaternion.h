@@ -51,6 +51,9 @@ public:
                    2 * (x * z - w * y) / n,     2 * (y * z + w * x) / n,     1 - 2 * (x * x + y * y) / n};
     }
 
+    /// The nine entries, row after row.
+    constexpr const std::array<double, 9> &Entries() const { return m_entry; }
+
     /// The rotated point: each coordinate summed in double from x to z and rounded once to float. Not valid.
     constexpr Vertex operator*(const Vertex &p) const {
         return Vertex(Row(0, p), Row(3, p), Row(6, p), false);

@@ -52,9 +52,7 @@ std::vector<double> ScorePlaces(const Preparation &fit, const std::vector<Place>
             angle += fit.angleStep;
         Quaternion rotation;
         rotation.Set(angle, place.angle == 0 ? Vertex(1, 0, 0, false) : fit.axes[place.axis]);
-        const Vertex &centre = fit.target.centre;
-        Vertex translation;
-        translation = (centre - rotation * centre) + fit.offsets[place.offset];
+        const Vertex translation = TranslationAbout(fit.target.centre, rotation, fit.offsets[place.offset]);
         scores[place.order] = DoScores(rotation, translation, fit.map, fit.target.points, fit.keepOut, {},
                                        moved, noDistances, noLog, false)
                                   .score;

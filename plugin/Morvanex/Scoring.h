@@ -23,6 +23,14 @@ double Collision(const std::vector<TaggedPoint> &points, const Grid *solid);
 /// is not resized; each pair beyond its end is reported as a broken assertion and skipped.
 void Score(const std::vector<RestraintPair> &restraints, const Transform &pose, std::vector<double> &Scores);
 
+/// The translation that follows a rotation so that `centre` comes back to its place and then moves by
+/// `offset`: (centre - rotation·centre) + offset, in float and in this order.
+inline Vertex TranslationAbout(const Vertex &centre, const Quaternion &rotation, const Vertex &offset) {
+    Vertex translation;
+    translation = (centre - rotation * centre) + offset;
+    return translation;
+}
+
 /// Scores one pose. It is rejected when the moved points collide with the solid (measure 0.01 or more): the
 /// result then is a default record with score -1.0. Otherwise the result holds the pose, its density score
 /// and one distance per restraint, and its line is written to `log` if `logging`.

@@ -2,6 +2,7 @@
 
 #include "Angles.h"
 #include "Cost.h"
+#include "FastSearch.h"
 #include "FitLog.h"
 #include "Parameters.h"
 #include "Scoring.h"
@@ -17,48 +18,25 @@ bool HasLeftModel(const Compound *node) {
     return node && !node->IsAttached();
 }
 
-/// One search over all poses of a prepared fit.
-class Search {
+/// The search as it is defined: pose after pose, each scored on its own.
+class PoseByPose : public SearchPasses {
 public:
-    Search(const Preparation &fit, FitMonitor &monitor, PoseCounts &counts)
+    PoseByPose(const Preparation &fit, FitLog &log, PoseCounts &counts)
         : m_fit(fit)
-        , m_monitor(monitor)
+        , m_log(log)
         , m_counts(counts)
         , m_moved(fit.target.points.size())
-        , m_distances(fit.target.restraints.size()) {
-        m_timer.start();
-        m_startReading = m_timer.elapsed();
-    }
+        , m_distances(fit.target.restraints.size()) {}
 
-    bool Run() {
-        m_monitor.Started(m_fit);
-        m_log.Open(em_fname, logging);
-        IdentityPass();
-        if (IsCancelled())
-            return false;
-        m_monitor.IdentityDone(m_fit.axes.size());
-        for (std::size_t done = 1; done <= m_fit.axes.size(); ++done) {
-            AxisPass(m_fit.axes[done - 1]);
-            const double minutes = RemainingMinutes(done);
-            if (IsCancelled())
-                return false;
-            m_monitor.AxisDone(done, m_fit.axes.size(), minutes);
-        }
-        weed(Solutions, top_size);
-        m_monitor.Finished();
-        return true;
-    }
-
-private:
-    void IdentityPass() {
+    void Identity() override {
         Turn(0.0, Vertex(1, 0, 0, false));
         for (const Vertex &offset : m_fit.offsets)
             Evaluate(offset);
     }
 
-    void AxisPass(const Vertex &axis) {
+    void Axis(std::size_t number) override {
         for (double angle = m_fit.angleStep; angle < fullTurn; angle += m_fit.angleStep) {
-            Turn(angle, axis);
+            Turn(angle, m_fit.axes[number]);
             for (const Vertex &offset : m_fit.offsets) {
                 Evaluate(offset);
                 if (NeedsWeeding(Solutions, top_size))
@@ -67,6 +45,10 @@ private:
         }
     }
 
+    void Complete() override { weed(Solutions, top_size); }
+    void Abandon() override {}
+
+private:
     /// Makes the rotation by `angle` about `axis` through the target's centre the current one.
     void Turn(double angle, const Vertex &axis) {
         m_rotation.Set(angle, axis);
@@ -81,17 +63,62 @@ private:
             DoScores(m_rotation, translation, m_fit.map, m_fit.target.points, m_fit.keepOut,
                      m_fit.target.restraints, m_moved, m_distances, m_log.Stream(), m_log.IsWriting());
         ++m_counts.tried;
+        ++m_counts.scoredExactly;
         if (solution.score == -1.0)
             return;
         ++m_counts.accepted;
         Solutions.push_back(std::move(solution));
     }
 
+    const Preparation &m_fit;
+    FitLog &m_log;
+    PoseCounts &m_counts;
+    Quaternion m_rotation;
+    Vertex m_centring; ///< the translation that brings the turned target's centre back to its place
+    std::vector<TaggedPoint> m_moved;
+    std::vector<double> m_distances;
+};
+
+/// One search over all poses of a prepared fit.
+class Search {
+public:
+    Search(const Preparation &fit, FitMonitor &monitor, PoseCounts &counts, const SearchOptions &options)
+        : m_fit(fit)
+        , m_monitor(monitor) {
+        m_timer.start();
+        m_startReading = m_timer.elapsed();
+        m_monitor.Started(m_fit);
+        m_log.Open(em_fname, logging);
+        if (!m_log.IsWriting() && !options.poseByPose && fast::FastSearch::Serves(fit))
+            m_passes = std::make_unique<fast::FastSearch>(fit, top_size, counts);
+        else
+            m_passes = std::make_unique<PoseByPose>(fit, m_log, counts);
+    }
+
+    bool Run() {
+        m_passes->Identity();
+        if (IsCancelled())
+            return false;
+        m_monitor.IdentityDone(m_fit.axes.size());
+        for (std::size_t done = 1; done <= m_fit.axes.size(); ++done) {
+            m_passes->Axis(done - 1);
+            const double minutes = RemainingMinutes(done);
+            if (IsCancelled())
+                return false;
+            m_monitor.AxisDone(done, m_fit.axes.size(), minutes);
+        }
+        m_passes->Complete();
+        m_monitor.Finished();
+        return true;
+    }
+
+private:
     bool IsCancelled() {
         if (!m_log.Flush())
             m_monitor.LogLost(m_log.ErrorText());
         if (!m_monitor.IsCancelled())
             return false;
+        m_passes->Abandon();
         m_monitor.Cancelled();
         return true;
     }
@@ -105,12 +132,8 @@ private:
 
     const Preparation &m_fit;
     FitMonitor &m_monitor;
-    PoseCounts &m_counts;
     FitLog m_log;
-    Quaternion m_rotation;
-    Vertex m_centring; ///< the translation that brings the turned target's centre back to its place
-    std::vector<TaggedPoint> m_moved;
-    std::vector<double> m_distances;
+    std::unique_ptr<SearchPasses> m_passes;
     QElapsedTimer m_timer;
     qint64 m_startReading = 0;
 };
@@ -136,5 +159,10 @@ bool RunFit(FitMonitor &monitor, PoseCounts *counts, const SearchOptions &option
     }
     const Preparation fit = PrepareFit(survey, map);
     PoseCounts own;
-    return Search(fit, monitor, counts ? *counts : own).Run();
+    return RunSearch(fit, monitor, counts ? *counts : own, options);
+}
+
+bool RunSearch(const Preparation &fit, FitMonitor &monitor, PoseCounts &counts,
+               const SearchOptions &options) {
+    return Search(fit, monitor, counts, options).Run();
 }

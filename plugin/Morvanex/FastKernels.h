@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// The inner loops of the fast search, compiled for every instruction set that the machine may have and
+/// chosen when first called. What they are for, and why the data lie as they do, is told in FastSearch.h.
+
+namespace fast {
+
+/// Arrays with one entry per point are padded to a multiple of this: the floats of the widest vector.
+constexpr std::size_t pointBlock = 16;
+/// Offsets that share one window of a row, at most: the bytes of the widest table look-up that every
+/// instruction set has.
+constexpr std::size_t windowOffsets = 16;
+/// Points whose levels are added as bytes before they are widened.
+constexpr std::size_t levelGroup = 4;
+/// The highest level of a voxel: `levelGroup` of them fit into a byte.
+constexpr unsigned highestLevel = 255 / levelGroup;
+
+constexpr std::size_t Padded(std::size_t points) {
+    return (points + pointBlock - 1) / pointBlock * pointBlock;
+}
+
+/// One axis of a grid, for the mapping of coordinates to voxels.
+struct GridAxis {
+    float origin = 0, spacing = 1; ///< Å; finite, the spacing greater than 0
+    std::int32_t count = 0;        ///< voxels, at most 2^22
+    std::int32_t stride = 0;       ///< distance of neighbouring voxels in the array
+};
+
+/// out[i] = matrix · p[i], each coordinate summed in double from x to z and rounded once to float. `matrix`
+/// has nine entries, rows first; `p` and `out` are three arrays of `padded` entries.
+void RotatePoints(const double *matrix, const double *const *p, std::size_t padded, float *const *out);
+
+/// out[i] = stride · (index of the voxel nearest to coordinate[i] + translation). The index is that of
+/// `NearestVoxel`, but for a coordinate outside: -1 below the grid, `count` above it.
+void MapCoordinates(const float *coordinates, std::size_t padded, float translation, const GridAxis &axis,
+                    std::int32_t *out);
+
+/// The largest window in bytes that one look-up serves: 16 or 32.
+std::size_t LargestWindow();
+
+/// Where in their windows of a row the offsets of a unit read.
+struct Windows {
+    std::size_t bytes = 0;            ///< of one window, 16 or 32
+    std::int32_t *starts = nullptr;   ///< the index at which each point's window begins; `padded` entries
+    std::int32_t *scratch = nullptr;  ///< `padded` entries
+    std::uint8_t *patterns = nullptr; ///< `bytes` for each of `padded` points; 0x80 reads nothing
+};
+
+/// Maps `points` coordinates at the `windowOffsets` translations of a unit (ascending or descending; where
+/// there are fewer, the last repeated). False when an offset lies outside its point's window.
+bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
+                const GridAxis &axis, const Windows &windows);
+
+/// Which rows of a block are summed, and from what.
+struct RowSums {
+    const std::uint8_t *levels = nullptr; ///< voxel (0, 0, 0) of the grid
+    std::size_t padded = 0;               ///< points
+    Windows windows;
+    const std::int32_t *const *xs = nullptr;  ///< per x offset of the block, the points' indices along x
+    const std::uint32_t *rowsBegin = nullptr; ///< per x offset, and one more: where its rows begin in `ys`
+    std::size_t xCount = 0;
+    const std::int32_t *const *ys = nullptr; ///< per row, the points' indices along y
+    std::uint16_t *sums = nullptr;           ///< `windowOffsets` per row
+};
+
+/// Sums the levels under all points, for each row and each offset of its unit.
+void SumRows(const RowSums &job);
+
+/// Closed range of level sums; empty when first > last.
+struct SumRange {
+    std::uint16_t first = 1, last = 0;
+};
+
+/// Bit k of marks[row] tells whether the k-th sum of that row lies in one of the two ranges.
+void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange b, std::uint16_t *marks);
+
+/// The tables of one pose: the points' indices along each axis at the pose's offset.
+struct PoseIndices {
+    const std::int32_t *x, *y, *z;
+};
+
+/// scores[i] = the sum in double, from the first point to the last, of the voxels under the i-th pose's
+/// points. `voxels` points to voxel (0, 0, 0).
+void ScorePoses(const float *voxels, std::size_t points, const PoseIndices *poses, std::size_t count,
+                double *scores);
+
+} // namespace fast

@@ -1,0 +1,177 @@
+#include "FastScoring.h"
+
+#include "Scoring.h"
+
+#include <QTextStream>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace fast {
+
+namespace {
+
+/// Rows of a block at most: their sums, 32 bytes each, stay in the first-level cache beside the rows of the
+/// map.
+constexpr std::size_t blockRows = 256;
+
+double StrideInVoxels(const Preparation &fit) {
+    const auto stride = [&fit](const Grid &grid) {
+        // A cube of one offset has no stride.
+        const double step =
+            fit.offsets.size() > 1 ? double(fit.offsets[1][2]) - double(fit.offsets[0][2]) : 0;
+        return std::abs(step) / double(grid.Spacing()[2]);
+    };
+    return std::max(stride(*fit.map), fit.keepOut ? stride(*fit.keepOut) : 0);
+}
+
+} // namespace
+
+FastGrids::FastGrids(const Preparation &fit)
+    : map(*fit.map, fit.target.points.size()) {
+    if (fit.keepOut)
+        solid.emplace(*fit.keepOut);
+}
+
+PoseTally &PoseTally::operator+=(const PoseTally &other) {
+    accepted += other.accepted;
+    scoredExactly += other.scoredExactly;
+    return *this;
+}
+
+CubeScorer::CubeScorer(const Preparation &fit, const FastGrids &grids)
+    : m_fit(fit)
+    , m_grids(grids)
+    , m_target(fit)
+    , m_units(CutIntoUnits(m_target.Offsets(), StrideInVoxels(fit)))
+    , m_mapTables(grids.map.Layout(), m_target, m_units) {
+    if (grids.solid)
+        m_solidTables.emplace(grids.solid->Layout(), m_target, m_units);
+}
+
+PoseTally CubeScorer::Score(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
+    PoseTally total;
+    m_target.Turn(rotation);
+    if (!m_mapTables.Map() || (m_solidTables && !m_solidTables->Map())) {
+        m_tally = {};
+        ScoreOneByOne(rotation, first, best);
+        best.Advance(first + m_fit.offsets.size(), m_tally.accepted);
+        return m_tally;
+    }
+    const std::size_t side = m_target.Offsets();
+    const std::size_t ySize = std::min(side, blockRows), xSize = std::max(blockRows / side, std::size_t(1));
+    // The list learns of poses in their order: what a slab along x teaches serves the slabs behind it.
+    for (std::size_t x = 0; x < side; x += xSize) {
+        m_tally = {};
+        const std::size_t xEnd = std::min(x + xSize, side);
+        for (std::size_t y = 0; y < side; y += ySize)
+            for (std::size_t unit = 0; unit < m_units.units.size(); ++unit)
+                ScoreBlock({x, xEnd, y, std::min(y + ySize, side), unit}, first, best);
+        best.Advance(first + xEnd * side * side, m_tally.accepted);
+        total += m_tally;
+    }
+    return total;
+}
+
+void CubeScorer::ScoreBlock(const Block &block, EntryNumber first, BestPoses &best) {
+    ListRows(block);
+    if (m_solidTables)
+        DropCollidingRows(block);
+    if (m_rows.empty())
+        return;
+    SumLevels(m_mapTables, m_grids.map.Levels(), block);
+    ChooseCandidates(block, best.Threshold());
+    ScoreCandidates(first, best);
+}
+
+void CubeScorer::ListRows(const Block &block) {
+    const unsigned all = (1u << m_units.units[block.unit].count) - 1;
+    m_rows.clear();
+    for (std::size_t x = block.xBegin; x < block.xEnd; ++x)
+        for (std::size_t y = block.yBegin; y < block.yEnd; ++y)
+            m_rows.push_back({x, y, all});
+}
+
+void CubeScorer::DropCollidingRows(const Block &block) {
+    SumLevels(*m_solidTables, m_grids.solid->Levels(), block);
+    MarkSums(m_sums.data(), m_rows.size(), {1, 65535}, {}, m_marks.data());
+    for (std::size_t row = 0; row < m_rows.size(); ++row)
+        m_rows[row].free &= ~unsigned(m_marks[row]);
+    std::erase_if(m_rows, [](const Row &row) { return row.free == 0; });
+}
+
+void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block) {
+    m_xs.clear();
+    m_ys.clear();
+    m_rowsBegin.assign(1, 0);
+    std::size_t row = 0;
+    for (std::size_t x = block.xBegin; x < block.xEnd; ++x) {
+        m_xs.push_back(tables.Indices(0, x));
+        for (; row < m_rows.size() && m_rows[row].x == x; ++row)
+            m_ys.push_back(tables.Indices(1, m_rows[row].y));
+        m_rowsBegin.push_back(std::uint32_t(row));
+    }
+    m_sums.resize(m_rows.size() * windowOffsets);
+    m_marks.resize(m_rows.size());
+    SumRows({levels, m_target.PaddedPoints(), tables.WindowsOf(block.unit), m_xs.data(), m_rowsBegin.data(),
+             m_xs.size(), m_ys.data(), m_sums.data()});
+}
+
+void CubeScorer::ChooseCandidates(const Block &block, double threshold) {
+    const FastMap &map = m_grids.map;
+    const std::size_t side = m_target.Offsets();
+    // A score of -1.0 marks a rejected pose, so that one whose density comes to just that is not accepted
+    // either.
+    const SumRange rejectable = map.HasNegativeVoxels() ? map.SumsAround(-1.0) : SumRange();
+    MarkSums(m_sums.data(), m_rows.size(), map.SumsReaching(threshold), rejectable, m_marks.data());
+    m_candidates.clear();
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        const Row &row = m_rows[i];
+        m_tally.accepted += std::uint64_t(std::popcount(row.free));
+        const std::size_t offset = (row.x * side + row.y) * side + m_units.units[block.unit].first;
+        for (unsigned marked = m_marks[i] & row.free; marked != 0; marked &= marked - 1)
+            m_candidates.push_back(offset + std::size_t(std::countr_zero(marked)));
+    }
+}
+
+void CubeScorer::ScoreCandidates(EntryNumber first, BestPoses &best) {
+    if (m_candidates.empty())
+        return;
+    m_mapTables.MapZ();
+    const std::size_t side = m_target.Offsets();
+    m_candidateIndices.clear();
+    for (const std::size_t offset : m_candidates)
+        m_candidateIndices.push_back({m_mapTables.Indices(0, offset / (side * side)),
+                                      m_mapTables.Indices(1, offset / side % side),
+                                      m_mapTables.Indices(2, offset % side)});
+    m_scores.resize(m_candidates.size());
+    ScorePoses(m_grids.map.Voxels(), m_target.Points(), m_candidateIndices.data(), m_candidates.size(),
+               m_scores.data());
+    m_tally.scoredExactly += m_candidates.size();
+    for (std::size_t i = 0; i < m_candidates.size(); ++i)
+        if (m_scores[i] == -1.0)
+            --m_tally.accepted;
+        else if (m_scores[i] >= best.Threshold())
+            best.Add(m_scores[i], first + m_candidates[i]);
+}
+
+void CubeScorer::ScoreOneByOne(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
+    std::vector<TaggedPoint> moved(m_fit.target.points.size());
+    std::vector<double> noDistances;
+    QTextStream noLog;
+    for (std::size_t i = 0; i < m_fit.offsets.size(); ++i) {
+        const Vertex translation = TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[i]);
+        const double score = DoScores(rotation, translation, m_fit.map, m_fit.target.points, m_fit.keepOut,
+                                      {}, moved, noDistances, noLog, false)
+                                 .score;
+        ++m_tally.scoredExactly;
+        if (score == -1.0)
+            continue;
+        ++m_tally.accepted;
+        if (score >= best.Threshold())
+            best.Add(score, first + i);
+    }
+}
+
+} // namespace fast

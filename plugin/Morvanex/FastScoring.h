@@ -1,0 +1,73 @@
+#pragma once
+
+#include "BestPoses.h"
+#include "FastTables.h"
+
+#include <optional>
+
+namespace fast {
+
+/// The grids of a fit, laid out for the fast search.
+struct FastGrids {
+    explicit FastGrids(const Preparation &fit);
+
+    FastMap map;
+    std::optional<FastSolid> solid;
+};
+
+/// What the scoring of some poses came to.
+struct PoseTally {
+    std::uint64_t accepted = 0;
+    std::uint64_t scoredExactly = 0;
+
+    PoseTally &operator+=(const PoseTally &other);
+};
+
+/// Scores a rotation at all its offsets at once.
+class CubeScorer {
+public:
+    /// Both must outlive it.
+    CubeScorer(const Preparation &fit, const FastGrids &grids);
+
+    /// Adds to `best` those poses of the rotation that reach its threshold. The pose at the first offset is
+    /// entry number `first`, the others follow.
+    PoseTally Score(const Quaternion &rotation, EntryNumber first, BestPoses &best);
+
+private:
+    /// Some x and y offsets, and a unit of z offsets.
+    struct Block {
+        std::size_t xBegin, xEnd, yBegin, yEnd, unit;
+    };
+    /// A row of a block: one x and one y offset.
+    struct Row {
+        std::size_t x, y;
+        unsigned free; ///< a bit per offset of the unit that does not collide
+    };
+
+    void ScoreBlock(const Block &block, EntryNumber first, BestPoses &best);
+    void ListRows(const Block &block);
+    void DropCollidingRows(const Block &block);
+    void SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block);
+    void ChooseCandidates(const Block &block, double threshold);
+    void ScoreCandidates(EntryNumber first, BestPoses &best);
+    void ScoreOneByOne(const Quaternion &rotation, EntryNumber first, BestPoses &best);
+
+    const Preparation &m_fit;
+    const FastGrids &m_grids;
+    TurnedTarget m_target;
+    OffsetUnits m_units;
+    OffsetTables m_mapTables;
+    std::optional<OffsetTables> m_solidTables;
+    PoseTally m_tally; ///< of the poses since the last `Advance`
+
+    // What one block needs, kept to be used again.
+    std::vector<Row> m_rows;
+    std::vector<const std::int32_t *> m_xs, m_ys;
+    std::vector<std::uint32_t> m_rowsBegin;
+    std::vector<std::uint16_t> m_sums, m_marks;
+    std::vector<std::size_t> m_candidates; ///< numbers of offsets
+    std::vector<PoseIndices> m_candidateIndices;
+    std::vector<double> m_scores;
+};
+
+} // namespace fast

@@ -1,0 +1,139 @@
+#include "FastSearch.h"
+#include "Messages.h"
+#include "Parameters.h"
+#include "RandomSearch.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <hwy/highway.h>
+
+#include <bit>
+
+using testing::ElementsAre;
+
+namespace {
+
+/// Answers yes when the search asks for the n-th time whether to stop, and writes down everything it hears.
+class Listener : public FitMonitor {
+public:
+    explicit Listener(std::optional<std::size_t> cancelAt)
+        : m_cancelAt(cancelAt) {}
+
+    void Started(const Preparation &) override { heard.push_back("started"); }
+    bool IsCancelled() override {
+        heard.push_back("cancelled?");
+        return m_asked++ == m_cancelAt;
+    }
+    void IdentityDone(std::size_t axes) override { heard.push_back("identity of " + std::to_string(axes)); }
+    void AxisDone(std::size_t done, std::size_t axes, double) override {
+        heard.push_back("axis " + std::to_string(done) + " of " + std::to_string(axes));
+    }
+    void Cancelled() override { heard.push_back("cancelled with " + std::to_string(Solutions.size())); }
+    void Finished() override { heard.push_back("finished with " + std::to_string(Solutions.size())); }
+
+    std::vector<std::string> heard;
+
+private:
+    std::optional<std::size_t> m_cancelAt;
+    std::size_t m_asked = 0;
+};
+
+/// A solution, bit for bit.
+std::vector<std::uint64_t> BitsOf(const SolutionScore &solution) {
+    std::vector<std::uint64_t> bits;
+    for (const double number : {solution.rotation.w(), solution.rotation.x(), solution.rotation.y(),
+                                solution.rotation.z(), solution.score})
+        bits.push_back(std::bit_cast<std::uint64_t>(number));
+    for (const unsigned i : {0u, 1u, 2u})
+        bits.push_back(std::bit_cast<std::uint32_t>(solution.translation[i]));
+    bits.push_back(solution.translation.IsValid());
+    for (const double distance : solution.extraScores)
+        bits.push_back(std::bit_cast<std::uint64_t>(distance));
+    return bits;
+}
+
+/// Everything that can be seen of a search.
+struct Outcome {
+    bool completed = false;
+    std::vector<std::vector<std::uint64_t>> solutions;
+    std::vector<std::string> heard, debug, warnings;
+    std::uint64_t tried = 0, accepted = 0, scoredExactly = 0;
+};
+
+Outcome RunRandom(const RandomSearch &random, const SearchOptions &options) {
+    Solutions = random.earlier;
+    top_size = random.keep;
+    logging = false;
+    em_fname.clear();
+    Listener listener(random.cancelAt);
+    PoseCounts counts;
+    Outcome outcome;
+    const Messages messages;
+    outcome.completed = RunSearch(random.fit, listener, counts, options);
+    for (const SolutionScore &solution : Solutions)
+        outcome.solutions.push_back(BitsOf(solution));
+    outcome.heard = listener.heard;
+    outcome.debug = messages.Debug();
+    outcome.warnings = messages.Warnings();
+    outcome.tried = counts.tried;
+    outcome.accepted = counts.accepted;
+    outcome.scoredExactly = counts.scoredExactly;
+    Solutions.clear();
+    return outcome;
+}
+
+/// Lets the kernels run with one instruction set only, while it lives.
+class OnlyTarget {
+public:
+    explicit OnlyTarget(std::int64_t target) { Choose(target); }
+    ~OnlyTarget() { Choose(0); }
+
+private:
+    static void Choose(std::int64_t target) {
+        hwy::SetSupportedTargetsForTest(target);
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+};
+
+/// The instruction sets that this machine can run, the emulated one among them.
+std::vector<std::int64_t> Targets() {
+    std::vector<std::int64_t> targets;
+    for (std::int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1)
+        targets.push_back(rest & -rest);
+    return targets;
+}
+
+class FastSearchOn : public testing::TestWithParam<std::int64_t> {};
+
+std::string NameOf(const testing::TestParamInfo<std::int64_t> &info) {
+    return hwy::TargetName(info.param);
+}
+
+} // namespace
+
+TEST_P(FastSearchOn, GivesWhatPoseByPoseGives) {
+    const OnlyTarget target(GetParam());
+    unsigned fast = 0, cancelled = 0;
+    constexpr unsigned cases = 1500;
+    for (unsigned seed = 0; seed < cases; ++seed) {
+        const RandomSearch random(seed);
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const Outcome expected = RunRandom(random, {.poseByPose = true});
+        const Outcome found = RunRandom(random, {});
+        ASSERT_EQ(found.completed, expected.completed);
+        ASSERT_EQ(found.heard, expected.heard);
+        ASSERT_EQ(found.debug, expected.debug);
+        ASSERT_EQ(found.warnings, expected.warnings);
+        ASSERT_EQ(found.tried, expected.tried);
+        ASSERT_EQ(found.accepted, expected.accepted);
+        ASSERT_EQ(found.solutions, expected.solutions);
+        Solutions = random.earlier;
+        fast += fast::FastSearch::Serves(random.fit);
+        Solutions.clear();
+        cancelled += !expected.completed;
+    }
+    EXPECT_GT(fast, cases / 2) << "too few of the searches were fast ones";
+    EXPECT_GT(cancelled, cases / 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, FastSearchOn, testing::ValuesIn(Targets()), NameOf);
