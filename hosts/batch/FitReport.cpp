@@ -159,13 +159,16 @@ void PrintTable(const FitRecord &record) {
 }
 
 void PrintSample(const FitRecord &record) {
-    Print(
-        QString(
-            "\nScores are compared with %1 poses spread evenly over the search, of which\n%2 do not collide: "
-            "mean %3, standard deviation (SD) %4.\n")
-            .arg(std::min(sampleSize, record.translations * (1 + record.axes * record.angles)))
-            .arg(record.sample.poses)
-            .arg(GeneralNumber(record.sample.mean), GeneralNumber(record.sample.deviation)));
+    const std::uint64_t poses = record.translations * (1 + record.axes * record.angles);
+    const std::uint64_t size = std::min(sampleSize, poses), used = record.sample.poses;
+    const QString which = used < size
+                              ? QString("those %1 of %2 poses, spread evenly over the search, that do not "
+                                        "collide:")
+                                    .arg(used)
+                                    .arg(size)
+                              : QString("%1 poses spread evenly over the search:").arg(size);
+    Print(QString("\nScores are compared with %1\nmean %2, standard deviation (SD) %3.\n")
+              .arg(which, GeneralNumber(record.sample.mean), GeneralNumber(record.sample.deviation)));
 }
 
 } // namespace

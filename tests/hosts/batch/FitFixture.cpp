@@ -65,7 +65,7 @@ void WriteTestMap(const std::string &file) {
 } // namespace
 
 const std::vector<std::string> FitFixture::longSearch{
-    "--axis", "2", "--rotation-step", "5", "--translation-steps", "31", "--translation-step", "0.3"};
+    "--axis", "1", "--rotation-step", "5", "--translation-steps", "15", "--translation-step", "0.5"};
 
 FitFixture::FitFixture()
     : m_chainA(ChainRecords('A', {20, 20, 20}))

@@ -32,7 +32,7 @@ protected:
     /// Names and contents of the files in the folder.
     std::map<std::string, std::string> Contents() const;
 
-    /// Options of a search that goes on for minutes, in steps of a part of a second.
+    /// Options of a search of some seconds, with 21 axes and 15³ translations.
     static const std::vector<std::string> longSearch;
 
     const std::string m_chainA, m_chainB; ///< as PDB records

@@ -320,7 +320,6 @@ TEST_F(Fit, RefusesUnreadableInputs) {
         ExpectRefused({option, text}, text + ": ");
         ExpectRefused({option, std::filesystem::path(absent).parent_path()},
                       ": cannot be read: Is a directory");
-        ExpectRefused({option, "/dev/zero"}, "/dev/zero: ");
         ExpectRefused({option, cut}, cut + ": ");
     }
     ExpectRefused({"--map", File("model.pdb")}, File("model.pdb") + ": ");
@@ -526,16 +525,16 @@ TEST_F(Fit, StopsAtCtrlCAndWritesWhatWasFound) {
     EXPECT_THAT(outcome.errors,
                 HasSubstr("\nStopping at the end of the current axis; Ctrl-C again ends at once.\n"));
     EXPECT_THAT(outcome.errors,
-                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 81 axes; what was found by "
+                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 21 axes; what was found by "
                               "then is written\n"));
     EXPECT_THAT(outcome.output, HasSubstr("20 kept"));
     EXPECT_EQ(Lines(ReadFile(File("r"))).size(), 21u);
     EXPECT_EQ(Saved(File("j")).size(), 20u);
     EXPECT_TRUE(std::filesystem::exists(File("m-1.pdb")));
     const auto json = nlohmann::json::parse(ReadFile(File("j")));
-    EXPECT_LT(json["counts"]["axesDone"], 81);
+    EXPECT_LT(json["counts"]["axesDone"], 21);
     EXPECT_EQ(json["counts"]["poses"],
-              29791 * (1 + int(json["counts"]["axesDone"]) * int(json["counts"]["angles"])));
+              3375 * (1 + int(json["counts"]["axesDone"]) * int(json["counts"]["angles"])));
 }
 
 TEST_F(Fit, EndsAtOnceAtTheSecondCtrlC) {
