@@ -1,0 +1,42 @@
+#include "FitFixture.h"
+
+#include "TestData.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+namespace {
+
+/// The command lines of a document: those of its blocks marked as shell.
+std::vector<std::string> CommandsOf(const std::string &document) {
+    std::vector<std::string> commands;
+    std::istringstream lines(ReadFile(document));
+    bool inside = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("```"))
+            inside = line == "```sh";
+        else if (inside)
+            commands.push_back(line);
+    }
+    return commands;
+}
+
+} // namespace
+
+class Documentation : public FitFixture {};
+
+TEST_F(Documentation, HasOnlyCommandsThatRun) {
+    Put("restraints.txt", "ALA3 20 20 20\n");
+    const std::vector<std::string> commands = CommandsOf(SourceFolder() + "/docs/user-guide.md");
+    EXPECT_GT(commands.size(), 5u);
+    const std::string folder = std::filesystem::path(File("x")).parent_path();
+    const std::string path = std::filesystem::path(MORVANEX_PROGRAM).parent_path();
+    for (const std::string &command : commands)
+        EXPECT_EQ(std::system(("cd " + folder + " && PATH=" + path +
+                               ":$PATH XDG_CONFIG_HOME=/nonexistent && " + command + " >output 2>errors")
+                                  .c_str()),
+                  0)
+            << command << '\n'
+            << ReadFile(File("errors"));
+}
