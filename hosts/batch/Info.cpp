@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <iostream>
 
 using namespace VARNO;
@@ -22,6 +23,9 @@ namespace {
 bool IsMap(const std::string &file) {
     std::array<char, 1024> start;
     const std::size_t size = ByteSource(file).Read(start);
+    if (!std::filesystem::is_regular_file(file))
+        throw FileError(file, "",
+                        "must be a regular file: it is looked at first, and then read from its start");
     if (size == 0)
         throw FileError(file, "", "is empty");
     return std::any_of(start.begin(), start.begin() + size, [](char c) {
@@ -82,6 +86,8 @@ void ChainRow(const QString &name, const QString &kind, const QString &residues,
 }
 
 void TellChains(const std::vector<ChainReport> &chains) {
+    if (chains.empty())
+        return Line("chains", "no polymer");
     ChainRow("chain", "kind", "residues", "with position", "atoms");
     for (const ChainReport &chain : chains)
         ChainRow(chain.identifier == " " ? "' '" : QString::fromStdString(chain.identifier),

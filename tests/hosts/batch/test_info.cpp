@@ -44,6 +44,15 @@ TEST_F(Info, ShowsABlankChainIdentifierInQuotes) {
     EXPECT_THAT(OutputOf({"info", file}), HasSubstr("\n  ' '       protein         2 "));
 }
 
+TEST_F(Info, TellsAStructureWithoutPolymers) {
+    const std::string file = m_folder.Write(
+        "in.pdb", "HETATM    1  O   HOH A 101      20.000  20.000  20.000  1.00 30.00           O  \n");
+    EXPECT_EQ(OutputOf({"info", file}), file + ": structure, PDB\n"
+                                               "  chains    no polymer\n"
+                                               "  models    1\n"
+                                               "  besides   ligand residues 0, waters 1\n");
+}
+
 TEST_F(Info, TellsWhatWasLeftOutOfAStructure) {
     const std::string file = m_folder.Write(
         "in.pdb", "MODEL        1\n" + smallModel.substr(0, smallModel.find("TER")) +
@@ -92,5 +101,7 @@ TEST_F(Info, RefusesWhatIsNeither) {
                 StartsWith("program: "));
     EXPECT_THAT(ErrorOf({"info", m_folder.File("absent")}), HasSubstr("No such file"));
     EXPECT_THAT(ErrorOf({"info", m_folder.Path() + "/."}), HasSubstr("directory"));
+    EXPECT_EQ(ErrorOf({"info", "/dev/zero"}),
+              "/dev/zero: must be a regular file: it is looked at first, and then read from its start\n");
     EXPECT_EQ(Run({"info"}).status, 2);
 }
