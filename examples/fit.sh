@@ -18,7 +18,7 @@ rmsd() {
     --map examples/1tii_8A.mrc \
     --target examples/1tii_D_displaced.pdb \
     --solid examples/1tii.pdb --solid-chains A,C,E,F,G,H \
-    --axis 2 --rotation-step 10 --translation-steps 11 --translation-step 3 --keep 100 --inclusion-distance 60 \
+    --axis 3 --rotation-step 10 --translation-steps 15 --translation-step 2 --keep 100 --inclusion-distance 100 \
     --results "$folder/results.txt" --json "$folder/results.json" \
     --models 3 --model-prefix "$folder/model-"
 
