@@ -24,8 +24,6 @@ void SetParameters(const FitOptions &options, const FitInput &input) {
     Step = options.translationStep;
     TCount = options.translationSteps;
     top_size = options.keep;
-    logging = options.log.has_value();
-    em_fname = QString::fromStdString(options.log.value_or(""));
     restraints = options.restraints.has_value();
     re_fname = QString::fromStdString(options.restraints.value_or(""));
     m_Target = input.target;
@@ -34,8 +32,14 @@ void SetParameters(const FitOptions &options, const FitInput &input) {
     VARNO::Config::Override("Morvanex", "Marginal", options.inclusionDistance);
 }
 
+/// The log comes last: a search empties its file, and one is run to measure the pace.
+void SetLog(const FitOptions &options) {
+    logging = options.log.has_value();
+    em_fname = QString::fromStdString(options.log.value_or(""));
+}
+
 /// Runs the search; the record then holds what came of it. False where Ctrl-C stopped it.
-bool RunSearch(FitRecord &record) {
+bool Search(FitRecord &record) {
     FitProgress progress(record, record.options.quiet);
     const bool finished = RunFit(progress, &record.poses, {record.options.force});
     if (!progress.LogError().isEmpty())
@@ -73,6 +77,7 @@ int Run(const Arguments &arguments) {
     CheckFitOutputs(options, ModelFiles(options, input.targetFormat));
     SetParameters(options, input);
     const Survey survey = CheckFit(options, input);
+    SetLog(options);
     record.chain = input.target->GetName();
     if (!options.quiet)
         ReportInput(options, input, survey);
@@ -80,7 +85,7 @@ int Run(const Arguments &arguments) {
         Warn("stopped by Ctrl-C before the search began; nothing was written");
         return Interrupted;
     }
-    const bool finished = RunSearch(record);
+    const bool finished = Search(record);
     if (!finished)
         Warn("stopped by Ctrl-C after " + std::to_string(record.axesDone) + " of " +
              std::to_string(record.axes) + " axes; what was found by then is written");

@@ -2,17 +2,14 @@
 
 #include "Chains.h"
 #include "Diagnostics.h"
+#include "Pace.h"
 #include "RestraintsCheck.h"
 #include "Wording.h"
 
-#include "Axes.h"
 #include "Cost.h"
 #include "FileError.h"
 #include "Numbers.h"
 #include "Parameters.h"
-#include "PoseSample.h"
-
-#include <QElapsedTimer>
 
 #include <algorithm>
 
@@ -23,6 +20,7 @@ namespace {
 using VARNO::FileError;
 
 constexpr double longestFit = 365.25 * 24 * 3600; ///< seconds
+constexpr double fewPoses = 1e10;                 ///< no target is so large that these take as long
 
 void CheckTarget(const FitOptions &options, const FitInput &input, const Target &target) {
     const std::string chain = "chain " + ChainNames({input.target});
@@ -61,38 +59,23 @@ void CheckSolid(const FitOptions &options, const Survey &survey) {
              " Å of the target's centre");
 }
 
-/// Poses scored in a second, measured on a small search of the same target in the same map.
-double MeasurePace(const Target &target) {
-    constexpr std::uint64_t poses = 2000;
-    Preparation trial;
-    trial.map = dynamic_cast<const Grid *>(m_Map);
-    trial.target = target;
-    trial.axes = RotationAxes(1);
-    trial.offsets = TranslationOffsets(5, Step);
-    trial.angleStep = Radians(10);
-    QElapsedTimer timer;
-    timer.start();
-    SamplePoses(trial, poses);
-    return double(poses) / (double(std::max<qint64>(timer.nsecsElapsed(), 1)) * 1e-9);
-}
-
 /// Why the fit is not to be run, with what it would take; empty when it may.
-std::string Refusal(const Survey &survey, bool force) {
+std::string Refusal(const Survey &survey, const FitOptions &options) {
     const FitCost cost = EstimateCost(survey);
     const QString atAll = RefuseFit(cost, gammaStep, true);
     if (!atAll.isEmpty())
         return atAll.toStdString();
-    if (force)
+    if (options.force || cost.poses < fewPoses)
         return {};
-    const double pace = MeasurePace(survey.target), seconds = cost.poses / pace;
+    const double pace = MeasurePace(survey, options.log.has_value()), seconds = cost.poses / pace;
     std::string problem = RefuseFit(cost, gammaStep, false).toStdString();
     if (problem.empty() && seconds > longestFit)
         problem = "The fit would try " + GeneralNumber(cost.poses).toStdString() + " poses.";
     if (problem.empty())
         return {};
-    return problem + " At the " + FixedNumber(pace, 0, 0).toStdString() +
-           " poses a second that this machine was just seen to score, that takes about " +
-           DurationText(seconds) + "; --force runs it.";
+    return problem + " At " + Grouped(std::uint64_t(pace)) +
+           " poses a second, measured on this machine, that takes about " + DurationText(seconds) +
+           "; --force runs it.";
 }
 
 } // namespace
@@ -102,7 +85,7 @@ Survey CheckFit(const FitOptions &options, const FitInput &input) {
     CheckTarget(options, input, survey.target);
     CheckRestraints(options, survey);
     CheckSolid(options, survey);
-    if (const std::string refusal = Refusal(survey, options.force); !refusal.empty())
+    if (const std::string refusal = Refusal(survey, options); !refusal.empty())
         throw std::runtime_error(refusal);
     return survey;
 }

@@ -32,14 +32,6 @@ QString Text(const std::string &text) {
     return QString::fromStdString(text);
 }
 
-/// A whole number with commas between groups of three digits.
-QString Count(std::uint64_t number) {
-    QString text = QString::number(number);
-    for (qsizetype i = text.size() - 3; i > 0; i -= 3)
-        text.insert(i, ',');
-    return text;
-}
-
 template <class Vector3>
 QString Triple(const Vector3 &numbers, const QString &separator, int decimals) {
     return FixedNumber(numbers[0], 0, decimals) + separator + FixedNumber(numbers[1], 0, decimals) +
@@ -111,7 +103,7 @@ void ReportSearch(const FitOptions &options, const Survey &survey) {
     PrintItem("", QString("%1 x %1 x %1 translations in steps of %2 Å")
                       .arg(steps)
                       .arg(GeneralNumber(options.translationStep)));
-    PrintItem("", QString("about %1 poses").arg(Count(std::uint64_t(cost.poses))));
+    PrintItem("", QString("about %1 poses").arg(Text(Grouped(std::uint64_t(cost.poses)))));
     Print("");
 }
 
@@ -184,8 +176,8 @@ void ReportInput(const FitOptions &options, const FitInput &input, const Survey 
 
 void ReportSolutions(const FitRecord &record, const std::vector<std::string> &written) {
     Print(QString("%1 poses in %2, %3 accepted, %4 kept\n")
-              .arg(Count(record.poses.tried), Text(DurationText(record.seconds)),
-                   Count(record.poses.accepted), Count(record.solutions.size())));
+              .arg(Text(Grouped(record.poses.tried)), Text(DurationText(record.seconds)),
+                   Text(Grouped(record.poses.accepted)), Text(Grouped(record.solutions.size()))));
     if (!record.solutions.empty()) {
         PrintTable(record);
         PrintSample(record);

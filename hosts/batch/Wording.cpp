@@ -23,6 +23,13 @@ std::string Counted(std::size_t number, const std::string &noun) {
     return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
 }
 
+std::string Grouped(std::uint64_t number) {
+    std::string text = std::to_string(number);
+    for (std::size_t i = text.size(); i > 3; i -= 3)
+        text.insert(i - 3, 1, ',');
+    return text;
+}
+
 std::string DurationText(double seconds) {
     if (seconds < 10)
         return FixedNumber(seconds, 0, 1).toStdString() + " s";

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 using namespace Batch;
 using nlohmann::json;
@@ -136,10 +135,15 @@ private:
 
 } // namespace
 
-/// The settings of the data take minutes.
-#define REQUIRE_TIME()                                                                                       \
-    if (!std::getenv("MORVANEX_FULL_CASES"))                                                                 \
-    GTEST_SKIP() << "takes minutes: set MORVANEX_FULL_CASES to run it"
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
+#define REQUIRE_SPEED()                                                                                      \
+    if (sanitized)                                                                                           \
+    GTEST_SKIP() << "takes minutes under the sanitizers"
 
 class RealFit : public testing::TestWithParam<const char *> {};
 
@@ -150,7 +154,7 @@ TEST_P(RealFit, FindsTheRightPlace) {
 
 TEST_P(RealFit, FindsTheRightPlaceWithItsFullSettings) {
     REQUIRE_TEST_DATA();
-    REQUIRE_TIME();
+    REQUIRE_SPEED();
     Case(GetParam()).ExpectFound("settings");
 }
 
@@ -160,7 +164,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, RealFit,
 
 TEST(RealFits, HoldAllPlacesOfASymmetricComplex) {
     REQUIRE_TEST_DATA();
-    REQUIRE_TIME();
+    REQUIRE_SPEED();
     const Case pentamer("tii_sym5");
     const std::vector<SolutionScore> solutions = pentamer.Fit("settings");
     for (const Transform &truth : pentamer.Truths())

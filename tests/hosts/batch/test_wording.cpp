@@ -10,6 +10,14 @@ TEST(Counted, HasOneNounForOneThing) {
     EXPECT_EQ(Counted(12, "residue"), "12 residues");
 }
 
+TEST(Grouped, HasCommasBetweenThousands) {
+    EXPECT_EQ(Grouped(0), "0");
+    EXPECT_EQ(Grouped(999), "999");
+    EXPECT_EQ(Grouped(1000), "1,000");
+    EXPECT_EQ(Grouped(3964051), "3,964,051");
+    EXPECT_EQ(Grouped(123456), "123,456");
+}
+
 TEST(DurationText, HasTheUnitsThatAPersonWouldUse) {
     EXPECT_EQ(DurationText(0), "0.0 s");
     EXPECT_EQ(DurationText(2.34), "2.3 s");
