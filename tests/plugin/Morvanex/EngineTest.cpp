@@ -1,6 +1,7 @@
 #include "EngineTest.h"
 
 #include "Parameters.h"
+#include "RandomFit.h"
 #include "ResultsFile.h"
 #include "SolutionScore.h"
 
@@ -147,6 +148,15 @@ FitOutcome EngineFit(const FitInput &input) {
         outcome.keepOut.assign(grid->Values().begin(), grid->Values().end());
     ResetEngine();
     return outcome;
+}
+
+std::string TextOfFits(unsigned seeds) {
+    std::string text;
+    for (unsigned seed = 0; seed < seeds; ++seed) {
+        const FitOutcome outcome = EngineFit(RandomFit(seed));
+        text += std::to_string(seed) + '\n' + outcome.results + outcome.log + outcome.list;
+    }
+    return text;
 }
 
 std::vector<PlainRecord> PlainSolutions() {

@@ -39,6 +39,9 @@ void LoadFit(const FitInput &input, const TemporaryFolder &folder);
 /// Runs the engine on the input: what came out of it.
 FitOutcome EngineFit(const FitInput &input);
 
+/// What the engine makes of the random fits of the seeds below `seeds`, in one text.
+std::string TextOfFits(unsigned seeds);
+
 /// The engine's `Solutions`, in the plain form.
 std::vector<PlainRecord> PlainSolutions();
 

@@ -90,26 +90,36 @@ void RealCase::Set(const TemporaryFolder &folder, const std::string &settings) {
     SetMarginal(folder, values.at("Marginal").dump());
 }
 
+Transform RealCase::Truth() const {
+    const auto [r, t] = RightAnswers(m_case).front();
+    Quaternion rotation;
+    rotation.Set(r[0], r[1], r[2], r[3]);
+    return Transform(rotation, Vertex(float(t[0]), float(t[1]), float(t[2]), false));
+}
+
 Verdict RealCase::Judge(const std::list<SolutionScore> &solutions,
                         const std::vector<TaggedPoint> &points) const {
     const std::vector<Motion> answers = RightAnswers(m_case);
+    const auto nearest = [&](const SolutionScore &solution) {
+        double rmsd = INFINITY;
+        for (const Motion &answer : answers)
+            rmsd = std::min(rmsd, Rmsd(ToMotion(solution), answer, points));
+        return rmsd;
+    };
     const double tolerance = m_case.at("tolerance_rmsd");
     Verdict verdict;
     verdict.foundAt.resize(answers.size());
     std::size_t rank = solutions.size();
     for (const SolutionScore &solution : solutions) { // the worst first
-        double nearest = INFINITY;
-        for (std::size_t i = 0; i < answers.size(); ++i) {
-            const double rmsd = Rmsd(ToMotion(solution), answers[i], points);
-            nearest = std::min(nearest, rmsd);
-            if (rmsd <= tolerance)
-                verdict.foundAt[i] = rank;
-        }
-        if (nearest <= tolerance)
-            verdict.firstWithin = rank;
-        verdict.firstRmsd = nearest;
+        for (std::size_t i = 0; i < answers.size(); ++i)
+            if (Rmsd(ToMotion(solution), answers[i], points) <= tolerance)
+                verdict.firstWithin = verdict.foundAt[i] = rank;
         --rank;
     }
+    SolutionScore rounded;
+    rounded.setFromLine(solutions.back().getLine());
+    verdict.firstRmsd = nearest(solutions.back());
+    verdict.firstRmsdFromFile = nearest(rounded);
     return verdict;
 }
 

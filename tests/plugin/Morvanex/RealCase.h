@@ -19,8 +19,9 @@ double Rmsd(const Motion &a, const Motion &b, const std::vector<TaggedPoint> &po
 
 /// How good a list of solutions is.
 struct Verdict {
-    double firstRmsd = 0;        ///< Å, of the best solution from the nearest right answer
-    std::size_t firstWithin = 0; ///< rank of the best solution within the tolerance; 0 where there is none
+    double firstRmsd = 0;         ///< Å, of the best solution from the nearest right answer
+    double firstRmsdFromFile = 0; ///< the same after a results file has rounded the solution
+    std::size_t firstWithin = 0;  ///< rank of the best solution within the tolerance; 0 where there is none
     std::vector<std::size_t> foundAt; ///< the same for each right answer
 };
 
@@ -34,6 +35,7 @@ public:
     void Load(const TemporaryFolder &folder, const std::string &structure = {});
     /// Makes these settings ("settings", "settings_quick") the engine's parameters.
     void Set(const TemporaryFolder &folder, const std::string &settings);
+    Transform Truth() const;
     Verdict Judge(const std::list<SolutionScore> &solutions, const std::vector<TaggedPoint> &points) const;
 
 private:

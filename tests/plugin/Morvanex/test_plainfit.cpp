@@ -2,6 +2,8 @@
 #include "Messages.h"
 #include "RandomFit.h"
 
+#include <QProcess>
+
 namespace {
 
 /// What the fits of a run of seeds had in them, so that no kind of fit goes missing unnoticed.
@@ -21,6 +23,11 @@ void Compare(const FitInput &input, Tally &tally) {
     ASSERT_EQ(engine.log, plain.log);
     ASSERT_EQ(engine.results, plain.results);
     ASSERT_EQ(engine.list, plain.list);
+    if (input.logging) { // without a log the search may take another way to the same list
+        FitInput silent = input;
+        silent.logging = false;
+        ASSERT_EQ(EngineFit(silent).list, plain.list);
+    }
     tally.collided += !plain.keepOut.empty();
     tally.cancelled += !plain.finished;
     tally.restrained += plain.log.find('\n') != std::string::npos && plain.log.find('\n') > 65;
@@ -42,6 +49,17 @@ TEST(PlainFit, AgreesWithTheEngineByteForByte) {
     EXPECT_GT(tally.restrained, 20);
     EXPECT_GT(tally.trimmed, 20);
     EXPECT_GT(tally.dropped, 20);
+}
+
+TEST(Optimisation, DoesNotChangeAByteOfAFit) {
+    const Messages quiet;
+    QProcess unoptimised;
+    unoptimised.start(FITS_UNOPTIMISED, {"150"});
+    ASSERT_TRUE(unoptimised.waitForFinished(300000));
+    ASSERT_EQ(unoptimised.exitStatus(), QProcess::NormalExit);
+    const std::string printed = unoptimised.readAllStandardOutput().toStdString();
+    EXPECT_GT(printed.size(), 100000u);
+    EXPECT_TRUE(printed == TextOfFits(150));
 }
 
 TEST(PlainFit, AgreesOnATargetWithoutAnyPosition) {

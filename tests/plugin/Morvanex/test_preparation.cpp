@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Listener.h"
 #include "Messages.h"
 #include "Parameters.h"
 
@@ -59,21 +60,6 @@ Target TargetOf(const std::vector<PlainResidue> &residues, const std::vector<Res
 Solid SolidOf(const std::vector<Point> &positions, const Vertex &centre = V(0, 0, 0), float distance = 1000) {
     return CollectSolid(ResiduesOf(AddChain(ResiduesAt(positions))), centre, distance);
 }
-
-/// The subscriber that counts notices of additions.
-class Listener : public VARNO::Subscriber {
-public:
-    Listener() { Space::instance()->Changes().Subscribe(this); }
-    ~Listener() override { Space::instance()->Changes().Unsubscribe(this); }
-    void Notify(const VARNO::DataPointBase &notice) override {
-        for (const Compound *node : notice.GetNodes())
-            added.push_back(node->GetName());
-        ++notices;
-    }
-
-    std::vector<std::string> added;
-    int notices = 0;
-};
 
 } // namespace
 
@@ -208,8 +194,9 @@ TEST_F(PreparationTest, TheKeepOutGridIsAddedToTheModelInOneNotice) {
     const Solid solid = SolidOf({{0, 10, -7}, {0, 13, 20}});
     const Listener listener;
     const Grid *grid = BuildKeepOut(solid);
-    EXPECT_EQ(listener.notices, 1);
-    EXPECT_THAT(listener.added, ElementsAre("GridFix"));
+    ASSERT_THAT(listener.notices, SizeIs(1));
+    EXPECT_EQ(listener.notices[0].action, VARNO::Publisher::Addition);
+    EXPECT_THAT(listener.notices[0].nodes, ElementsAre(grid));
     EXPECT_EQ(grid->GetParent(), Space::instance());
     EXPECT_EQ(grid->GetName(), "GridFix");
     EXPECT_EQ(grid->Spacing(), (VARNO::Vector<float, 3>(2, 2, 2)));

@@ -3,10 +3,9 @@
 #include "Parameters.h"
 #include "RealCase.h"
 #include "ResultsFile.h"
+#include "Scoring.h"
 #include "StructureFile.h"
 #include "TestData.h"
-
-#include "DataMaker.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>
@@ -15,12 +14,13 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::Gt;
-using VARNO::DataMaker;
+using testing::Lt;
 
 namespace {
 
@@ -31,11 +31,58 @@ std::string ResultsText() {
     return buffer.data().toStdString();
 }
 
+/// The density of the moved points, each a Gaussian of 2.5 Å, in a box that begins at an odd place and has
+/// another spacing along each axis.
+PlainMap Density(const std::vector<TaggedPoint> &points, const Transform &pose) {
+    PlainMap map{{45, 38, 33}, {}, {1.7f, 2.1f, 2.4f}, {}};
+    Point centre = {0, 0, 0};
+    for (const auto &[p, tag] : points)
+        for (const unsigned i : {0u, 1u, 2u})
+            centre[i] += (pose * p)[i] / float(points.size());
+    for (const unsigned i : {0u, 1u, 2u})
+        map.origin[i] = std::round(centre[i]) - map.spacing[i] * float(map.size[i]) / 2 + 0.37f;
+    for (unsigned k = 0; k < map.size[2]; ++k)
+        for (unsigned j = 0; j < map.size[1]; ++j)
+            for (unsigned i = 0; i < map.size[0]; ++i) {
+                const Vertex voxel(map.origin[0] + float(i) * map.spacing[0],
+                                   map.origin[1] + float(j) * map.spacing[1],
+                                   map.origin[2] + float(k) * map.spacing[2], false);
+                double density = 0;
+                for (const auto &[p, tag] : points)
+                    density += std::exp(-double((voxel - pose * p).SquaredLength()) / (2 * 2.5 * 2.5));
+                map.values.push_back(float(density));
+            }
+    return map;
+}
+
+/// A map file of the moved points whose sections run along y, its rows along x and its columns along z.
+std::string WriteTurnedMap(const TemporaryFolder &folder, const std::vector<TaggedPoint> &points,
+                           const Transform &pose) {
+    constexpr std::size_t header = 1024;
+    const Grid *grid = AddMap(Density(points, pose));
+    const std::string file = folder.File("simulated.mrc");
+    VARNO::WriteMap(file, *grid, "simulated");
+    const std::string straight = ReadFile(file);
+    std::string turned = straight.substr(0, header);
+    const auto &size = grid->Dimensions();
+    const std::int32_t order[] = {3, 1, 2};
+    for (const std::size_t word : {0u, 1u, 2u}) {
+        const auto count = std::int32_t(size[std::size_t(order[word]) - 1]);
+        std::memcpy(&turned[4 * word], &count, 4);
+        std::memcpy(&turned[4 * (16 + word)], &order[word], 4);
+    }
+    for (std::size_t y = 0; y < size[1]; ++y)
+        for (std::size_t x = 0; x < size[0]; ++x)
+            for (std::size_t z = 0; z < size[2]; ++z)
+                turned += straight.substr(header + 4 * (x + size[0] * (y + size[1] * z)), 4);
+    return folder.Write("turned.mrc", turned);
+}
+
 class RealFits : public EngineTest {
 protected:
     void SetUp() override { REQUIRE_TEST_DATA(); }
 
-    /// Runs the case at these settings, prints what came out, and expects what the case expects.
+    /// Runs the loaded case, prints what came out, and expects what the case expects.
     Verdict Fit(const RealCase &real, const std::string &settings, const std::string &checkSearch);
 
     const Messages messages;
@@ -53,17 +100,16 @@ Verdict RealFits::Fit(const RealCase &real, const std::string &settings, const s
     EXPECT_TRUE(std::ranges::is_sorted(Solutions, {}, &SolutionScore::score));
     const Verdict verdict = real.Judge(Solutions, monitor.fit.target.points);
     const auto &description = real.Description();
-    std::printf("%-15s %-14s first RMSD %5.2f Å, rank %zu, score %.3f, %llu poses, %llu accepted, %.1f s",
-                description.at("name").get<std::string>().c_str(), settings.c_str(), verdict.firstRmsd,
-                verdict.firstWithin, Solutions.back().score, static_cast<unsigned long long>(counts.tried),
+    std::printf("%-14s first RMSD %.2f Å, from a results file %.2f Å, rank %zu, score %.3f, %llu poses, %llu "
+                "accepted, %.1f s\n",
+                settings.c_str(), verdict.firstRmsd, verdict.firstRmsdFromFile, verdict.firstWithin,
+                Solutions.back().score, static_cast<unsigned long long>(counts.tried),
                 static_cast<unsigned long long>(counts.accepted), seconds);
     if (description.contains(checkSearch)) {
-        const double score = description.at(checkSearch).at("top_score");
-        std::printf("; check search: %.2f Å, score %.3f\n",
-                    description.at(checkSearch).at("top1_rmsd").get<double>(), score);
-        EXPECT_NEAR(Solutions.back().score, score, 0.01 * score);
-    } else {
-        std::puts("");
+        const auto &check = description.at(checkSearch);
+        EXPECT_NEAR(Solutions.back().score, check.at("top_score").get<double>(), 0.001);
+        EXPECT_NEAR(verdict.firstRmsd, check.at("top1_rmsd").get<double>(), 0.01);
+        EXPECT_NEAR(verdict.firstRmsdFromFile, check.at("top1_rmsd_from_rounded_file").get<double>(), 0.01);
     }
     EXPECT_GE(verdict.firstWithin, 1u);
     EXPECT_LE(verdict.firstWithin, description.at("expect").at("rank").get<std::size_t>());
@@ -72,23 +118,121 @@ Verdict RealFits::Fit(const RealCase &real, const std::string &settings, const s
 
 } // namespace
 
-TEST_P(EveryRealFit, FindsTheTruePlace) {
+TEST_P(EveryRealFit, FindsTheTruePlaceAtQuickSettings) {
     RealCase real(GetParam());
+    if (!real.Description().contains("settings_quick"))
+        GTEST_SKIP() << "the case has no quick settings";
     real.Load(folder);
-    const bool quick = real.Description().contains("settings_quick");
-    real.Set(folder, quick ? "settings_quick" : "settings");
-    Fit(real, quick ? "settings_quick" : "settings", quick ? "check_search_quick" : "check_search");
+    real.Set(folder, "settings_quick");
+    Fit(real, "settings_quick", "check_search_quick");
 }
 
 TEST_P(EveryRealFit, FindsTheTruePlaceAtFullSettings) {
-    if (!std::getenv("MORVANEX_FULL_FITS"))
-        GTEST_SKIP() << "set MORVANEX_FULL_FITS to run";
     RealCase real(GetParam());
     real.Load(folder);
     real.Set(folder, "settings");
     Fit(real, "settings", "check_search");
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, EveryRealFit, testing::ValuesIn(CaseNames()), [](const auto &test) {
-    return test.param.front() == '1' ? "pdb" + test.param : test.param;
-});
+INSTANTIATE_TEST_SUITE_P(Cases, EveryRealFit, testing::ValuesIn(CaseNames()),
+                         [](const auto &test) { return "of_" + test.param; });
+
+TEST_F(RealFits, AllFiveCopiesAreAmongTheBest) {
+    RealCase real("tii_sym5");
+    real.Load(folder);
+    real.Set(folder, "settings"); // the quick ones are too coarse to come within the tolerance of all five
+    EXPECT_TRUE(RunFit(monitor));
+    EXPECT_EQ(Solutions.size(), 1000u);
+    const Verdict verdict = real.Judge(Solutions, monitor.fit.target.points);
+    EXPECT_EQ(verdict.foundAt.size(), 5u);
+    EXPECT_THAT(verdict.foundAt, Each(Gt(0u)));
+}
+
+TEST_F(RealFits, OneByOneThePosesScoreTheSame) {
+    for (const char *name : {"1z5s_C_solid", "ubi_restraints"}) {
+        RealCase real(name);
+        real.Load(folder);
+        real.Set(folder, "settings_quick");
+        EXPECT_TRUE(RunFit(monitor));
+        const std::string list = FullPrecision(PlainSolutions());
+        Solutions.clear();
+        EXPECT_TRUE(RunFit(monitor, nullptr, {.poseByPose = true}));
+        EXPECT_EQ(FullPrecision(PlainSolutions()), list) << name;
+    }
+}
+
+TEST_F(RealFits, PdbAndMmcifFilesOfOneModelGiveTheSameBytes) {
+    for (const char *name : {"1z5s_C_solid", "ubi_restraints", "ake_10A"}) {
+        RealCase real(name);
+        real.Load(folder);
+        real.Set(folder, "settings_quick");
+        EXPECT_TRUE(RunFit(monitor));
+        const std::string fromPdb = ResultsText(), list = FullPrecision(PlainSolutions());
+        const std::string mmcif = folder.File("model.cif");
+        VARNO::WriteStructure(mmcif, VARNO::StructureFormat::Mmcif, m_Target->GetParent());
+        real.Load(folder, mmcif);
+        real.Set(folder, "settings_quick");
+        EXPECT_TRUE(RunFit(monitor));
+        EXPECT_EQ(ResultsText(), fromPdb) << name;
+        EXPECT_EQ(FullPrecision(PlainSolutions()), list) << name;
+    }
+}
+
+TEST_F(RealFits, RestraintsTellHowFarTheBestPoseIsFromThem) {
+    RealCase real("ubi_restraints");
+    real.Load(folder);
+    real.Set(folder, "settings");
+    EXPECT_TRUE(RunFit(monitor));
+    const auto expected =
+        real.Description().at("restraint_distances").at("at_check_search_top1").get<std::vector<double>>();
+    EXPECT_THAT(Solutions.back().extraScores, testing::Pointwise(testing::DoubleNear(0.005001), expected));
+    std::vector<double> atTheTruth(4);
+    Score(monitor.fit.target.restraints, real.Truth(), atTheTruth);
+    EXPECT_THAT(atTheTruth, Each(Lt(0.01)));
+}
+
+TEST_F(RealFits, AnOddRestraintsFileGivesItsPairsInTheOrderOfResidues) {
+    RealCase real("ubi_restraints");
+    const auto fit = [&](const char *file) {
+        real.Load(folder);
+        real.Set(folder, "settings_quick");
+        re_fname = QString::fromStdString(TestDataFolder() + "/cases/ubi_restraints/" + file);
+        EXPECT_TRUE(RunFit(monitor));
+        return PlainSolutions();
+    };
+    const std::vector<PlainRecord> plain = fit("restraints.txt"), odd = fit("restraints_odd.txt");
+    std::vector<float> preferred;
+    for (const auto &[position, point] : monitor.fit.target.restraints)
+        preferred.push_back(position[0]);
+    EXPECT_THAT(preferred, ElementsAre(27.69f, 10.5f, 33.59f, 21.61f, 26.19f));
+    EXPECT_THAT(messages.Debug(), Contains("Extra scores 6"));
+    ASSERT_EQ(plain.size(), odd.size());
+    for (std::size_t i = 0; i < plain.size(); ++i) { // restraints do not enter the score
+        EXPECT_EQ(odd[i].score, plain[i].score);
+        EXPECT_EQ(odd[i].translation, plain[i].translation);
+        ASSERT_EQ(odd[i].extraScores.size(), 5u);
+        EXPECT_THAT(plain[i].extraScores, ElementsAre(odd[i].extraScores[0], odd[i].extraScores[2],
+                                                      odd[i].extraScores[3], odd[i].extraScores[4]));
+    }
+}
+
+TEST_F(RealFits, ASimulatedMapOfAKnownPoseGivesThePoseBack) {
+    RealCase real("ubi_restraints");
+    real.Load(folder);
+    real.Set(folder, "settings_quick");
+    const Target target = CollectTarget(m_Target, {});
+    const double angle = PlainAngles(gammaStep)[6];
+    const Point axis = PlainAxes(Axis)[17];
+    Quaternion rotation;
+    rotation.Set(angle, Vertex(axis.data(), false));
+    const Vertex offset(float(2 * Step), float(-Step), float(Step), false);
+    Vertex translation;
+    translation = (target.centre - rotation * target.centre) + offset;
+    m_Map = VARNO::ReadMap(WriteTurnedMap(folder, target.points, Transform(rotation, translation)));
+    EXPECT_TRUE(RunFit(monitor));
+    EXPECT_EQ(Solutions.back().translation, translation);
+    EXPECT_EQ(Solutions.back().rotation.w(), rotation.w());
+    EXPECT_EQ(Solutions.back().rotation.x(), rotation.x());
+    EXPECT_EQ(Solutions.back().rotation.y(), rotation.y());
+    EXPECT_EQ(Solutions.back().rotation.z(), rotation.z());
+}
