@@ -39,6 +39,18 @@ function(morvanex_library name kind)
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE morvanex_flags ${ARG_PRIVATE_LINK})
 endfunction()
 
+# morvanex_plugin(name OUTPUT_NAME name SOVERSION n SOURCES ... EXPORTS version-script LINK ...): a shared library that
+# exports what the version script names and nothing else, and that stays mapped until the process ends, however it
+# was loaded.
+function(morvanex_plugin name)
+    cmake_parse_arguments(ARG "" "OUTPUT_NAME;SOVERSION;EXPORTS" "SOURCES;LINK" ${ARGN})
+    add_library(${name} SHARED ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES OUTPUT_NAME ${ARG_OUTPUT_NAME} SOVERSION ${ARG_SOVERSION}
+                                             LINK_DEPENDS ${ARG_EXPORTS})
+    target_link_libraries(${name} PRIVATE morvanex_flags ${ARG_LINK})
+    target_link_options(${name} PRIVATE -Wl,--version-script=${ARG_EXPORTS} -Wl,-z,nodelete)
+endfunction()
+
 # morvanex_program(name SOURCES ... LINK ...)
 function(morvanex_program name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})

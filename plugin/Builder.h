@@ -1,0 +1,13 @@
+#pragma once
+
+#include "SolutionScore.h"
+
+/// Whether there is a target to build from; said on the warning channel when none is chosen, or when the one
+/// chosen has been removed from the model.
+bool HasTarget();
+
+/// Adds a copy of the target in the solution's pose to the model: a clump "MVX_<molecule>_<number>" with one
+/// molecule that holds the residues, their atoms at rotation·p + translation, and a bond from "C" of each
+/// residue to "N" of the next. The pose applies to the target as it stands in the model now. Call it within
+/// an open batch of additions, and with a target.
+void BuildSolution(const SolutionScore &solution, int number);

@@ -1,0 +1,61 @@
+#include "ResultsStorage.h"
+
+#include "ResultsFile.h"
+
+#include <QBuffer>
+#include <QFileDevice>
+#include <QFileInfo>
+
+namespace {
+
+constexpr qint64 largestFile = qint64(64) << 20;
+
+void Warn(const QString &file, const QString &problem) {
+    qWarning("%s: %s", qUtf8Printable(file), qUtf8Printable(problem));
+}
+
+/// Opens a regular file, or a new one. A pipe or a device may wait for ever, or never end.
+bool OpenRegular(QFile &file, QIODevice::OpenMode mode) {
+    const QFileInfo info(file);
+    if (info.exists() && !info.isFile())
+        Warn(file.fileName(), "not a regular file");
+    else if (!file.open(mode))
+        Warn(file.fileName(), file.errorString());
+    return file.isOpen();
+}
+
+void TellSkipped(const QString &file, const std::vector<qint64> &lines) {
+    if (!lines.empty())
+        Warn(file, QString("skipped %1 lines with fewer than eight words, the first of them line %2")
+                       .arg(lines.size())
+                       .arg(lines.front()));
+}
+
+} // namespace
+
+std::list<SolutionScore> LoadResults(const QString &name) {
+    QFile file(name);
+    if (name.isNull() || !OpenRegular(file, QIODevice::ReadOnly))
+        return {};
+    const qint64 size = file.size();
+    if (size > largestFile) {
+        Warn(name, QString("%1 bytes; a results file has at most %2").arg(size).arg(largestFile));
+        return {};
+    }
+    // No more than was there at first: another program may still be writing.
+    QByteArray bytes = file.read(size);
+    QBuffer text(&bytes);
+    text.open(QIODevice::ReadOnly);
+    ResultsRead read = ReadResults(text);
+    TellSkipped(name, read.skippedLines);
+    return std::move(read.solutions);
+}
+
+void SaveResults(const QString &name, const std::list<SolutionScore> &solutions) {
+    QFile file(name);
+    if (name.isNull() || !OpenRegular(file, QIODevice::WriteOnly))
+        return;
+    WriteResults(file, solutions);
+    if (!file.flush())
+        Warn(name, file.errorString());
+}

@@ -1,0 +1,24 @@
+#include "Session.h"
+
+#include "StartFit.h"
+
+#include "CheckPointer.h"
+
+Morvanex::Morvanex()
+    : dialog(new StartFit(nullptr, nullptr, false, {})) {
+    VARNO::CheckPointer(dialog, "Morvanex", 76);
+    dialog->GetConfig();
+    dialog->show();
+    dialog->raise();
+}
+
+Morvanex::~Morvanex() {
+    dialog->close();
+    dialog->DeleteWhenIdle();
+    qDebug("Morvanex has left the building.");
+}
+
+void Morvanex::replay() {
+    dialog->show();
+    dialog->raise();
+}
