@@ -26,8 +26,6 @@ bool IsMap(const std::string &file) {
     if (!std::filesystem::is_regular_file(file))
         throw FileError(file, "",
                         "must be a regular file: it is looked at first, and then read from its start");
-    if (size == 0)
-        throw FileError(file, "", "is empty");
     return std::any_of(start.begin(), start.begin() + size, [](char c) {
         return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r');
     });

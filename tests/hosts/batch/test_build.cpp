@@ -1,4 +1,5 @@
 #include "CommandFixture.h"
+#include "Process.h"
 
 #include "Collect.h"
 #include "FitJson.h"
@@ -174,11 +175,15 @@ TEST_F(Build, DoesNotWriteOverItsInputsNorWhereItCannot) {
     EXPECT_THAT(ErrorOf(Words("1,1")), HasSubstr("out-1.pdb"));
 }
 
-TEST_F(Build, NoticesAFullDisk) {
-    m_out = "/dev/full";
-    const Outcome outcome = Run(Words("1"));
+TEST_F(Build, LeavesTheOldModelWhereTheDiskIsFull) {
+    m_folder.Write("out.pdb", "old");
+    const ::Outcome outcome = RunProgramProcess(Words("1"), 100);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("No space left on device"));
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr(m_out + ": "), HasSubstr("File too large")));
+    EXPECT_EQ(ReadFile(m_out), "old");
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("fit.txt", "in.pdb", "out.pdb"));
+    m_out = "/dev/full";
+    EXPECT_THAT(Run(Words("1")).errors, HasSubstr("No space left on device"));
 }
 
 TEST_F(Build, RefusesAPlaceThatPdbCannotHold) {

@@ -111,9 +111,9 @@ TEST_F(SavedLists, SkippedLinesAreNamed) {
 
 TEST_F(SavedLists, ALineWithLettersKeepsItsRankAndIsNotBuilt) {
     const std::string letters = "a b c d e f g hh\n";
-    EXPECT_THAT(Read(worst + letters + best).doubtful, ElementsAre(Pair(2, 2)));
-    EXPECT_EQ(ErrorOfRank(worst + letters + best, 2), "list: rank 2: line 2 holds a word that is no number");
-    EXPECT_EQ(ErrorOfRank(worst + letters + best, 3), "no error");
+    EXPECT_THAT(Read(letters + worst + best).doubtful, ElementsAre(Pair(3, 1)));
+    EXPECT_EQ(ErrorOfRank(letters + worst + best, 3), "list: rank 3: line 1 holds a word that is no number");
+    EXPECT_EQ(ErrorOfRank(letters + worst + best, 1), "no error");
     EXPECT_EQ(ErrorOfRank(worst + "nan 0 0 0 0 0 0 0.00\n", 1),
               "list: rank 1: its pose holds a number that is not finite");
 }

@@ -1,4 +1,5 @@
 #include "CommandFixture.h"
+#include "Process.h"
 
 #include "MapFile.h"
 
@@ -125,9 +126,13 @@ TEST_F(Simulate, DoesNotWriteOverTheModelNorWhereItCannot) {
     EXPECT_THAT(ErrorOf(Words("8", "2")), HasSubstr("No such file"));
 }
 
-TEST_F(Simulate, NoticesAFullDisk) {
-    m_out = "/dev/full";
-    const Outcome outcome = Run(Words("8", "2"));
+TEST_F(Simulate, LeavesTheOldMapWhereTheDiskIsFull) {
+    m_folder.Write("out.mrc", "old");
+    const ::Outcome outcome = RunProgramProcess(Words("8", "2"), 5000);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("No space left on device"));
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr(m_out + ": "), HasSubstr("File too large")));
+    EXPECT_EQ(ReadFile(m_out), "old");
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb", "out.mrc"));
+    m_out = "/dev/full";
+    EXPECT_THAT(Run(Words("8", "2")).errors, HasSubstr("No space left on device"));
 }
