@@ -15,9 +15,9 @@ enum class Value { None, Text, Integer, Number };
 struct Option {
     std::string name; ///< "--rotation-step"
     Value value = Value::None;
-    std::string valueName;   ///< "DEG"; empty without a value
-    std::string help;        ///< what it does, with the unit; a sentence or two without the last full stop
-    std::string defaultText; ///< what holds where it is not given; empty where there is nothing to say
+    std::string valueName = {}; ///< "DEG"; empty without a value
+    std::string help = {};      ///< what it does, with the unit; a sentence or two without the last full stop
+    std::string defaultText = {}; ///< what holds where it is not given; empty where there is nothing to say
     bool required = false;
     bool repeatable = false;
     std::string heading = {}; ///< begins a group of options in the help
@@ -25,12 +25,12 @@ struct Option {
 
 /// A subcommand of the program: one file each.
 struct Command {
-    std::string name;            ///< "fit"
-    std::string summary;         ///< one line for the list of commands
-    std::string description;     ///< paragraphs for its help, separated by empty lines
-    std::vector<Option> options; ///< in the order in which the help shows them
-    std::string operand = {};    ///< name of the one argument that is no option, "FILE"; empty: there is none
-    std::string example = {};    ///< one command line
+    std::string name;                 ///< "fit"
+    std::string summary;              ///< one line for the list of commands
+    std::string description;          ///< paragraphs for its help, separated by empty lines
+    std::vector<Option> options = {}; ///< in the order in which the help shows them
+    std::string operand = {}; ///< name of the one argument that is no option, "FILE"; empty: there is none
+    std::string example = {}; ///< one command line
     int (*run)(const Arguments &) = nullptr; ///< returns the exit status; throws what main reports
 };
 

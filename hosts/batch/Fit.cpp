@@ -8,6 +8,7 @@
 #include "FitReport.h"
 #include "Interrupt.h"
 #include "RestraintsCheck.h"
+#include "Wording.h"
 
 #include "Config.h"
 #include "FileError.h"
@@ -24,6 +25,8 @@ void SetParameters(const FitOptions &options, const FitInput &input) {
     Step = options.translationStep;
     TCount = options.translationSteps;
     top_size = options.keep;
+    logging = false;
+    em_fname.clear();
     restraints = options.restraints.has_value();
     re_fname = QString::fromStdString(options.restraints.value_or(""));
     m_Target = input.target;
@@ -32,7 +35,7 @@ void SetParameters(const FitOptions &options, const FitInput &input) {
     VARNO::Config::Override("Morvanex", "Marginal", options.inclusionDistance);
 }
 
-/// The log comes last: a search empties its file, and one is run to measure the pace.
+/// The log comes last: a search empties its file, and one may be run before to measure the pace.
 void SetLog(const FitOptions &options) {
     logging = options.log.has_value();
     em_fname = QString::fromStdString(options.log.value_or(""));
@@ -59,6 +62,9 @@ bool Deliver(const FitRecord &record, const FitInput &input) {
     const auto [written, errors] = WriteFitOutputs(record, Solutions, input.target, input.targetFormat);
     if (record.poses.accepted == 0)
         Warn("no pose was accepted: the target runs into the solid everywhere");
+    if (std::size_t(record.options.models) > record.solutions.size())
+        Warn(Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
+             Counted(record.solutions.size(), "solution") + " kept");
     ReportSolutions(record, written);
     for (const std::string &error : errors)
         ReportError(error);
@@ -100,21 +106,16 @@ Command FitCommand() {
     return {
         .name = "fit",
         .summary = "fit a chain of a structure into a density map",
-        .description = "Searches all rotations of the target chain about its centre, each at every "
-                       "translation of a cube "
-                       "around its start position, for the poses with the highest sum of density at its "
-                       "residues. A pose is "
-                       "left out where the target runs into the solid.\n\n"
-                       "What was read and a table of the ten best poses go to standard output. Progress goes "
-                       "to standard "
-                       "error: a bar on a terminal, else a line for every tenth of the search. Ctrl-C stops "
-                       "at the end of the "
-                       "current axis and writes what was found by then (exit status 130); a second Ctrl-C "
-                       "ends at once and "
-                       "leaves no file but the log.\n\n"
-                       "What is not given comes from section Morvanex of the settings file varno/varno.ini "
-                       "in the user's "
-                       "configuration folder, or as shipped.",
+        .description =
+            "Searches all rotations of the target chain about its centre, each at every translation of "
+            "a cube around its start position, for the poses with the highest sum of density at its "
+            "residues. A pose is left out where the target runs into the solid.\n\n"
+            "What was read and a table of the ten best poses go to standard output. Progress goes to "
+            "standard error: a bar on a terminal, else a line for every tenth of the search. Ctrl-C "
+            "stops at the end of the current axis and writes what was found by then (exit status 130); "
+            "a second Ctrl-C ends at once and leaves no file but the log.\n\n"
+            "What is not given comes from section Morvanex of the settings file varno/varno.ini in the "
+            "user's configuration folder, or as shipped.",
         .options = FitOptionTable(),
         .example = "morvanex fit --map map.mrc --target model.pdb --chain D --models 3",
         .run = Run,

@@ -95,6 +95,11 @@ void ReportRestraints(const FitOptions &options, const Survey &survey) {
     PrintItem("", Text(Counted(survey.target.restraints.size(), "restraint")) + " on residues of the target");
 }
 
+/// A number of poses, which need not fit an integer.
+QString PoseNumber(double poses) {
+    return poses < 1e15 ? Text(Grouped(std::uint64_t(poses))) : GeneralNumber(poses);
+}
+
 void ReportSearch(const FitOptions &options, const Survey &survey) {
     const FitCost cost = EstimateCost(survey);
     const int steps = OddCount(options.translationSteps);
@@ -103,7 +108,7 @@ void ReportSearch(const FitOptions &options, const Survey &survey) {
     PrintItem("", QString("%1 x %1 x %1 translations in steps of %2 Å")
                       .arg(steps)
                       .arg(GeneralNumber(options.translationStep)));
-    PrintItem("", QString("about %1 poses").arg(Text(Grouped(std::uint64_t(cost.poses)))));
+    PrintItem("", QString("about %1 poses").arg(PoseNumber(cost.poses)));
     Print("");
 }
 
@@ -145,9 +150,8 @@ void PrintTable(const FitRecord &record) {
                  unsorted);
     }
     if (unsorted)
-        Print("\nFewer solutions than were to be kept: the results file is in the order of the search, and "
-              "ranks\n"
-              "in it, counted from its end, differ.");
+        Print("\nFewer solutions than were to be kept: the results file is in the order of the search,\n"
+              "and ranks in it, counted from its end, differ.");
 }
 
 void PrintSample(const FitRecord &record) {
@@ -159,7 +163,7 @@ void PrintSample(const FitRecord &record) {
                                     .arg(used)
                                     .arg(size)
                               : QString("%1 poses spread evenly over the search:").arg(size);
-    Print(QString("\nScores are compared with %1\nmean %2, standard deviation (SD) %3.\n")
+    Print(QString("\nScores are compared with %1\nmean %2, standard deviation (SD) %3.")
               .arg(which, GeneralNumber(record.sample.mean), GeneralNumber(record.sample.deviation)));
 }
 
@@ -183,7 +187,7 @@ void ReportSolutions(const FitRecord &record, const std::vector<std::string> &wr
         PrintSample(record);
     }
     for (const std::string &line : written)
-        Print("Wrote " + Text(line));
+        Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));
 }
 
 } // namespace Batch

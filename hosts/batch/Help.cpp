@@ -124,7 +124,7 @@ std::string RoffCommand(const Command &command) {
         page += '\n' + Roff(Explanation(option)) + '\n';
     }
     if (!command.example.empty())
-        page += ".PP\nExample:\n.PP\n.RS\n" + Roff(command.example) + "\n.RE\n";
+        page += ".PP\nExample:\n.PP\n.EX\n" + Roff(command.example) + "\n.EE\n";
     return page;
 }
 
@@ -161,6 +161,8 @@ std::string CommandHelp(const Command &command) {
 
 std::string ManualPage(const std::vector<Command> &commands) {
     std::string page = ".TH MORVANEX 1 \"\" \"Morvanex " MORVANEX_VERSION "\" \"User Commands\"\n"
+                       // Option names must not be broken at their dashes.
+                       ".nh\n.ad l\n"
                        ".SH NAME\nmorvanex \\- " +
                        Roff(programSummary) +
                        "\n.SH SYNOPSIS\n.B morvanex\n.I command\n.RI [ options ]\n"

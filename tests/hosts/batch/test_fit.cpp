@@ -156,7 +156,9 @@ TEST_F(Fit, MovesTheWholeTargetByThePose) {
 }
 
 TEST_F(Fit, WritesNoMoreModelsThanAreKept) {
-    EXPECT_EQ(RunFit({"--keep", "10", "--models", "200", "--model-prefix", File("m-")}).status, 0);
+    const Outcome outcome = RunFit({"--keep", "10", "--models", "200", "--model-prefix", File("m-")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("warning: 200 models were asked for, only 10 solutions kept\n"));
     EXPECT_TRUE(std::filesystem::exists(File("m-01.pdb")));
     EXPECT_TRUE(std::filesystem::exists(File("m-10.pdb")));
     EXPECT_EQ(Contents().size(), 12u);
