@@ -39,7 +39,8 @@ std::vector<std::string> OutputFiles(const std::filesystem::path &out, const std
     std::vector<std::string> files;
     for (const long rank : ranks) {
         std::filesystem::path name = out.stem();
-        name += "-" + std::to_string(rank);
+        name += "-";
+        name += std::to_string(rank);
         name += out.extension();
         files.push_back(out.parent_path() / name);
     }

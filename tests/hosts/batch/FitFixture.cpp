@@ -65,7 +65,7 @@ void WriteTestMap(const std::string &file) {
 } // namespace
 
 const std::vector<std::string> FitFixture::longSearch{
-    "--axis", "1", "--rotation-step", "5", "--translation-steps", "15", "--translation-step", "0.5"};
+    "--axis", "3", "--rotation-step", "5", "--translation-steps", "25", "--translation-step", "0.3"};
 
 FitFixture::FitFixture()
     : m_chainA(ChainRecords('A', {20, 20, 20}))

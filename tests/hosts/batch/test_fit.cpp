@@ -208,12 +208,25 @@ TEST_F(Fit, TellsTurnAndDisplacementFromTheStart) {
     // One pose: the start itself.
     const Outcome still = RunFit({"--translation-steps", "1", "--rotation-step", "360", "--keep", "1"});
     EXPECT_THAT(still.output, ContainsRegex("\n   1 +[0-9.]+ +- +0\\.0 +0\\.00\n"));
-    // Turns of 90 and 180 degrees about the centre, which stays where it is.
-    const Outcome turned = RunFit({"--translation-steps", "1", "--rotation-step", "90", "--keep", "10"});
+    // Turns about the centre, which stays where it is; one by 240 degrees is one by 120.
+    const Outcome turned =
+        RunFit({"--quiet", "--translation-steps", "1", "--rotation-step", "240", "--keep", "7"});
+    std::size_t rows = 0;
     for (const std::string &line : Lines(turned.output))
-        if (line.starts_with("   1 ") || line.starts_with("   2 ")) {
-            EXPECT_THAT(line, ContainsRegex(" (0\\.0|90\\.0|180\\.0) +0\\.00$"));
+        if (line.starts_with("   ") && ++rows) {
+            EXPECT_THAT(line, ContainsRegex(" (0|120)\\.0 +0\\.00$"));
         }
+    EXPECT_EQ(rows, 7u);
+}
+
+TEST_F(Fit, SaysWhatScoresAreComparedWith) {
+    EXPECT_THAT(RunFit().output,
+                HasSubstr("\nScores are compared with 1809 poses spread evenly over the search:\n"));
+    EXPECT_THAT(
+        RunFit({"--solid", File("model.pdb"), "--translation-step", "8"}).output,
+        ContainsRegex(
+            "\nScores are compared with those [0-9]+ of 1809 poses, spread evenly over the search, that "
+            "do not collide:\nmean [0-9.]+, standard deviation \\(SD\\) [0-9.]+\\.\n"));
 }
 
 TEST_F(Fit, GivesRanksInTheFileWhereTheListIsUnsorted) {
@@ -528,16 +541,16 @@ TEST_F(Fit, StopsAtCtrlCAndWritesWhatWasFound) {
     EXPECT_THAT(outcome.errors,
                 HasSubstr("\nStopping at the end of the current axis; Ctrl-C again ends at once.\n"));
     EXPECT_THAT(outcome.errors,
-                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 21 axes; what was found by "
+                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 321 axes; what was found by "
                               "then is written\n"));
     EXPECT_THAT(outcome.output, HasSubstr("20 kept"));
     EXPECT_EQ(Lines(ReadFile(File("r"))).size(), 21u);
     EXPECT_EQ(Saved(File("j")).size(), 20u);
     EXPECT_TRUE(std::filesystem::exists(File("m-1.pdb")));
     const auto json = nlohmann::json::parse(ReadFile(File("j")));
-    EXPECT_LT(json["counts"]["axesDone"], 21);
+    EXPECT_LT(json["counts"]["axesDone"], 321);
     EXPECT_EQ(json["counts"]["poses"],
-              3375 * (1 + int(json["counts"]["axesDone"]) * int(json["counts"]["angles"])));
+              15625 * (1 + int(json["counts"]["axesDone"]) * int(json["counts"]["angles"])));
 }
 
 TEST_F(Fit, EndsAtOnceAtTheSecondCtrlC) {
