@@ -1,4 +1,3 @@
-#include "MapFile.h"
 #include "Messages.h"
 #include "Parameters.h"
 #include "RealCase.h"
@@ -12,9 +11,7 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
 #include <cstdio>
-#include <cstring>
 
 using testing::Contains;
 using testing::Each;
@@ -29,53 +26,6 @@ std::string ResultsText() {
     buffer.open(QIODevice::WriteOnly);
     WriteResults(buffer, Solutions);
     return buffer.data().toStdString();
-}
-
-/// The density of the moved points, each a Gaussian of 2.5 Å, in a box that begins at an odd place and has
-/// another spacing along each axis.
-PlainMap Density(const std::vector<TaggedPoint> &points, const Transform &pose) {
-    PlainMap map{{45, 38, 33}, {}, {1.7f, 2.1f, 2.4f}, {}};
-    Point centre = {0, 0, 0};
-    for (const auto &[p, tag] : points)
-        for (const unsigned i : {0u, 1u, 2u})
-            centre[i] += (pose * p)[i] / float(points.size());
-    for (const unsigned i : {0u, 1u, 2u})
-        map.origin[i] = std::round(centre[i]) - map.spacing[i] * float(map.size[i]) / 2 + 0.37f;
-    for (unsigned k = 0; k < map.size[2]; ++k)
-        for (unsigned j = 0; j < map.size[1]; ++j)
-            for (unsigned i = 0; i < map.size[0]; ++i) {
-                const Vertex voxel(map.origin[0] + float(i) * map.spacing[0],
-                                   map.origin[1] + float(j) * map.spacing[1],
-                                   map.origin[2] + float(k) * map.spacing[2], false);
-                double density = 0;
-                for (const auto &[p, tag] : points)
-                    density += std::exp(-double((voxel - pose * p).SquaredLength()) / (2 * 2.5 * 2.5));
-                map.values.push_back(float(density));
-            }
-    return map;
-}
-
-/// A map file of the moved points whose sections run along y, its rows along x and its columns along z.
-std::string WriteTurnedMap(const TemporaryFolder &folder, const std::vector<TaggedPoint> &points,
-                           const Transform &pose) {
-    constexpr std::size_t header = 1024;
-    const Grid *grid = AddMap(Density(points, pose));
-    const std::string file = folder.File("simulated.mrc");
-    VARNO::WriteMap(file, *grid, "simulated");
-    const std::string straight = ReadFile(file);
-    std::string turned = straight.substr(0, header);
-    const auto &size = grid->Dimensions();
-    const std::int32_t order[] = {3, 1, 2};
-    for (const std::size_t word : {0u, 1u, 2u}) {
-        const auto count = std::int32_t(size[std::size_t(order[word]) - 1]);
-        std::memcpy(&turned[4 * word], &count, 4);
-        std::memcpy(&turned[4 * (16 + word)], &order[word], 4);
-    }
-    for (std::size_t y = 0; y < size[1]; ++y)
-        for (std::size_t x = 0; x < size[0]; ++x)
-            for (std::size_t z = 0; z < size[2]; ++z)
-                turned += straight.substr(header + 4 * (x + size[0] * (y + size[1] * z)), 4);
-    return folder.Write("turned.mrc", turned);
 }
 
 class RealFits : public EngineTest {
@@ -214,25 +164,4 @@ TEST_F(RealFits, AnOddRestraintsFileGivesItsPairsInTheOrderOfResidues) {
         EXPECT_THAT(plain[i].extraScores, ElementsAre(odd[i].extraScores[0], odd[i].extraScores[2],
                                                       odd[i].extraScores[3], odd[i].extraScores[4]));
     }
-}
-
-TEST_F(RealFits, ASimulatedMapOfAKnownPoseGivesThePoseBack) {
-    RealCase real("ubi_restraints");
-    real.Load(folder);
-    real.Set(folder, "settings_quick");
-    const Target target = CollectTarget(m_Target, {});
-    const double angle = PlainAngles(gammaStep)[6];
-    const Point axis = PlainAxes(Axis)[17];
-    Quaternion rotation;
-    rotation.Set(angle, Vertex(axis.data(), false));
-    const Vertex offset(float(2 * Step), float(-Step), float(Step), false);
-    Vertex translation;
-    translation = (target.centre - rotation * target.centre) + offset;
-    m_Map = VARNO::ReadMap(WriteTurnedMap(folder, target.points, Transform(rotation, translation)));
-    EXPECT_TRUE(RunFit(monitor));
-    EXPECT_EQ(Solutions.back().translation, translation);
-    EXPECT_EQ(Solutions.back().rotation.w(), rotation.w());
-    EXPECT_EQ(Solutions.back().rotation.x(), rotation.x());
-    EXPECT_EQ(Solutions.back().rotation.y(), rotation.y());
-    EXPECT_EQ(Solutions.back().rotation.z(), rotation.z());
 }
