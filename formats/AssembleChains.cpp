@@ -190,9 +190,8 @@ private:
     }
 
     static bool IsOrganic(El element) {
-        return std::ranges::any_of(
-            std::initializer_list{El::H, El::D, El::C, El::N, El::O, El::P, El::S, El::Se},
-            [&](El organic) { return organic == element; });
+        constexpr El organic[] = {El::H, El::D, El::C, El::N, El::O, El::P, El::S, El::Se};
+        return std::ranges::find(organic, element) != std::end(organic);
     }
 
     /// Where the file gives no element, or a name that stands in the wrong column has been taken for one:

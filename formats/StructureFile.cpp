@@ -26,7 +26,7 @@ bool StartsWithWord(std::string_view text, std::string_view word) {
 
 /// mmCIF begins, after comments, with a block or, unusually, at once with a table or a tag; no PDB file does.
 bool IsMmcif(std::string_view text) {
-    for (auto at = text.find_first_not_of(anyBlank); at != text.npos;
+    for (auto at = text.find_first_not_of(anyBlank); at != std::string_view::npos;
          at = text.find_first_not_of(anyBlank, at)) {
         if (text[at] != '#')
             return text[at] == '_' || StartsWithWord(text.substr(at), "data_") ||
@@ -38,7 +38,7 @@ bool IsMmcif(std::string_view text) {
 
 [[noreturn]] void FailAsUnknown(const std::string &file, std::string_view text) {
     const auto begin = text.find_first_not_of(anyBlank);
-    if (begin == text.npos)
+    if (begin == std::string_view::npos)
         throw FileError(file, "", "is empty");
     const std::string_view line = text.substr(begin, text.find_first_of("\r\n", begin) - begin);
     throw FileError(file, "",

@@ -97,7 +97,7 @@ protected:
     }
 
     SequenceId Sequence() const {
-        const SequenceId id(CurrentResidue().GetSeqId());
+        SequenceId id(CurrentResidue().GetSeqId());
         if (!ReadInteger(id.number) || id.insertion.size() > 1)
             Refuse("the sequence identifier " + Quoted(CurrentResidue().GetSeqId()) +
                    " is not a number with an insertion code");
