@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 using testing::ElementsAre;
@@ -110,14 +111,24 @@ TEST(Subdivide, DropsMidpointsOfTheLowerHalf) {
     EXPECT_THAT(axes, IsEmpty());
 }
 
-TEST(Subdivide, KeepsCoordinatesWithinTheToleranceOfZero) {
-    std::vector<Vertex> axes;
-    const float tiny = 1e-7f; // below the float's epsilon: counts as 0, so y decides
-    Subdivide(V(-tiny, 1, 0), V(-tiny, 1, 0), V(-tiny, 1, 0), 1, axes);
-    ASSERT_EQ(axes.size(), 1u);
-    EXPECT_EQ(axes[0][0], -tiny);
-    Subdivide(V(-2e-7f, 1, 0), V(-2e-7f, 1, 0), V(-2e-7f, 1, 0), 1, axes);
-    EXPECT_EQ(axes.size(), 1u);
+TEST(Subdivide, CoordinatesWithinTheToleranceCountAsZero) {
+    const auto isUpper = [](float x, float y, float z) {
+        std::vector<Vertex> axes;
+        Subdivide(V(x, y, z), V(x, y, z), V(x, y, z), 1, axes);
+        return !axes.empty();
+    };
+    constexpr float epsilon = std::numeric_limits<float>::epsilon(), less = 1e-7f, more = 2e-7f;
+    EXPECT_TRUE(isUpper(-less, 1, 0));
+    EXPECT_TRUE(isUpper(-epsilon, 1, 0));
+    EXPECT_FALSE(isUpper(-more, 1, 0));
+    EXPECT_FALSE(isUpper(less, -1, 0));
+    EXPECT_TRUE(isUpper(epsilon, -1, 0));
+    EXPECT_TRUE(isUpper(0, -less, 1));
+    EXPECT_FALSE(isUpper(0, less, -1));
+    EXPECT_TRUE(isUpper(0, epsilon, -1));
+    EXPECT_FALSE(isUpper(0, -more, 1));
+    EXPECT_FALSE(isUpper(0, 0, -1));
+    EXPECT_TRUE(isUpper(0, 0, 1));
 }
 
 TEST(Subdivide, AMidpointOfLengthZeroStaysAsItIs) {

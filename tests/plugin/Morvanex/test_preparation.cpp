@@ -254,8 +254,8 @@ TEST_F(PreparationTest, OffsetsFormACubeWithXSlowestAndZFastest) {
 }
 
 TEST_F(PreparationTest, EachOffsetIsAProductInDouble) {
-    EXPECT_EQ(TranslationOffsets(9, 0.1)[0][0], float(-4 * 0.1));
-    EXPECT_EQ(TranslationOffsets(7, 0.1)[0][0], float(-3 * 0.1));
+    EXPECT_NE(float(-3 * 0.3), -3 * 0.3f);
+    EXPECT_EQ(TranslationOffsets(7, 0.3)[0], V(float(-3 * 0.3), float(-3 * 0.3), float(-3 * 0.3)));
 }
 
 TEST_F(PreparationTest, OneTranslationIsNone) {

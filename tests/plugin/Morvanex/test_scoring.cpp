@@ -77,13 +77,14 @@ TEST(NearestVoxel, HalvesGoUp) {
     EXPECT_EQ(NearestVoxel(10 + 3 * 1.5f, 10, 3, 5), 2u);
 }
 
-TEST(NearestVoxel, TheQuotientIsFormedInFloat) {
-    // As a double the quotient is just below a half; as a float it is one half.
-    const float spacing = 3, p = std::nextafter(1.5f, 0.0f) + 1e-8f;
-    const float quotient = p / spacing;
-    EXPECT_EQ(NearestVoxel(p, 0, spacing, 5), unsigned(double(quotient) + 0.5));
-    // The sum with one half is formed in double: in float it would round up to 1.
-    EXPECT_EQ(NearestVoxel(std::nextafter(0.5f, 0.0f), 0, 1, 5), 0u);
+TEST(NearestVoxel, TheDifferenceAndTheQuotientAreFormedInFloat) {
+    // Exactly, both lie below the half.
+    EXPECT_EQ(NearestVoxel(std::nextafter(0.5f, 0.0f), -2e-8f, 1, 5), 1u);
+    EXPECT_EQ(NearestVoxel(std::nextafter(1.5f, 2.0f), 0, std::nextafter(1.0f, 2.0f), 5), 2u);
+}
+
+TEST(NearestVoxel, TheHalfIsAddedInDouble) {
+    EXPECT_EQ(NearestVoxel(std::nextafter(0.5f, 0.0f), 0, 1, 5), 0u); // in float the sum would be 1
 }
 
 TEST(NearestVoxel, WhatIsNoNumberOrDoesNotFitIsOutside) {
