@@ -64,14 +64,19 @@ if(MORVANEX_SANITIZE)
     set(morvanex_test_optimisation -O0)
 endif()
 
-# morvanex_test(name SOURCES ... LINK ...): one GoogleTest program; each of its tests is one test of ctest.
+# morvanex_test(name SOURCES ... LINK ... [LEAKS file]): one GoogleTest program; each of its tests is one test of ctest.
+# LEAKS is the file of LeakSanitizer's suppressions.
 function(morvanex_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "" "LEAKS" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_compile_options(${name} PRIVATE ${morvanex_test_optimisation})
     target_link_libraries(${name} PRIVATE morvanex_flags morvanex_test_support ${ARG_LINK} GTest::gmock
                                           GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+    set(properties TIMEOUT 600)
+    if(ARG_LEAKS)
+        list(APPEND properties ENVIRONMENT LSAN_OPTIONS=suppressions=${ARG_LEAKS})
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
 
 # morvanex_bench(name SOURCES ... LINK ...): one Google Benchmark program.
