@@ -1,6 +1,7 @@
 #include "FastGrid.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -25,6 +26,11 @@ Extent Measure(const Grid &grid) {
     e.first = e.plane + e.row + 1;
     e.size = e.first + e.count[0] * e.plane + e.count[1] * e.row + e.count[2] + widestWindow;
     return e;
+}
+
+/// a / b for a power of two b, rounded towards positive infinity.
+std::int32_t RoundedUpQuotient(std::int32_t a, std::int32_t b) {
+    return (a + b - 1) >> std::countr_zero(std::uint32_t(b));
 }
 
 /// The number with 24 significant bits next above x > 0, or x itself.
@@ -61,19 +67,19 @@ GridLayout::GridLayout(const Grid &grid) {
 
 /// Goes through the grid in bands of 16 voxels along x: a band's rows, a cache line each, are read side by
 /// side and written to 16 rows along z.
-template <class T, class Value>
-void GridLayout::Fill(const Grid &grid, std::vector<T> &out, Value value) const {
+template <class Visit>
+void GridLayout::ForEachVoxel(const Grid &grid, Visit visit) const {
     constexpr unsigned band = 16;
     const auto &n = grid.Dimensions();
     const float *values = grid.Values().data();
     for (unsigned j = 0; j < n[1]; ++j)
         for (unsigned begin = 0; begin < n[0]; begin += band) {
             const unsigned end = std::min(begin + band, n[0]);
-            T *to = out.data() + m_first + std::size_t(j) * std::size_t(m_axes[1].stride);
+            const std::size_t row = m_first + std::size_t(j) * std::size_t(m_axes[1].stride);
             for (unsigned k = 0; k < n[2]; ++k) {
                 const float *from = values + std::size_t(n[0]) * (j + std::size_t(n[1]) * k);
                 for (unsigned i = begin; i < end; ++i)
-                    to[std::size_t(i) * std::size_t(m_axes[0].stride) + k] = value(from[i]);
+                    visit(row + std::size_t(i) * std::size_t(m_axes[0].stride) + k, from[i]);
             }
         }
 }
@@ -83,53 +89,70 @@ FastMap::FastMap(const Grid &grid, std::size_t points)
     , m_voxels(m_layout.Size(), 0.0f)
     , m_points(double(points)) {
     const auto [lowest, highest] = std::ranges::minmax(grid.Values());
-    ChooseLevels(std::min(lowest, 0.0f), std::max(highest, 0.0f));
-    m_layout.Fill(grid, m_voxels, [](float value) { return value; });
+    ChooseScale(std::min(lowest, 0.0f), std::max(highest, 0.0f));
     m_levels.assign(m_layout.Size(), std::uint8_t(m_zeroLevel));
-    const double scale = 1 / m_quantum;
-    m_layout.Fill(grid, m_levels, [this, scale](float value) {
-        const double v = value;
-        double steps = std::ceil(v * scale);
-        steps += steps * m_quantum < v;
-        steps -= (steps - 1) * m_quantum >= v;
-        return std::uint8_t(steps + m_zeroLevel);
+    m_fineLevels.assign(m_layout.Size(), std::uint8_t(0));
+    m_layout.ForEachVoxel(grid, [this](std::size_t place, float value) {
+        const std::int32_t fine = PlaceOnFineScale(value);
+        const std::int32_t level = RoundedUpQuotient(fine, m_fineSteps);
+        m_voxels[place] = value;
+        m_levels[place] = std::uint8_t(level + m_zeroLevel);
+        m_fineLevels[place] = std::uint8_t(level * m_fineSteps - fine);
     });
 }
 
-void FastMap::ChooseLevels(double lowest, double highest) {
-    // The steps down to the lowest voxel and those up to the highest are rounded up each.
-    const double steps = std::min(double(highestLevel), std::floor(65535 / m_points)) - 1;
+void FastMap::ChooseScale(double lowest, double highest) {
+    const unsigned highestSum = 65535;
+    const unsigned highestHere = std::min(highestLevel, unsigned(highestSum / m_points));
+    m_fineSteps = std::int32_t(std::bit_floor(highestHere + 1));
+    // The levels down to the lowest voxel and those up to the highest are rounded up each.
     if (highest > lowest)
-        m_quantum = RoundUpTo24Bits((highest - lowest) / steps);
-    m_zeroLevel = std::ceil(-lowest / m_quantum);
+        m_quantum = RoundUpTo24Bits((highest - lowest) / (highestHere - 1)) / m_fineSteps;
+    m_scale = 1 / m_quantum;
+    m_zeroLevel = RoundedUpQuotient(std::int32_t(std::ceil(-lowest / m_quantum)), m_fineSteps);
     // Each of n - 1 additions rounds by at most 2^-53 of a partial sum, which is at most n times the largest
     // voxel. Twice that leaves room for the rounding of the sums' own growth.
     m_roundingError = m_points * m_points * std::max(-lowest, highest) * 0x1p-52;
 }
 
-/// With B the sum of the levels, n the points and z the level of 0.0, the exact sum S of the voxels obeys
-/// (B - n·z - n)·quantum <= S <= (B - n·z)·quantum, and the score, summed in double, lies within the rounding
-/// error of S. The divisions below round too, by far less than the one whole level that is left for them.
-SumRange FastMap::SumsReaching(double score) const {
-    const double first = (score - m_roundingError) / m_quantum + m_points * m_zeroLevel;
-    if (first > 65536)
-        return {};
-    return {std::uint16_t(std::clamp(std::floor(first) - 1, 0.0, 65535.0)), 65535};
+/// The quotient, truncated, lies below the number looked for by two at most, and above it by one at most.
+std::int32_t FastMap::PlaceOnFineScale(float value) const {
+    const double v = value;
+    std::int32_t fine = std::int32_t(v * m_scale);
+    fine += fine * m_quantum < v;
+    fine += fine * m_quantum < v;
+    fine -= (fine - 1) * m_quantum >= v;
+    return fine;
 }
 
-SumRange FastMap::SumsAround(double score) const {
-    const double last = (score + m_roundingError) / m_quantum + m_points * (m_zeroLevel + 1);
-    SumRange range = SumsReaching(score);
-    if (last < 0)
+/// The limits within which a sum in units of the fine scale, shifted by the levels of 0.0, must lie. The
+/// divisions round, by far less than the one whole unit that is left for them.
+FastMap::Limits FastMap::LimitsOf(double low, double high, double unit) const {
+    const double shift = m_points * m_zeroLevel * (m_fineSteps / unit);
+    return {std::floor((low - m_roundingError) / (m_quantum * unit) + shift) - 1,
+            std::ceil((high + m_roundingError) / (m_quantum * unit) + shift + m_points) + 1};
+}
+
+SumRange FastMap::SumsBetween(double low, double high) const {
+    const auto [first, last] = LimitsOf(low, high, m_fineSteps);
+    if (first > 65535 || last < 0)
         return {};
-    range.last = std::min(range.last, std::uint16_t(std::clamp(std::ceil(last) + 1, 0.0, 65535.0)));
-    return range;
+    return {std::uint16_t(std::max(first, 0.0)), std::uint16_t(std::min(last, 65535.0))};
+}
+
+FastMap::FineTest FastMap::TestBetween(double low, double high) const {
+    const auto [first, last] = LimitsOf(low, high, 1);
+    FineTest test;
+    test.m_fineSteps = m_fineSteps;
+    test.m_first = first;
+    test.m_last = last;
+    return test;
 }
 
 FastSolid::FastSolid(const Grid &grid)
     : m_layout(grid)
     , m_levels(m_layout.Size(), std::uint8_t(0)) {
-    m_layout.Fill(grid, m_levels, [](float value) { return std::uint8_t(value > 2.0f); });
+    m_layout.ForEachVoxel(grid, [this](std::size_t place, float value) { m_levels[place] = value > 2.0f; });
 }
 
 } // namespace fast

@@ -26,9 +26,9 @@ public:
     /// Where voxel (0, 0, 0) stands.
     std::size_t First() const { return m_first; }
 
-    /// Copies what `value` makes of each of the grid's voxels to its place in `out`.
-    template <class T, class Value>
-    void Fill(const Grid &grid, std::vector<T> &out, Value value) const;
+    /// Calls `visit` with each voxel's place in an array and its value.
+    template <class Visit>
+    void ForEachVoxel(const Grid &grid, Visit visit) const;
 
 private:
     GridAxis m_axes[3];
@@ -37,9 +37,18 @@ private:
 
 /// A density map for the fast search: its voxels, and levels that bound them from above.
 ///
-/// A voxel v of level b has (b - zeroLevel - 1)·quantum < v <= (b - zeroLevel)·quantum. The quantum has 24
-/// significant bits, so that these products are exact in double; the border's 0 is a level of its own, met
-/// exactly.
+/// A voxel v stands on a fine scale at f = the least whole number with v <= f·quantum. Its level is the least
+/// b with f <= fineSteps·(b - zeroLevel), its fine level how far f stands below that: fineSteps·(b -
+/// zeroLevel) - f. The quantum has 24 significant bits, so that these products are exact in double; the
+/// border's 0 is met exactly.
+///
+/// With B the sum of the levels under the n points of a pose, F that of the fine levels and z the level of
+/// 0.0, the exact sum S of the voxels obeys
+///
+///     (B - n·z - n)·fineSteps·quantum <= S <= (B - n·z)·fineSteps·quantum
+///     (B - n·z)·fineSteps - F - n <= S / quantum <= (B - n·z)·fineSteps - F
+///
+/// and the score, which is summed in double, lies within the rounding error of S.
 class FastMap {
 public:
     /// For poses of that many points, at most `mostPoints`: the more points, the coarser the levels, so that
@@ -51,23 +60,46 @@ public:
     /// Voxel (0, 0, 0).
     const float *Voxels() const { return m_voxels.data() + m_layout.First(); }
     const std::uint8_t *Levels() const { return m_levels.data() + m_layout.First(); }
-
-    /// Poses whose sum of levels lies outside this range score less than `score`.
-    SumRange SumsReaching(double score) const;
-    /// Poses whose sum of levels lies outside this range do not score exactly `score`.
-    SumRange SumsAround(double score) const;
+    const std::uint8_t *FineLevels() const { return m_fineLevels.data() + m_layout.First(); }
     bool HasNegativeVoxels() const { return m_zeroLevel > 0; }
 
+    /// Poses whose sum of levels lies outside this range do not score between `low` and `high`, both
+    /// included.
+    SumRange SumsBetween(double low, double high) const;
+
+    /// What both sums of a pose say of its score.
+    class FineTest {
+    public:
+        /// Whether the pose may score between the bounds.
+        bool MayHold(std::uint16_t levelSum, std::uint16_t fineSum) const {
+            const double fine = m_fineSteps * levelSum - fineSum;
+            return m_first <= fine && fine <= m_last;
+        }
+
+    private:
+        friend FastMap;
+        std::int32_t m_fineSteps;
+        double m_first, m_last;
+    };
+    FineTest TestBetween(double low, double high) const;
+
 private:
-    void ChooseLevels(double lowest, double highest);
+    struct Limits {
+        double first, last;
+    };
+
+    void ChooseScale(double lowest, double highest);
+    std::int32_t PlaceOnFineScale(float value) const;
+    Limits LimitsOf(double low, double high, double unit) const;
 
     GridLayout m_layout;
     std::vector<float> m_voxels;
-    std::vector<std::uint8_t> m_levels;
+    std::vector<std::uint8_t> m_levels, m_fineLevels;
     double m_points;
-    double m_quantum = 1;
-    double m_zeroLevel = 0;     ///< the level of 0.0
-    double m_roundingError = 0; ///< of a score, at most
+    double m_quantum = 1, m_scale = 1; ///< a step of the fine scale, and its inverse
+    std::int32_t m_fineSteps = 1;      ///< a power of two
+    std::int32_t m_zeroLevel = 0;      ///< the level of 0.0
+    double m_roundingError = 0;        ///< of a score, at most
 };
 
 /// The keep-out grid for the fast search: level 1 where a point collides, else 0.

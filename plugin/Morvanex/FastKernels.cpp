@@ -81,7 +81,7 @@ SplitPositions(std::uint8_t *patterns, hn::Vec<hn::FixedTag<std::uint8_t, 16>> l
 }
 
 bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
-                const GridAxis &axis, const Windows &windows) {
+                std::size_t count, const GridAxis &axis, const Windows &windows) {
     const Floats d;
     const Indices di;
     const hn::Rebind<std::uint8_t, Indices> bytes;
@@ -89,15 +89,14 @@ bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded
     GridAxis ends = axis;
     ends.stride = 1;
     HWY_NAMESPACE::MapCoordinates(coordinates, padded, translations[0], ends, windows.starts);
-    HWY_NAMESPACE::MapCoordinates(coordinates, padded, translations[windowOffsets - 1], ends,
-                                  windows.scratch);
+    HWY_NAMESPACE::MapCoordinates(coordinates, padded, translations[count - 1], ends, windows.scratch);
     for (std::size_t i = 0; i < padded; i += lanes)
         hn::StoreU(hn::Min(hn::LoadU(di, windows.starts + i), hn::LoadU(di, windows.scratch + i)), di,
                    windows.starts + i);
     for (std::size_t i = 0; i < points; ++i) {
         const auto p = hn::Set(d, coordinates[i]);
         const auto start = hn::Set(di, windows.starts[i]);
-        for (std::size_t k = 0; k < windowOffsets; k += lanes) {
+        for (std::size_t k = 0; k < count; k += lanes) {
             const auto index = NearestIndex(hn::Add(p, hn::LoadU(d, translations + k)), axis);
             hn::StoreU(hn::DemoteTo(bytes, hn::Sub(index, start)), bytes,
                        windows.patterns + i * windows.bytes + k);
@@ -197,31 +196,49 @@ void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange 
     }
 }
 
-/// Four poses at a time: four sums that do not wait for each other hide the latency of an addition.
+/// The voxels' indices under `pointBlock` points of a pose.
+HWY_INLINE void FindVoxels(const PoseIndices &pose, std::size_t point, std::int32_t *at) {
+    const Indices d;
+    for (std::size_t i = 0; i < pointBlock; i += hn::Lanes(d)) {
+        const auto xy = hn::Add(hn::LoadU(d, pose.x + point + i), hn::LoadU(d, pose.y + point + i));
+        hn::StoreU(hn::Add(xy, hn::LoadU(d, pose.z + point + i)), d, at + i);
+    }
+}
+
+bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose) {
+    unsigned touched = 0;
+    for (std::size_t point = 0; point < points && touched == 0; point += pointBlock) {
+        HWY_ALIGN std::int32_t at[pointBlock];
+        FindVoxels(pose, point, at);
+        for (std::size_t i = 0; i < std::min(pointBlock, points - point); ++i)
+            touched |= levels[at[i]];
+    }
+    return touched != 0;
+}
+
+/// Scores `side` poses at a time: sums that do not wait for each other hide the latency of an addition.
+template <std::size_t side>
+void ScorePosesBy(const float *voxels, std::size_t points, const PoseIndices *poses, double *scores) {
+    double sums[side] = {};
+    for (std::size_t point = 0; point < points; point += pointBlock) {
+        HWY_ALIGN std::int32_t at[side][pointBlock];
+        for (std::size_t c = 0; c < side; ++c)
+            FindVoxels(poses[c], point, at[c]);
+        const std::size_t end = std::min(pointBlock, points - point);
+        for (std::size_t i = 0; i < end; ++i)
+            for (std::size_t c = 0; c < side; ++c)
+                sums[c] += double(voxels[at[c][i]]);
+    }
+    std::copy_n(sums, side, scores);
+}
+
 void ScorePoses(const float *voxels, std::size_t points, const PoseIndices *poses, std::size_t count,
                 double *scores) {
-    constexpr std::size_t side = 4;
-    const Indices d;
-    for (std::size_t first = 0; first < count; first += side) {
-        const PoseIndices *pose[side];
-        for (std::size_t c = 0; c < side; ++c)
-            pose[c] = &poses[std::min(first + c, count - 1)];
-        double sums[side] = {};
-        for (std::size_t point = 0; point < points; point += pointBlock) {
-            HWY_ALIGN std::int32_t at[side][pointBlock];
-            for (std::size_t c = 0; c < side; ++c)
-                for (std::size_t i = 0; i < pointBlock; i += hn::Lanes(d)) {
-                    const auto xy =
-                        hn::Add(hn::LoadU(d, pose[c]->x + point + i), hn::LoadU(d, pose[c]->y + point + i));
-                    hn::StoreU(hn::Add(xy, hn::LoadU(d, pose[c]->z + point + i)), d, at[c] + i);
-                }
-            const std::size_t end = std::min(pointBlock, points - point);
-            for (std::size_t i = 0; i < end; ++i)
-                for (std::size_t c = 0; c < side; ++c)
-                    sums[c] += double(voxels[at[c][i]]);
-        }
-        std::copy_n(sums, std::min(side, count - first), scores + first);
-    }
+    std::size_t first = 0;
+    for (; first + 4 <= count; first += 4)
+        ScorePosesBy<4>(voxels, points, poses + first, scores + first);
+    for (; first < count; ++first)
+        ScorePosesBy<1>(voxels, points, poses + first, scores + first);
 }
 
 } // namespace fast::HWY_NAMESPACE
@@ -236,6 +253,7 @@ HWY_EXPORT(LargestWindow);
 HWY_EXPORT(MapWindows);
 HWY_EXPORT(SumRows);
 HWY_EXPORT(MarkSums);
+HWY_EXPORT(Touches);
 HWY_EXPORT(ScorePoses);
 
 void RotatePoints(const double *matrix, const double *const *p, std::size_t padded, float *const *out) {
@@ -249,14 +267,17 @@ std::size_t LargestWindow() {
     return HWY_DYNAMIC_DISPATCH(LargestWindow)();
 }
 bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
-                const GridAxis &axis, const Windows &windows) {
-    return HWY_DYNAMIC_DISPATCH(MapWindows)(coordinates, points, padded, translations, axis, windows);
+                std::size_t count, const GridAxis &axis, const Windows &windows) {
+    return HWY_DYNAMIC_DISPATCH(MapWindows)(coordinates, points, padded, translations, count, axis, windows);
 }
 void SumRows(const RowSums &job) {
     HWY_DYNAMIC_DISPATCH(SumRows)(job);
 }
 void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange b, std::uint16_t *marks) {
     HWY_DYNAMIC_DISPATCH(MarkSums)(sums, rows, a, b, marks);
+}
+bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose) {
+    return HWY_DYNAMIC_DISPATCH(Touches)(levels, points, pose);
 }
 void ScorePoses(const float *voxels, std::size_t points, const PoseIndices *poses, std::size_t count,
                 double *scores) {

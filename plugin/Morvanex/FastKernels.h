@@ -43,16 +43,18 @@ std::size_t LargestWindow();
 
 /// Where in their windows of a row the offsets of a unit read.
 struct Windows {
-    std::size_t bytes = 0;            ///< of one window, 16 or 32
-    std::int32_t *starts = nullptr;   ///< the index at which each point's window begins; `padded` entries
-    std::int32_t *scratch = nullptr;  ///< `padded` entries
-    std::uint8_t *patterns = nullptr; ///< `bytes` for each of `padded` points; 0x80 reads nothing
+    std::size_t bytes = 0;           ///< of one window, 16 or 32
+    std::int32_t *starts = nullptr;  ///< the index at which each point's window begins; `padded` entries
+    std::int32_t *scratch = nullptr; ///< `padded` entries
+    /// `bytes` for each of `padded` points; 0x80 reads nothing. What stands beyond a unit's offsets is kept.
+    std::uint8_t *patterns = nullptr;
 };
 
-/// Maps `points` coordinates at the `windowOffsets` translations of a unit (ascending or descending; where
-/// there are fewer, the last repeated). False when an offset lies outside its point's window.
+/// Maps `points` coordinates at the `count` translations of a unit, which ascend or descend; behind them
+/// stand, up to `windowOffsets`, repetitions of the last. False when an offset lies outside its point's
+/// window.
 bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
-                const GridAxis &axis, const Windows &windows);
+                std::size_t count, const GridAxis &axis, const Windows &windows);
 
 /// Which rows of a block are summed, and from what.
 struct RowSums {
@@ -81,6 +83,9 @@ void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange 
 struct PoseIndices {
     const std::int32_t *x, *y, *z;
 };
+
+/// Whether a voxel under the pose's points has a level above 0.
+bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose);
 
 /// scores[i] = the sum in double, from the first point to the last, of the voxels under the i-th pose's
 /// points. `voxels` points to voxel (0, 0, 0).

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace fast {
 
@@ -15,6 +16,8 @@ namespace {
 /// Rows of a block at most: their sums, 32 bytes each, stay in the first-level cache beside the rows of the
 /// map.
 constexpr std::size_t blockRows = 256;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 double StrideInVoxels(const Preparation &fit) {
     const auto stride = [&fit](const Grid &grid) {
@@ -34,12 +37,6 @@ FastGrids::FastGrids(const Preparation &fit)
         solid.emplace(*fit.keepOut);
 }
 
-PoseTally &PoseTally::operator+=(const PoseTally &other) {
-    accepted += other.accepted;
-    scoredExactly += other.scoredExactly;
-    return *this;
-}
-
 CubeScorer::CubeScorer(const Preparation &fit, const FastGrids &grids)
     : m_fit(fit)
     , m_grids(grids)
@@ -51,37 +48,60 @@ CubeScorer::CubeScorer(const Preparation &fit, const FastGrids &grids)
 }
 
 PoseTally CubeScorer::Score(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
-    PoseTally total;
+    m_tally = {};
     m_target.Turn(rotation);
-    if (!m_mapTables.Map() || (m_solidTables && !m_solidTables->Map())) {
-        m_tally = {};
+    m_mapTables.MapXY();
+    if (m_solidTables)
+        m_solidTables->MapXY();
+    if (m_target.Offsets() == 1)
+        ScoreSinglePose(first, best);
+    else if (m_mapTables.MapWindows() && (!m_solidTables || m_solidTables->MapWindows()))
+        ScoreSlabs(first, best);
+    else
         ScoreOneByOne(rotation, first, best);
-        best.Advance(first + m_fit.offsets.size(), m_tally.accepted);
-        return m_tally;
+    return m_tally;
+}
+
+/// With one offset there is nothing to share: the mapping of the points is the work.
+void CubeScorer::ScoreSinglePose(EntryNumber first, BestPoses &best) {
+    if (m_solidTables) {
+        m_solidTables->MapZ();
+        const PoseIndices pose{m_solidTables->Indices(0, 0), m_solidTables->Indices(1, 0),
+                               m_solidTables->Indices(2, 0)};
+        if (Touches(m_grids.solid->Levels(), m_target.Points(), pose))
+            return best.Advance(first + 1, 0);
     }
+    m_tally.accepted = 1;
+    m_candidates.assign(1, 0);
+    ScoreCandidates(first, best);
+    best.Advance(first + 1, m_tally.accepted);
+}
+
+/// The list learns of poses in their order, slab after slab along x: what one slab teaches serves the next.
+void CubeScorer::ScoreSlabs(EntryNumber first, BestPoses &best) {
     const std::size_t side = m_target.Offsets();
     const std::size_t ySize = std::min(side, blockRows), xSize = std::max(blockRows / side, std::size_t(1));
-    // The list learns of poses in their order: what a slab along x teaches serves the slabs behind it.
     for (std::size_t x = 0; x < side; x += xSize) {
-        m_tally = {};
+        const std::uint64_t acceptedBefore = m_tally.accepted;
         const std::size_t xEnd = std::min(x + xSize, side);
         for (std::size_t y = 0; y < side; y += ySize)
             for (std::size_t unit = 0; unit < m_units.units.size(); ++unit)
                 ScoreBlock({x, xEnd, y, std::min(y + ySize, side), unit}, first, best);
-        best.Advance(first + xEnd * side * side, m_tally.accepted);
-        total += m_tally;
+        best.Advance(first + xEnd * side * side, m_tally.accepted - acceptedBefore);
     }
-    return total;
 }
 
 void CubeScorer::ScoreBlock(const Block &block, EntryNumber first, BestPoses &best) {
     ListRows(block);
     if (m_solidTables)
         DropCollidingRows(block);
-    if (m_rows.empty())
-        return;
-    SumLevels(m_mapTables, m_grids.map.Levels(), block);
-    ChooseCandidates(block, best.Threshold());
+    for (const Row &row : m_rows)
+        m_tally.accepted += std::uint64_t(std::popcount(row.open));
+    SumLevels(m_mapTables, m_grids.map.Levels(), block, m_sums);
+    CloseLowRows(best.Threshold());
+    if (FineLevelsPay(best.Threshold()))
+        CloseByFineLevels(block, best.Threshold());
+    ListCandidates(block);
     ScoreCandidates(first, best);
 }
 
@@ -94,14 +114,15 @@ void CubeScorer::ListRows(const Block &block) {
 }
 
 void CubeScorer::DropCollidingRows(const Block &block) {
-    SumLevels(*m_solidTables, m_grids.solid->Levels(), block);
+    SumLevels(*m_solidTables, m_grids.solid->Levels(), block, m_sums);
     MarkSums(m_sums.data(), m_rows.size(), {1, 65535}, {}, m_marks.data());
     for (std::size_t row = 0; row < m_rows.size(); ++row)
-        m_rows[row].free &= ~unsigned(m_marks[row]);
-    std::erase_if(m_rows, [](const Row &row) { return row.free == 0; });
+        m_rows[row].open &= ~unsigned(m_marks[row]);
+    std::erase_if(m_rows, [](const Row &row) { return row.open == 0; });
 }
 
-void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block) {
+void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block,
+                           std::vector<std::uint16_t> &sums) {
     m_xs.clear();
     m_ys.clear();
     m_rowsBegin.assign(1, 0);
@@ -112,26 +133,61 @@ void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, con
             m_ys.push_back(tables.Indices(1, m_rows[row].y));
         m_rowsBegin.push_back(std::uint32_t(row));
     }
-    m_sums.resize(m_rows.size() * windowOffsets);
+    sums.resize(m_rows.size() * windowOffsets);
     m_marks.resize(m_rows.size());
     SumRows({levels, m_target.PaddedPoints(), tables.WindowsOf(block.unit), m_xs.data(), m_rowsBegin.data(),
-             m_xs.size(), m_ys.data(), m_sums.data()});
+             m_xs.size(), m_ys.data(), sums.data()});
 }
 
-void CubeScorer::ChooseCandidates(const Block &block, double threshold) {
+/// Closes the poses that score too low for the list, and drops the rows without others. Poses that may score
+/// exactly -1.0 stay open, where there are any: that score marks a rejected pose, so that they are not
+/// accepted.
+void CubeScorer::CloseLowRows(double threshold) {
     const FastMap &map = m_grids.map;
-    const std::size_t side = m_target.Offsets();
-    // A score of -1.0 marks a rejected pose, so that one whose density comes to just that is not accepted
-    // either.
-    const SumRange rejectable = map.HasNegativeVoxels() ? map.SumsAround(-1.0) : SumRange();
-    MarkSums(m_sums.data(), m_rows.size(), map.SumsReaching(threshold), rejectable, m_marks.data());
-    m_candidates.clear();
+    const SumRange rejectable = map.HasNegativeVoxels() ? map.SumsBetween(-1.0, -1.0) : SumRange();
+    MarkSums(m_sums.data(), m_rows.size(), map.SumsBetween(threshold, infinity), rejectable, m_marks.data());
+    std::size_t kept = 0;
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
-        const Row &row = m_rows[i];
-        m_tally.accepted += std::uint64_t(std::popcount(row.free));
+        m_rows[i].open &= m_marks[i];
+        if (m_rows[i].open == 0)
+            continue;
+        m_rows[kept] = m_rows[i];
+        std::copy_n(m_sums.begin() + std::ptrdiff_t(i * windowOffsets), windowOffsets,
+                    m_sums.begin() + std::ptrdiff_t(kept * windowOffsets));
+        ++kept;
+    }
+    m_rows.resize(kept);
+}
+
+/// Summing a row's fine levels costs about as much as scoring one of its poses exactly.
+bool CubeScorer::FineLevelsPay(double threshold) const {
+    std::size_t open = 0;
+    for (const Row &row : m_rows)
+        open += std::size_t(std::popcount(row.open));
+    return threshold > -infinity && open > 2 * m_rows.size();
+}
+
+void CubeScorer::CloseByFineLevels(const Block &block, double threshold) {
+    SumLevels(m_mapTables, m_grids.map.FineLevels(), block, m_fineSums);
+    const auto good = m_grids.map.TestBetween(threshold, infinity);
+    const auto rejectable = m_grids.map.TestBetween(-1.0, -1.0);
+    const bool mayBeRejectable = m_grids.map.HasNegativeVoxels();
+    for (std::size_t i = 0; i < m_rows.size(); ++i)
+        for (unsigned rest = m_rows[i].open; rest != 0; rest &= rest - 1) {
+            const auto k = unsigned(std::countr_zero(rest));
+            const std::uint16_t sum = m_sums[i * windowOffsets + k], fine = m_fineSums[i * windowOffsets + k];
+            if (!good.MayHold(sum, fine) && !(mayBeRejectable && rejectable.MayHold(sum, fine)))
+                m_rows[i].open &= ~(1u << k);
+        }
+}
+
+void CubeScorer::ListCandidates(const Block &block) {
+    const std::size_t side = m_target.Offsets();
+    m_candidates.clear();
+    for (const Row &row : m_rows) {
         const std::size_t offset = (row.x * side + row.y) * side + m_units.units[block.unit].first;
-        for (unsigned marked = m_marks[i] & row.free; marked != 0; marked &= marked - 1)
-            m_candidates.push_back(offset + std::size_t(std::countr_zero(marked)));
+        for (unsigned rest = row.open; rest != 0; rest &= rest - 1)
+            m_candidates.push_back(offset + std::size_t(std::countr_zero(rest)));
     }
 }
 
@@ -172,6 +228,7 @@ void CubeScorer::ScoreOneByOne(const Quaternion &rotation, EntryNumber first, Be
         if (score >= best.Threshold())
             best.Add(score, first + i);
     }
+    best.Advance(first + m_fit.offsets.size(), m_tally.accepted);
 }
 
 } // namespace fast

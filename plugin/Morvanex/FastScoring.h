@@ -19,8 +19,6 @@ struct FastGrids {
 struct PoseTally {
     std::uint64_t accepted = 0;
     std::uint64_t scoredExactly = 0;
-
-    PoseTally &operator+=(const PoseTally &other);
 };
 
 /// Scores a rotation at all its offsets at once.
@@ -41,14 +39,20 @@ private:
     /// A row of a block: one x and one y offset.
     struct Row {
         std::size_t x, y;
-        unsigned free; ///< a bit per offset of the unit that does not collide
+        unsigned open; ///< a bit per offset of the unit: neither collided nor known to score too low
     };
 
+    void ScoreSinglePose(EntryNumber first, BestPoses &best);
+    void ScoreSlabs(EntryNumber first, BestPoses &best);
     void ScoreBlock(const Block &block, EntryNumber first, BestPoses &best);
     void ListRows(const Block &block);
     void DropCollidingRows(const Block &block);
-    void SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block);
-    void ChooseCandidates(const Block &block, double threshold);
+    void SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block,
+                   std::vector<std::uint16_t> &sums);
+    void CloseLowRows(double threshold);
+    void CloseByFineLevels(const Block &block, double threshold);
+    bool FineLevelsPay(double threshold) const;
+    void ListCandidates(const Block &block);
     void ScoreCandidates(EntryNumber first, BestPoses &best);
     void ScoreOneByOne(const Quaternion &rotation, EntryNumber first, BestPoses &best);
 
@@ -58,14 +62,14 @@ private:
     OffsetUnits m_units;
     OffsetTables m_mapTables;
     std::optional<OffsetTables> m_solidTables;
-    PoseTally m_tally; ///< of the poses since the last `Advance`
+    PoseTally m_tally; ///< of the current rotation
 
     // What one block needs, kept to be used again.
     std::vector<Row> m_rows;
     std::vector<const std::int32_t *> m_xs, m_ys;
     std::vector<std::uint32_t> m_rowsBegin;
-    std::vector<std::uint16_t> m_sums, m_marks;
-    std::vector<std::size_t> m_candidates; ///< numbers of offsets
+    std::vector<std::uint16_t> m_sums, m_fineSums, m_marks; ///< per row: `windowOffsets`, as many, one
+    std::vector<std::size_t> m_candidates;                  ///< numbers of offsets
     std::vector<PoseIndices> m_candidateIndices;
     std::vector<double> m_scores;
 };

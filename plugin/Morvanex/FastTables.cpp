@@ -73,8 +73,11 @@ OffsetTables::OffsetTables(const GridLayout &layout, const TurnedTarget &target,
     , m_padded(target.PaddedPoints())
     , m_starts(m_padded * units.units.size())
     , m_scratch(m_padded)
+    , m_patterns(m_padded * units.units.size() * units.windowBytes) {
     // Points that only fill the array up read nothing.
-    , m_patterns(m_padded * units.units.size() * units.windowBytes, 0x80) {
+    for (std::size_t unit = 0; unit < units.units.size(); ++unit)
+        std::fill(m_patterns.data() + (unit * m_padded + target.Points()) * units.windowBytes,
+                  m_patterns.data() + (unit + 1) * m_padded * units.windowBytes, std::uint8_t(0x80));
     for (auto &indices : m_indices)
         indices.resize(m_padded * target.Offsets());
 }
@@ -90,18 +93,21 @@ void OffsetTables::MapAxis(std::size_t axis) {
                        m_layout.Axis(axis), m_indices[axis].data() + i * m_padded);
 }
 
-bool OffsetTables::Map() {
+void OffsetTables::MapXY() {
     MapAxis(0);
     MapAxis(1);
     m_zMapped = false;
+}
+
+bool OffsetTables::MapWindows() {
     bool fits = true;
     for (std::size_t unit = 0; unit < m_units.units.size(); ++unit) {
         const auto [first, count] = m_units.units[unit];
         float translations[windowOffsets];
         for (std::size_t i = 0; i < windowOffsets; ++i)
             translations[i] = m_target.Translations(2)[first + std::min(i, count - 1)];
-        fits &= MapWindows(m_target.Coordinates(2), m_target.Points(), m_padded, translations,
-                           m_layout.Axis(2), WindowsOf(unit));
+        fits &= fast::MapWindows(m_target.Coordinates(2), m_target.Points(), m_padded, translations, count,
+                                 m_layout.Axis(2), WindowsOf(unit));
     }
     return fits;
 }

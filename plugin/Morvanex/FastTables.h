@@ -51,12 +51,13 @@ public:
     /// All must outlive it.
     OffsetTables(const GridLayout &layout, const TurnedTarget &target, const OffsetUnits &units);
 
-    /// Fills the tables for the target as it is turned now, those of the z axis only as far as windows go.
-    /// False when a unit's offsets do not fit into their windows, as happens only where a coordinate is so
-    /// large that its rounding is felt: then nothing may be read.
-    bool Map();
-    /// Fills the z axis's table, if that has not been done since the last `Map`.
+    /// Fills the tables of the x and y axes for the target as it is turned now.
+    void MapXY();
+    /// Fills the table of the z axis, if that has not been done since the last `MapXY`.
     void MapZ();
+    /// Fills the windows of the z axis. False when a unit's offsets do not fit into their windows, as happens
+    /// only where coordinates are so large that their rounding is felt: then no window may be used.
+    bool MapWindows();
 
     /// The points' indices along an axis at one offset; their sum over the axes is a voxel's index.
     const std::int32_t *Indices(std::size_t axis, std::size_t offset) const {
