@@ -34,7 +34,7 @@ bool AreTame(const Preparation &fit) {
 
 /// Bytes beside the host's own grids.
 double GridBytes(const Preparation &fit) {
-    const double map = double(GridLayout(*fit.map).Size()) * (sizeof(float) + 1);
+    const double map = double(GridLayout(*fit.map).Size()) * (sizeof(float) + 2);
     return fit.keepOut ? map + double(GridLayout(*fit.keepOut).Size()) : map;
 }
 

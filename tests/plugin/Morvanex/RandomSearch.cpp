@@ -119,10 +119,30 @@ Vertex RandomVertex(Dice &dice, double size) {
                   false);
 }
 
+/// Few points where there are many offsets; else also numbers about the widths of vectors, those from which
+/// on levels have to be coarser for their sums to fit into 16 bits, and the most that fit at all.
+unsigned PointCount(Dice &dice, double offsets) {
+    if (offsets > 2000)
+        return 1 + dice.Below(12);
+    if (offsets == 1 && dice.Chance(0.05))
+        return dice.OneOf({1039u, 1040u, 1041u, 1092u, 1093u, 5000u, 16383u, 16384u});
+    if (dice.Chance(0.5))
+        return dice.OneOf({1u, 3u, 4u, 5u, 15u, 16u, 17u, 31u, 32u, 33u});
+    return 1 + dice.Below(offsets > 100 ? 40 : 150);
+}
+
+/// Offsets along a direction: mostly few, now and then numbers about the widths of vectors.
+int CubeSide(Dice &dice) {
+    if (dice.Chance(0.03))
+        return dice.OneOf({15, 17, 31, 33, 35});
+    if (dice.Chance(0.002))
+        return dice.OneOf({63, 65});
+    return dice.OneOf({1, 1, 3, 3, 5, 5, 7, 9, 11, 11, 13});
+}
+
 Target MakeTarget(Dice &dice, double offsets) {
     Target target;
-    const unsigned most = offsets > 2000 ? 12 : offsets > 100 ? 40 : 80;
-    const unsigned count = dice.OneOf({1u, 15u, 16u, 17u, 1 + dice.Below(most), 1 + dice.Below(most)});
+    const unsigned count = PointCount(dice, offsets);
     const double size = dice.OneOf({0.0, 1.0, 5.0, 5.0, 12.0, 30.0});
     // Mostly in the map; now and then so far away that the rounding of a coordinate is felt, or beyond
     // measure.
@@ -159,15 +179,15 @@ RandomSearch::RandomSearch(unsigned seed) {
         keepOut = MakeKeepOut(dice);
     fit.map = map.get();
     fit.keepOut = keepOut.get();
-    const int side =
-        dice.OneOf({1, 1, 3, 3, 5, 5, 7, 9, 11, 11, dice.Chance(0.2) ? 17 : 3, dice.Chance(0.1) ? 33 : 5});
+    const int side = CubeSide(dice);
     const double step = dice.OneOf({0.0, 1e-4, 0.3, 1.0, 1.0, 2.0, 2.0, 3.0, 3.0, 5.0, 20.0, 1e6, -1.5, -4.0,
                                     dice.Chance(0.1) ? std::numeric_limits<double>::infinity() : 2.5});
     fit.offsets = TranslationOffsets(side, step);
     fit.target = MakeTarget(dice, double(fit.offsets.size()));
     const double poses = double(fit.offsets.size()) * double(fit.target.points.size());
     const int mostRotations = std::clamp(int(2e5 / poses), 1, 60);
-    fit.angleStep = dice.OneOf({0.5, 1.0, 1.5707963267948966, 2.0, 3.2, 7.0});
+    fit.angleStep =
+        side > 30 ? dice.OneOf({3.2, 7.0}) : dice.OneOf({0.5, 1.0, 1.5707963267948966, 2.0, 3.2, 7.0});
     const int angles = std::max(1, int(6.2831853 / fit.angleStep));
     for (int i = dice.Between(0, std::max(1, mostRotations / angles)); i > 0; --i)
         fit.axes.push_back(RandomAxis(dice));
