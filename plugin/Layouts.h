@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 
 /// How every dialog of the plug-in makes its parts: each has an object name, by which hosts and tests find
@@ -11,6 +12,13 @@ Widget *Named(const char *name, QWidget *parent) {
     auto *widget = new Widget(parent);
     widget->setObjectName(name);
     return widget;
+}
+
+/// A line of text. It keeps its height, so that rows of a large dialog stay together.
+inline QLabel *NamedLabel(const char *name, QWidget *parent) {
+    auto *label = Named<QLabel>(name, parent);
+    label->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    return label;
 }
 
 /// Enter in a field must not press a button, as it would press an automatic default one.

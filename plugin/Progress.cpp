@@ -2,7 +2,6 @@
 
 #include "Layouts.h"
 
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -10,15 +9,15 @@ Progress::Progress(QWidget *parent, const char *name, bool modal, Qt::WindowFlag
     : QDialog(parent, flags) {
     setObjectName(name ? name : "Progress");
     setModal(modal);
-    textLabel = Named<QLabel>("textLabel", this);
-    etaLabel = Named<QLabel>("etaLabel", this);
+    textLabel = NamedLabel("textLabel", this);
+    etaLabel = NamedLabel("etaLabel", this);
     progressBar = Named<QProgressBar>("progressBar", this);
     cancelButton = NamedButton("cancelButton", this);
     cancelButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 
     layout21 = NamedLayout<QHBoxLayout>("layout21");
     layout21->addWidget(textLabel);
-    layout21->addWidget(etaLabel);
+    layout21->addWidget(etaLabel, 1);
     layout22 = NamedLayout<QHBoxLayout>("layout22");
     layout22->addItem(HorizontalSpacer(140));
     layout22->addWidget(cancelButton);

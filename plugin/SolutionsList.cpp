@@ -10,7 +10,6 @@
 
 #include <QFileDialog>
 #include <QHeaderView>
-#include <QLabel>
 #include <QPointer>
 #include <QTreeWidget>
 
@@ -61,7 +60,7 @@ SolutionsList::SolutionsList(QWidget *parent, const char *name, bool modal, Qt::
 }
 
 void SolutionsList::MakeListColumn() {
-    titleLabel = Named<QLabel>("titleLabel", this);
+    titleLabel = NamedLabel("titleLabel", this);
     solutionsListView = Named<QTreeWidget>("solutionsListView", this);
     solutionsListView->setColumnCount(2);
     solutionsListView->setRootIsDecorated(false);

@@ -12,7 +12,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QSpinBox>
 #include <QTreeWidget>
@@ -28,7 +27,7 @@ using VARNO::Space;
 
 /// A label for a text of the model's, which is never mark-up.
 QLabel *NamedChoice(const char *name, QWidget *parent) {
-    auto *label = Named<QLabel>(name, parent);
+    auto *label = NamedLabel(name, parent);
     label->setTextFormat(Qt::PlainText);
     return label;
 }
@@ -104,13 +103,13 @@ StartFit::StartFit(QWidget *parent, const char *name, bool modal, Qt::WindowFlag
 }
 
 void StartFit::MakeChoices() {
-    moleculeLabel = Named<QLabel>("moleculeLabel", this);
+    moleculeLabel = NamedLabel("moleculeLabel", this);
     selectedMoleculeLabel = NamedChoice("selectedMoleculeLabel", this);
     moleculeButton = NamedButton("moleculeButton", this);
-    densLabel = Named<QLabel>("densLabel", this);
+    densLabel = NamedLabel("densLabel", this);
     selectedDensLabel = NamedChoice("selectedDensLabel", this);
     densButton = NamedButton("densButton", this);
-    surfmolLabel = Named<QLabel>("surfmolLabel", this);
+    surfmolLabel = NamedLabel("surfmolLabel", this);
     selectedSurfmolLabel = NamedChoice("selectedSurfmolLabel", this);
     surfmolButton = NamedButton("surfmolButton", this);
     layout9 = NamedLayout<QVBoxLayout>("layout9");
@@ -123,7 +122,7 @@ void StartFit::MakeChoices() {
 QHBoxLayout *StartFit::MakeChoice(const char *layout, QLabel *caption, QLabel *choice, QPushButton *button) {
     auto *row = NamedLayout<QHBoxLayout>(layout);
     row->addWidget(caption);
-    row->addWidget(choice);
+    row->addWidget(choice, 1);
     row->addWidget(button);
     layout9->addLayout(row);
     return row;
@@ -132,6 +131,8 @@ QHBoxLayout *StartFit::MakeChoice(const char *layout, QLabel *caption, QLabel *c
 QFrame *StartFit::AddLine(const char *name) {
     auto *line = Named<QFrame>(name, this);
     line->setFrameStyle(int(QFrame::HLine) | int(QFrame::Sunken));
+    // The dialog's spare height goes to both sides of its lines.
+    line->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Expanding);
     layout17->addWidget(line);
     return line;
 }
@@ -147,18 +148,18 @@ void StartFit::MakeLoading() {
 }
 
 void StartFit::MakeSampling() {
-    recursionLabel = Named<QLabel>("recursionLabel", this);
+    recursionLabel = NamedLabel("recursionLabel", this);
     recursionSpinBox = Named<QSpinBox>("recursionSpinBox", this);
-    axlesLabel = Named<QLabel>("axlesLabel", this);
-    selectedAxlesLabel = Named<QLabel>("selectedAxlesLabel", this);
-    rotstepLabel = Named<QLabel>("rotstepLabel", this);
+    axlesLabel = NamedLabel("axlesLabel", this);
+    selectedAxlesLabel = NamedLabel("selectedAxlesLabel", this);
+    rotstepLabel = NamedLabel("rotstepLabel", this);
     rotstepComboBox = NamedComboBox("rotstepComboBox", this);
-    transtepLabel = Named<QLabel>("transtepLabel", this);
+    transtepLabel = NamedLabel("transtepLabel", this);
     transstepComboBox = NamedComboBox("transstepComboBox", this);
-    totalLabel = Named<QLabel>("totalLabel", this);
-    transtepsLabel = Named<QLabel>("transtepsLabel", this);
+    totalLabel = NamedLabel("totalLabel", this);
+    transtepsLabel = NamedLabel("transtepsLabel", this);
     transstepsComboBox = NamedComboBox("transstepsComboBox", this);
-    selectedTotalLabel = Named<QLabel>("selectedTotalLabel", this);
+    selectedTotalLabel = NamedLabel("selectedTotalLabel", this);
     layout14 = NamedLayout<QGridLayout>("layout14");
     layout14->addWidget(recursionLabel, 0, 0);
     layout14->addWidget(recursionSpinBox, 0, 1);
@@ -177,7 +178,7 @@ void StartFit::MakeSampling() {
 
 void StartFit::MakeRestraints() {
     restraintfileCheckBox = Named<QCheckBox>("restraintfileCheckBox", this);
-    restraintfileLabel = Named<QLabel>("restraintfileLabel", this);
+    restraintfileLabel = NamedLabel("restraintfileLabel", this);
     restraintfileEdit = Named<QLineEdit>("restraintfileEdit", this);
     restraintfileLabel->setEnabled(false);
     restraintfileEdit->setEnabled(false);
@@ -189,15 +190,15 @@ void StartFit::MakeRestraints() {
 }
 
 void StartFit::MakeOutput() {
-    keepLabel = Named<QLabel>("keepLabel", this);
+    keepLabel = NamedLabel("keepLabel", this);
     keepComboBox = NamedComboBox("keepComboBox", this);
-    leftoverLabel = Named<QLabel>("leftoverLabel", this);
+    leftoverLabel = NamedLabel("leftoverLabel", this);
     layout15 = NamedLayout<QHBoxLayout>("layout15");
     layout15->addWidget(keepLabel);
     layout15->addWidget(keepComboBox);
     layout15->addWidget(leftoverLabel);
     logfileCheckBox = Named<QCheckBox>("logfileCheckBox", this);
-    logfileLabel = Named<QLabel>("logfileLabel", this);
+    logfileLabel = NamedLabel("logfileLabel", this);
     logfileEdit = Named<QLineEdit>("logfileEdit", this);
     logfileLabel->setEnabled(false);
     logfileEdit->setEnabled(false);
@@ -252,6 +253,16 @@ void StartFit::languageChange() {
     applyButton->setText(tr("Apply"));
     cancelButton->setText(tr("Cancel"));
     helpButton->setText(tr("Help"));
+    AlignChoices();
+}
+
+void StartFit::AlignChoices() {
+    const auto captions = {moleculeLabel, densLabel, surfmolLabel};
+    int width = 0;
+    for (const QLabel *caption : captions)
+        width = std::max(width, caption->sizeHint().width());
+    for (QLabel *caption : captions)
+        caption->setMinimumWidth(width);
 }
 
 void StartFit::SelectTarget() {

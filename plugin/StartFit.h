@@ -101,6 +101,8 @@ private:
     void MakeButtons();
     QFrame *AddLine(const char *name);
     QHBoxLayout *MakeChoice(const char *layout, QLabel *caption, QLabel *choice, QPushButton *button);
+    /// The three choices are rows of their own; captions of one width put them into one column.
+    void AlignChoices();
     void ShowFit();
     /// Sorts and shows the new results dialog.
     void OpenResults(int sortColumn, Qt::SortOrder order);

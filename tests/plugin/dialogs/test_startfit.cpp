@@ -200,6 +200,23 @@ TEST_F(StartFitTest, CountsStandBesideTheirControls) {
     }
 }
 
+TEST_F(StartFitTest, RowsStayTogetherInALargeDialog) {
+    const auto gap = [](const QWidget *upper, const QWidget *lower) {
+        return lower->geometry().top() - upper->geometry().bottom();
+    };
+    const auto gaps = [&] {
+        return std::vector{gap(dialog.moleculeButton, dialog.densButton),
+                           gap(dialog.transstepComboBox, dialog.transstepsComboBox),
+                           gap(dialog.keepComboBox, dialog.logfileCheckBox)};
+    };
+    const auto asItComesUp = gaps();
+    dialog.resize(800, 900);
+    Settle();
+    EXPECT_EQ(gaps(), asItComesUp);
+    EXPECT_EQ(dialog.selectedMoleculeLabel->x(), dialog.selectedDensLabel->x());
+    EXPECT_EQ(dialog.selectedMoleculeLabel->x(), dialog.selectedSurfmolLabel->x());
+}
+
 TEST_F(StartFitTest, SelectsTheFirstSelectedChain) {
     VARNO::Compound *second = MakeChain("2xyz", "B", 2);
     Select({second, chain});
