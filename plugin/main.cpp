@@ -2,9 +2,7 @@
 
 #include "CheckPointer.h"
 
-// What a host calls, on its user-interface thread, with a QApplication of its own. Hosts load the library
-// with RTLD_NODELETE: queued calls, meta-objects and strings that the toolkit keeps would dangle if it were
-// unmapped.
+// What a host calls, on its user-interface thread, with a QApplication of its own.
 
 namespace {
 
@@ -16,6 +14,10 @@ bool done = true; ///< whether the plug-in has been cleaned up, or never run
 extern "C" {
 
 /// Starts a session and shows its set-up dialog; shows the same dialog again while there is one.
+///
+/// From the first call on the library must stay mapped until the process ends: load it with RTLD_NODELETE.
+/// Queued calls, meta-objects and strings that the toolkit keeps point into it, and so do windows that are
+/// left open.
 void Execute0() {
     done = false;
     if (thing) {
@@ -27,7 +29,8 @@ void Execute0() {
 }
 
 /// Ends the session, if there is one; it may be called while a fit is running, which is cancelled. The answer
-/// points to a flag that is true until the next `Execute0`.
+/// points to a flag that is true until the next `Execute0`, and stays good. The library must not be unmapped
+/// even now: what is deleted later, and what the toolkit keeps, still needs its code.
 bool *Cleanup() {
     delete thing;
     thing = nullptr;
