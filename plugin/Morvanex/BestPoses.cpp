@@ -18,9 +18,9 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 
 } // namespace
 
-BestPoses::BestPoses(std::size_t keep)
+BestPoses::BestPoses(std::size_t keep, double threshold)
     : m_keep(keep)
-    , m_threshold(keep > 0 ? -infinity : infinity) {}
+    , m_threshold(keep > 0 ? threshold : infinity) {}
 
 void BestPoses::Advance(EntryNumber next, std::uint64_t appended) {
     m_appendedSinceMark += appended;
@@ -41,7 +41,7 @@ void BestPoses::RaiseThreshold() {
         scores.push_back(entry.score);
     const auto worst = scores.begin() + std::ptrdiff_t(m_keep - 1);
     std::nth_element(scores.begin(), worst, scores.end(), std::greater());
-    m_threshold = *worst;
+    m_threshold = std::max(m_threshold, *worst);
 }
 
 /// More than 2·keep entries appended since the mark mean that the list was trimmed after it.

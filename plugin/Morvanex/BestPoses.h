@@ -30,7 +30,8 @@ inline bool operator<(const ScoredEntry &a, const ScoredEntry &b) {
 /// that is cancelled leaves the list as the last trim left it, with the untrimmed entries since then behind.
 class BestPoses {
 public:
-    explicit BestPoses(std::size_t keep);
+    /// Entries below `threshold` are known not to outlive the next trim.
+    explicit BestPoses(std::size_t keep, double threshold = -std::numeric_limits<double>::infinity());
 
     /// Later entries with a score below this do not outlive the next trim.
     double Threshold() const { return m_threshold; }

@@ -19,6 +19,12 @@ struct FastGrids {
 struct PoseTally {
     std::uint64_t accepted = 0;
     std::uint64_t scoredExactly = 0;
+
+    PoseTally &operator+=(const PoseTally &other) {
+        accepted += other.accepted;
+        scoredExactly += other.scoredExactly;
+        return *this;
+    }
 };
 
 /// Scores a rotation at all its offsets at once.

@@ -108,7 +108,7 @@ bool FastSearch::Serves(const Preparation &fit) {
            std::ranges::all_of(Solutions, [](const SolutionScore &s) { return std::isfinite(s.score); });
 }
 
-FastSearch::FastSearch(const Preparation &fit, int keep, PoseCounts &counts)
+FastSearch::FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts)
     : m_fit(fit)
     , m_keep(std::size_t(std::max(keep, 0)))
     , m_counts(counts)
@@ -123,34 +123,41 @@ FastSearch::FastSearch(const Preparation &fit, int keep, PoseCounts &counts)
     for (const SolutionScore &solution : Solutions)
         m_best.Add(solution.score, number++);
     m_best.Advance(m_earlier, m_earlier);
+    if (threads > 1)
+        m_threads.emplace(fit, m_grids, m_keep, m_next + fit.offsets.size(), m_angles * fit.offsets.size(),
+                          threads);
 }
 
 void FastSearch::Identity() {
-    Quaternion rotation;
-    rotation.Set(0.0, Vertex(1, 0, 0, false));
-    ScoreRotation(rotation);
+    Count(m_fit.offsets.size(), m_scorer.Score(RotationWalk(m_fit).At(0), m_next, m_best));
     m_appendedByIdentity = m_appended;
 }
 
 void FastSearch::Axis(std::size_t number) {
-    Quaternion rotation;
-    for (double angle = m_fit.angleStep; angle < fullTurn; angle += m_fit.angleStep) {
-        rotation.Set(angle, m_fit.axes[number]);
-        ScoreRotation(rotation);
+    const std::uint64_t poses = m_angles * m_fit.offsets.size();
+    if (m_threads) {
+        const auto [tally, entries] = m_threads->Take(m_best.Threshold());
+        for (const auto &[score, entry] : entries)
+            if (score >= m_best.Threshold())
+                m_best.Add(score, entry);
+        m_best.Advance(m_next + poses, tally.accepted);
+        Count(poses, tally);
+    } else {
+        Count(poses, ScoreAxis(m_fit, number, m_next, m_scorer, m_best));
     }
     m_axesDone = number + 1;
 }
 
-void FastSearch::ScoreRotation(const Quaternion &rotation) {
-    const PoseTally tally = m_scorer.Score(rotation, m_next, m_best);
-    m_next += m_fit.offsets.size();
+void FastSearch::Count(std::uint64_t tried, const PoseTally &tally) {
+    m_next += tried;
     m_appended += tally.accepted;
-    m_counts.tried += m_fit.offsets.size();
+    m_counts.tried += tried;
     m_counts.accepted += tally.accepted;
     m_counts.scoredExactly += tally.scoredExactly;
 }
 
 void FastSearch::Complete() {
+    m_threads.reset();
     std::vector<EntryNumber> numbers = Numbers(m_best.Greatest());
     if (m_appended < m_keep)
         std::ranges::sort(numbers);
@@ -159,6 +166,7 @@ void FastSearch::Complete() {
 }
 
 void FastSearch::Abandon() {
+    m_threads.reset();
     const std::uint64_t untrimmed = AppendedSinceLastTrim();
     const bool wasTrimmed = untrimmed < m_appended;
     const std::vector<EntryNumber> tail = LastAccepted(std::min(untrimmed, m_appended - m_earlier));

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "BestPoses.h"
-#include "FastScoring.h"
+#include "FastAxes.h"
 #include "Search.h"
 #include "SearchPasses.h"
 #include "SolutionScore.h"
@@ -16,8 +16,8 @@ public:
     static bool Serves(const Preparation &fit);
 
     /// Keeps the `keep` best. `counts` is kept up to date from pass to pass; `Solutions` is brought up to
-    /// date by `Complete` and `Abandon` alone.
-    FastSearch(const Preparation &fit, int keep, PoseCounts &counts);
+    /// date by `Complete` and `Abandon` alone. More than one thread score the axes beside the caller's.
+    FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts);
 
     void Identity() override;
     void Axis(std::size_t number) override;
@@ -25,7 +25,7 @@ public:
     void Abandon() override;
 
 private:
-    void ScoreRotation(const Quaternion &rotation);
+    void Count(std::uint64_t tried, const PoseTally &tally);
     std::uint64_t AppendedSinceLastTrim() const;
     bool IsFirstTurnAccepted() const;
     std::vector<EntryNumber> LastAccepted(std::uint64_t count);
@@ -46,6 +46,7 @@ private:
     std::size_t m_axesDone = 0;
     std::uint64_t m_appended;               ///< to the list so far, the earlier ones included
     std::uint64_t m_appendedByIdentity = 0; ///< by the end of the identity pass
+    std::optional<AxisThreads> m_threads;
 };
 
 } // namespace fast

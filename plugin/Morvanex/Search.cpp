@@ -90,7 +90,7 @@ public:
         m_monitor.Started(m_fit);
         m_log.Open(em_fname, logging);
         if (!m_log.IsWriting() && !options.poseByPose && fast::FastSearch::Serves(fit))
-            m_passes = std::make_unique<fast::FastSearch>(fit, top_size, counts);
+            m_passes = std::make_unique<fast::FastSearch>(fit, top_size, options.threads, counts);
         else
             m_passes = std::make_unique<PoseByPose>(fit, m_log, counts);
     }

@@ -12,6 +12,7 @@ struct PoseCounts {
 struct SearchOptions {
     bool anyNumberOfPoses = false; ///< do not refuse a fit for its number of poses
     bool poseByPose = false;       ///< score each pose on its own: slow, and the definition of the results
+    unsigned threads = 1;          ///< that score poses, where they are not scored one by one; not 0
 };
 
 /// Runs a whole fit with the current parameters: prepares it, scores the target in its own orientation and at

@@ -103,6 +103,23 @@ std::vector<std::int64_t> Targets() {
     return targets;
 }
 
+void ExpectSame(const Outcome &found, const Outcome &expected) {
+    ASSERT_EQ(found.completed, expected.completed);
+    ASSERT_EQ(found.heard, expected.heard);
+    ASSERT_EQ(found.debug, expected.debug);
+    ASSERT_EQ(found.warnings, expected.warnings);
+    ASSERT_EQ(found.tried, expected.tried);
+    ASSERT_EQ(found.accepted, expected.accepted);
+    ASSERT_EQ(found.solutions, expected.solutions);
+}
+
+bool Serves(const RandomSearch &random) {
+    Solutions = random.earlier;
+    const bool serves = fast::FastSearch::Serves(random.fit);
+    Solutions.clear();
+    return serves;
+}
+
 class FastSearchOn : public testing::TestWithParam<std::int64_t> {};
 
 std::string NameOf(const testing::TestParamInfo<std::int64_t> &info) {
@@ -119,17 +136,8 @@ TEST_P(FastSearchOn, GivesWhatPoseByPoseGives) {
         const RandomSearch random(seed);
         SCOPED_TRACE("seed " + std::to_string(seed));
         const Outcome expected = RunRandom(random, {.poseByPose = true});
-        const Outcome found = RunRandom(random, {});
-        ASSERT_EQ(found.completed, expected.completed);
-        ASSERT_EQ(found.heard, expected.heard);
-        ASSERT_EQ(found.debug, expected.debug);
-        ASSERT_EQ(found.warnings, expected.warnings);
-        ASSERT_EQ(found.tried, expected.tried);
-        ASSERT_EQ(found.accepted, expected.accepted);
-        ASSERT_EQ(found.solutions, expected.solutions);
-        Solutions = random.earlier;
-        fast += fast::FastSearch::Serves(random.fit);
-        Solutions.clear();
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(RunRandom(random, {}), expected));
+        fast += Serves(random);
         cancelled += !expected.completed;
     }
     EXPECT_GT(fast, cases / 2) << "too few of the searches were fast ones";
@@ -137,3 +145,21 @@ TEST_P(FastSearchOn, GivesWhatPoseByPoseGives) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Targets, FastSearchOn, testing::ValuesIn(Targets()), NameOf);
+
+class ThreadedSearch : public testing::TestWithParam<unsigned> {};
+
+TEST_P(ThreadedSearch, GivesWhatPoseByPoseGives) {
+    unsigned fast = 0;
+    constexpr unsigned firstSeed = 10000, cases = 600;
+    for (unsigned seed = firstSeed; seed < firstSeed + cases; ++seed) {
+        const RandomSearch random(seed);
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const Outcome expected = RunRandom(random, {.poseByPose = true});
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(RunRandom(random, {.threads = GetParam()}), expected));
+        fast += Serves(random) && random.fit.axes.size() > 1;
+    }
+    EXPECT_GT(fast, cases / 4) << "too few of the searches had work for threads";
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, ThreadedSearch, testing::Values(2, 3, 8),
+                         testing::PrintToStringParamName());
