@@ -20,15 +20,20 @@ const Option &FindOption(const Command &command, const std::string &name) {
     return *found;
 }
 
-void CheckNumber(const Option &option, const std::string &text) {
-    bool ok = true;
-    if (option.value == Value::Integer)
-        QString::fromStdString(text).toInt(&ok);
-    if (option.value == Value::Number)
-        QString::fromStdString(text).toDouble(&ok);
+void CheckInteger(const Option &option, const QString &text) {
+    bool fits, isWhole;
+    text.toInt(&fits);
+    text.toLongLong(&isWhole);
+    if (!fits)
+        throw UsageError(option.name + ": '" + text.toStdString() + "' is " +
+                         (isWhole ? "too large a number" : "not a whole number"));
+}
+
+void CheckNumber(const Option &option, const QString &text) {
+    bool ok;
+    text.toDouble(&ok);
     if (!ok)
-        throw UsageError(option.name + ": '" + text + "' is not a " +
-                         (option.value == Value::Integer ? "whole number" : "number"));
+        throw UsageError(option.name + ": '" + text.toStdString() + "' is not a number");
 }
 
 class Parser {
@@ -63,7 +68,10 @@ private:
         if (option.value == Value::None)
             return;
         values.push_back(equals == std::string::npos ? NextWord(option) : word.substr(equals + 1));
-        CheckNumber(option, values.back());
+        if (option.value == Value::Integer)
+            CheckInteger(option, QString::fromStdString(values.back()));
+        if (option.value == Value::Number)
+            CheckNumber(option, QString::fromStdString(values.back()));
     }
 
     std::string NextWord(const Option &option) {

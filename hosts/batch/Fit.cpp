@@ -44,7 +44,9 @@ void SetLog(const FitOptions &options) {
 /// Runs the search; the record then holds what came of it. False where Ctrl-C stopped it.
 bool Search(FitRecord &record) {
     FitProgress progress(record, record.options.quiet);
-    const bool finished = RunFit(progress, &record.poses, {record.options.force});
+    const bool finished =
+        RunFit(progress, &record.poses,
+               {.anyNumberOfPoses = record.options.force, .threads = unsigned(record.options.threads)});
     if (!progress.LogError().isEmpty())
         throw VARNO::FileError(*record.options.log, "",
                                "cannot be written: " + progress.LogError().toStdString() +

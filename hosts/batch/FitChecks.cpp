@@ -67,7 +67,10 @@ std::string Refusal(const Survey &survey, const FitOptions &options) {
         return atAll.toStdString();
     if (options.force || cost.poses < fewPoses)
         return {};
-    const double pace = MeasurePace(survey, options.log.has_value()), seconds = cost.poses / pace;
+    // With a log poses are scored one by one.
+    const double pace =
+        MeasurePace(survey, {.poseByPose = options.log.has_value(), .threads = unsigned(options.threads)});
+    const double seconds = cost.poses / pace;
     std::string problem = RefuseFit(cost, gammaStep, false).toStdString();
     if (problem.empty() && seconds > longestFit)
         problem = "The fit would try " + GeneralNumber(cost.poses).toStdString() + " poses.";

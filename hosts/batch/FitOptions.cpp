@@ -7,12 +7,14 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <thread>
 
 namespace Batch {
 
 namespace {
 
 constexpr int deepestAxis = 99; ///< the largest number that the set-up dialog's field takes
+constexpr int mostThreads = 1024;
 
 std::string ConfiguredText(const std::string &key) {
     return VARNO::Config::GetSetting("Morvanex", key).ToString();
@@ -32,6 +34,12 @@ int AxisOf(const Arguments &arguments) {
     if (arguments.Has("--axis"))
         return arguments.Integer("--axis");
     return std::clamp(VARNO::Config::GetSetting("Morvanex", "Axis").ToInt(), 0, deepestAxis);
+}
+
+int ThreadsOf(const Arguments &arguments) {
+    if (arguments.Has("--threads"))
+        return arguments.Integer("--threads");
+    return std::clamp(int(std::thread::hardware_concurrency()), 1, mostThreads);
 }
 
 std::vector<std::string> SplitAtCommas(const std::string &text) {
@@ -142,6 +150,12 @@ std::vector<Option> FitOptionTable() {
          .valueName = "A",
          .help = "Residues of the solid farther than this from the target's centre, in Å, are left out",
          .defaultText = shipped("Marginal", "60.0")},
+        {.name = "--threads",
+         .value = Value::Integer,
+         .valueName = "N",
+         .help = "How many threads score poses; the results do not depend on it. With --log there is only "
+                 "one",
+         .defaultText = "one for each core that the command may use"},
 
         {.name = "--results",
          .value = Value::Text,
@@ -202,6 +216,7 @@ FitOptions ReadFitOptions(const Arguments &arguments) {
     options.modelPrefix = ModelPrefix(arguments);
     options.quiet = arguments.Has("--quiet");
     options.force = arguments.Has("--force");
+    options.threads = ThreadsOf(arguments);
     return options;
 }
 
@@ -218,6 +233,8 @@ void CheckFitOptions(const FitOptions &options) {
         Refuse("--inclusion-distance", options.inclusionDistance, "a distance in Å");
     if (options.models < 0)
         Refuse("--models", std::to_string(options.models), "a number of models");
+    if (options.threads < 1 || options.threads > mostThreads)
+        Refuse("--threads", std::to_string(options.threads), "a whole number from 1 to 1024");
     CheckName("--log", options.log);
     CheckName("--restraints", options.restraints);
     if (options.solidChains && options.solids.empty())

@@ -30,6 +30,7 @@ struct FitOptions {
     std::string modelPrefix;
     bool quiet = false;
     bool force = false;
+    int threads = 1; ///< that score poses
 };
 
 /// The options of `morvanex fit` for the help and the parser.

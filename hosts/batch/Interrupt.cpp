@@ -1,5 +1,6 @@
 #include "Interrupt.h"
 
+#include <atomic>
 #include <string_view>
 
 #include <unistd.h>
@@ -8,12 +9,14 @@ namespace Batch {
 
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+/// Set on whichever thread the signal finds.
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may wait for no lock");
 
 void Note(int) {
     constexpr std::string_view text =
         "\nStopping at the end of the current axis; Ctrl-C again ends at once.\n";
-    interrupted = 1;
+    interrupted = true;
     // A signal handler may call write, but no stream. There is nobody to tell if it fails.
     [[maybe_unused]] const auto written = write(STDERR_FILENO, text.data(), text.size());
 }
@@ -41,11 +44,11 @@ SignalHold::SignalHold() {
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&signals, signal);
-    sigprocmask(SIG_BLOCK, &signals, &m_before);
+    pthread_sigmask(SIG_BLOCK, &signals, &m_before);
 }
 
 SignalHold::~SignalHold() {
-    sigprocmask(SIG_SETMASK, &m_before, nullptr);
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
 } // namespace Batch

@@ -2,7 +2,6 @@
 
 #include "Axes.h"
 #include "Parameters.h"
-#include "Search.h"
 
 #include <QElapsedTimer>
 
@@ -43,7 +42,7 @@ private:
 
 } // namespace
 
-double MeasurePace(const Survey &survey, bool withLog) {
+double MeasurePace(const Survey &survey, const SearchOptions &options) {
     // Few enough that a single axis does not take long.
     constexpr int mostTranslations = 11;
     Preparation trial;
@@ -54,7 +53,7 @@ double MeasurePace(const Survey &survey, bool withLog) {
     trial.angleStep = Radians(45);
     PoseCounts counts;
     Stopwatch stopwatch(counts);
-    RunSearch(trial, stopwatch, counts, {.poseByPose = withLog});
+    RunSearch(trial, stopwatch, counts, options);
     Solutions.clear();
     return stopwatch.Pace();
 }

@@ -83,7 +83,7 @@ TEST(ParseArguments, RefusesWhatIsNoNumber) {
     EXPECT_EQ(ErrorOf({"--map", "m", "--axis", "two"}), "--axis: 'two' is not a whole number");
     EXPECT_EQ(ErrorOf({"--map", "m", "--axis", "2.5"}), "--axis: '2.5' is not a whole number");
     EXPECT_EQ(ErrorOf({"--map", "m", "--axis", ""}), "--axis: '' is not a whole number");
-    EXPECT_EQ(ErrorOf({"--map", "m", "--axis", "9999999999"}), "--axis: '9999999999' is not a whole number");
+    EXPECT_EQ(ErrorOf({"--map", "m", "--axis", "9999999999"}), "--axis: '9999999999' is too large a number");
     EXPECT_EQ(ErrorOf({"--map", "m", "--step", "5,0"}), "--step: '5,0' is not a number");
     EXPECT_EQ(ErrorOf({"--map", "m", "--step", "5A"}), "--step: '5A' is not a number");
 }

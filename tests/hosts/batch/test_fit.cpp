@@ -110,6 +110,19 @@ TEST_F(Fit, GivesTheSameBytesTwice) {
     EXPECT_EQ(ReadFile(File("m1-2.pdb")), ReadFile(File("m2-2.pdb")));
 }
 
+TEST_F(Fit, GivesTheSameBytesOnAnyNumberOfThreads) {
+    for (const std::string threads : {"1", "2", "8"})
+        EXPECT_EQ(
+            RunFit({"--axis", "2", "--translation-steps", "9", "--solid", File("model.pdb"), "--threads",
+                    threads, "--results", File("r" + threads), "--json", File("j" + threads)})
+                .status,
+            0);
+    for (const std::string threads : {"2", "8"}) {
+        EXPECT_EQ(ReadFile(File("r" + threads)), ReadFile(File("r1")));
+        EXPECT_EQ(WithoutTime(File("j" + threads)), WithoutTime(File("j1")));
+    }
+}
+
 TEST_F(Fit, SavesThePosesOfTheResultsFileInFullPrecision) {
     EXPECT_EQ(RunFit({"--results", File("r"), "--json", File("j")}).status, 0);
     std::vector<SolutionScore> solutions = Saved(File("j"));

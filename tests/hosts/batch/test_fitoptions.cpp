@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <thread>
+
 using namespace Batch;
 using testing::ElementsAre;
 using VARNO::Config;
@@ -62,6 +64,7 @@ TEST_F(FitOptionsTest, AreTheShippedSettingsByDefault) {
     EXPECT_EQ(options.models, 0);
     EXPECT_FALSE(options.quiet);
     EXPECT_FALSE(options.force);
+    EXPECT_EQ(options.threads, int(std::thread::hardware_concurrency()));
     EXPECT_NO_THROW(CheckFitOptions(options));
 }
 
@@ -87,13 +90,14 @@ TEST_F(FitOptionsTest, PreferTheCommandLine) {
     Configure("Axis=3\nRotationStep=7.1\nTransNum=9\nTransStep=2.7\nTopList=12\nMarginal=35.5\n");
     const FitOptions options =
         Read({"--axis", "1", "--rotation-step", "15", "--translation-steps", "3", "--translation-step", "4.5",
-              "--keep", "7", "--inclusion-distance", "20"});
+              "--keep", "7", "--inclusion-distance", "20", "--threads", "3"});
     EXPECT_EQ(options.axis, 1);
     EXPECT_EQ(options.rotationStep, 15.0);
     EXPECT_EQ(options.translationSteps, 3);
     EXPECT_EQ(options.translationStep, 4.5);
     EXPECT_EQ(options.keep, 7);
     EXPECT_EQ(options.inclusionDistance, "20");
+    EXPECT_EQ(options.threads, 3);
 }
 
 TEST_F(FitOptionsTest, SplitTheSolidChains) {
@@ -117,6 +121,9 @@ TEST_F(FitOptionsTest, AreRefusedWithOptionAndValue) {
     EXPECT_EQ(ErrorOf({"--inclusion-distance", "-1"}), "--inclusion-distance: -1 is not a distance in Å");
     EXPECT_EQ(ErrorOf({"--inclusion-distance", "nan"}), "--inclusion-distance: nan is not a distance in Å");
     EXPECT_EQ(ErrorOf({"--models", "-1"}), "--models: -1 is not a number of models");
+    EXPECT_EQ(ErrorOf({"--threads", "0"}), "--threads: 0 is not a whole number from 1 to 1024");
+    EXPECT_EQ(ErrorOf({"--threads", "-2"}), "--threads: -2 is not a whole number from 1 to 1024");
+    EXPECT_EQ(ErrorOf({"--threads", "1025"}), "--threads: 1025 is not a whole number from 1 to 1024");
     EXPECT_EQ(ErrorOf({"--solid-chains", "A"}), "--solid-chains is given without --solid");
     EXPECT_EQ(ErrorOf({"--rotation-step", "0"}), "no error");
 }
