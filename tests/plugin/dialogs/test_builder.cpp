@@ -144,6 +144,20 @@ TEST_F(Builder, ResiduesWithoutTheirAtomsStayUnbonded) {
     EXPECT_THAT(Bonds(residues[4]), SizeIs(1));
 }
 
+TEST_F(Builder, EntriesThatAreNoResiduesArePassedByAndTheirNeighboursBonded) {
+    VARNO::DataMaker::makeAtom(chain, "ZN", "ZN", "1", VARNO::Vertex(5, 5, 5, true), 1, "", 2, 0);
+    Compound *last = VARNO::DataMaker::makeGroup(chain, "ALA", "5");
+    VARNO::DataMaker::makeAtom(last, "N", "N", "1", VARNO::Vertex(3, 1, 1, true), 1, "", 0, 0);
+    SelectRanks({"01"});
+    Build();
+    const Compound *molecule = *Clumps().front()->ChildBegin();
+    EXPECT_EQ(molecule->ChildEnd() - molecule->ChildBegin(), 5);
+    const auto residues = Residues(Clumps().front());
+    ASSERT_THAT(residues, SizeIs(5));
+    ASSERT_THAT(Bonds(residues[3]), SizeIs(1));
+    EXPECT_EQ(Bonds(residues[3]).front()->GetSecond(), residues[4]->FindChild("N"));
+}
+
 TEST_F(Builder, SelectedRowsAreBuiltInDisplayOrder) {
     SelectRanks({"03", "01", "02"});
     Build();

@@ -50,6 +50,18 @@ TEST_F(ProgressTest, IsLaidOutInOneColumn) {
     EXPECT_EQ(dialog.cancelButton->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
 }
 
+TEST_F(ProgressTest, TheButtonStandsBetweenTwoSpacers) {
+    const Progress dialog;
+    const auto *row = dialog.findChild<QHBoxLayout *>("layout22");
+    ASSERT_TRUE(row && row->count() == 3);
+    EXPECT_EQ(row->itemAt(1)->widget(), dialog.cancelButton);
+    for (const auto &[place, width] : {std::pair(0, 140), std::pair(2, 150)}) {
+        ASSERT_TRUE(row->itemAt(place)->spacerItem());
+        EXPECT_EQ(row->itemAt(place)->sizeHint(), QSize(width, 20));
+        EXPECT_EQ(row->itemAt(place)->spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
+    }
+}
+
 TEST_F(ProgressTest, CancelOnlyNotesThatItWasPressed) {
     Progress dialog;
     dialog.show();

@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QTreeWidget>
 
+#include <sys/stat.h>
+
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
@@ -288,6 +290,17 @@ TEST_F(SolutionsListTest, AFileOfAnotherFormatHoldsNothing) {
     Load(folder.Write("model.pdb", "HEADER    HYDROLASE\nEND\n"));
     EXPECT_THAT(Solutions, IsEmpty());
     EXPECT_THAT(Column(0), IsEmpty());
+}
+
+TEST_F(SolutionsListTest, AFileThatCannotBeReadEmptiesTheList) {
+    FillWith(3);
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Load(pipe);
+    EXPECT_THAT(Solutions, IsEmpty());
+    EXPECT_THAT(Column(0), IsEmpty());
+    EXPECT_EQ(CountWindows("QMessageBox"), 0);
+    EXPECT_THAT(Warnings(), ElementsAre(pipe + ": not a regular file"));
 }
 
 TEST_F(SolutionsListTest, TwoLoadsShowTheSecond) {

@@ -266,6 +266,13 @@ TEST_F(StartFitTest, SelectsAllResiduesOfTheSelectedChainsAsSolid) {
     EXPECT_FALSE(dialog.applyButton->isEnabled() || dialog.loadButton->isEnabled());
 }
 
+TEST_F(StartFitTest, TheTargetIsNotLeftOutOfTheSolid) {
+    ChooseTarget();
+    Click(dialog.surfmolButton);
+    EXPECT_EQ(m_Target, chain);
+    EXPECT_EQ(m_Solid.size(), 4u);
+}
+
 TEST_F(StartFitTest, NothingSelectedShowsNotAvailable) {
     Select({});
     Click(dialog.moleculeButton);
@@ -415,6 +422,13 @@ TEST_F(StartFitTest, DoneDeletesTheResultsAndKeepsTheirAddress) {
     EXPECT_TRUE(results.isNull());
     EXPECT_EQ(RDialog, address);
     EXPECT_TRUE(dialog.isEnabled());
+    dialog.reEnable();
+    EXPECT_TRUE(dialog.isEnabled());
+}
+
+TEST_F(StartFitTest, WithoutResultsReEnablingOnlyEnables) {
+    RDialog = nullptr;
+    dialog.setEnabled(false);
     dialog.reEnable();
     EXPECT_TRUE(dialog.isEnabled());
 }

@@ -112,11 +112,11 @@ TEST_F(BadInput, AResultsFileOfAnotherFormatIsReadAsFarAsItGoes) {
     EXPECT_THAT(Warnings().back(), testing::HasSubstr("skipped 2 lines with fewer than eight words"));
 }
 
-/// Picks a folder in the file dialog that comes up, which shows what is in it, and then gives up.
-class FolderThenCancel {
+/// Picks something in the file dialog that comes up, which does not take it, and then gives up.
+class PickThenCancel {
 public:
-    explicit FolderThenCancel(const QString &folder)
-        : m_meanwhile([this, folder] {
+    explicit PickThenCancel(const std::string &path)
+        : m_meanwhile([this, path] {
             auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
             if (!dialog || !dialog->isVisible())
                 return false;
@@ -127,7 +127,7 @@ public:
             }
             auto *edit = Find<QLineEdit>(dialog, "fileNameEdit");
             edit->setCompleter(nullptr);
-            Type(edit, folder);
+            Type(edit, path.c_str());
             Click(buttons->buttons().front());
             picked = true;
             return false;
@@ -139,14 +139,17 @@ private:
     Meanwhile m_meanwhile;
 };
 
-TEST_F(BadInput, AFolderIsNoResultsFile) {
+TEST_F(BadInput, AFolderIsNoResultsFileNorIsWhatIsNotThere) {
     ASSERT_TRUE(Apply());
-    for (const char *button : {"saveButton", "loadButton"}) {
-        const FolderThenCancel answer(QString::fromStdString(folder.Path()));
+    for (const auto &[button, path] :
+         {std::pair("saveButton", folder.Path()), std::pair("loadButton", folder.Path()),
+          std::pair("loadButton", Path("absent.txt"))}) {
+        const PickThenCancel answer(path);
         Press(ResultsDialog(), button);
         EXPECT_TRUE(answer.picked);
     }
     EXPECT_THAT(Rows(), IsEmpty()) << "loading was cancelled";
+    EXPECT_THAT(Warnings(), IsEmpty());
 }
 
 TEST_F(BadInput, ResultsInAFolderThatDoesNotExistAreNotSaved) {

@@ -1,10 +1,15 @@
 #include "HostTest.h"
 
+#include "DataAdder.h"
+
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QEvent>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::StartsWith;
 
 class Lifecycle : public HostTest {
 protected:
@@ -171,4 +176,151 @@ TEST_F(Lifecycle, ResultsClosedByTheirFrameLeaveTheSetUpDisabled) {
     plugin.Cleanup();
     plugin.Execute0();
     EXPECT_TRUE(FitDialog()->isEnabled()) << "a new session";
+}
+
+TEST_F(Lifecycle, AResultsDialogThatWasLeftOpenIsNotReplaced) {
+    const Assembly assembly = ReadExample();
+    const int leftOpen = CountWindows("SolutionsList");
+    for (const int results : {1, 2}) {
+        plugin.Execute0();
+        Choose(assembly);
+        EnterQuickSearch();
+        ASSERT_TRUE(Apply());
+        EXPECT_EQ(CountWindows("SolutionsList"), leftOpen + results);
+        plugin.Cleanup();
+    }
+}
+
+TEST_F(Lifecycle, CalledDuringAFitTheSetUpIsShownAndStaysDisabled) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    QWidget *dialog = FitDialog();
+    const DuringAFit call([&] {
+        CloseByFrame(dialog);
+        EXPECT_FALSE(FitDialog());
+        plugin.Execute0();
+        EXPECT_EQ(FitDialog(), dialog);
+        EXPECT_FALSE(dialog->isEnabled());
+    });
+    EXPECT_TRUE(Apply());
+    EXPECT_TRUE(call.Done());
+}
+
+TEST_F(Lifecycle, ASetUpClosedDuringAFitComesBackWhenItIsCalled) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    const DuringAFit close([] { CloseByFrame(FitDialog()); });
+    EXPECT_TRUE(Apply());
+    EXPECT_TRUE(close.Done());
+    EXPECT_FALSE(FitDialog());
+    LeaveResults();
+    plugin.Execute0();
+    EXPECT_TRUE(FitDialog() && FitDialog()->isEnabled());
+}
+
+TEST_F(Lifecycle, EscapeClosesAWindowAsItsFrameDoes) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    const DuringAFit escape([] {
+        PressKey(ProgressDialog(), Qt::Key_Escape);
+        EXPECT_FALSE(ProgressDialog());
+    });
+    EXPECT_TRUE(Apply()) << "the fit goes on";
+    EXPECT_TRUE(escape.Done());
+    PressKey(ResultsDialog(), Qt::Key_Escape);
+    EXPECT_FALSE(ResultsDialog());
+    EXPECT_FALSE(FitDialog()->isEnabled()) << "the results are not done";
+    PressKey(FitDialog(), Qt::Key_Escape);
+    EXPECT_TRUE(FitDialog()) << "what is disabled takes no key";
+}
+
+namespace {
+
+/// Writes down which windows are raised.
+class RaiseWatch : public QObject {
+public:
+    RaiseWatch() { QCoreApplication::instance()->installEventFilter(this); }
+    bool eventFilter(QObject *object, QEvent *event) override {
+        if (event->type() == QEvent::ZOrderChange && static_cast<QWidget *>(object)->isVisible())
+            raised.push_back(object->objectName().toStdString());
+        return false;
+    }
+
+    std::vector<std::string> raised;
+};
+
+} // namespace
+
+TEST_F(Lifecycle, EveryWindowIsRaisedWhenItIsShown) {
+    const Assembly assembly = ReadExample();
+    RaiseWatch watch;
+    plugin.Execute0();
+    plugin.Execute0();
+    EXPECT_THAT(watch.raised, ElementsAre("StartFit", "StartFit"));
+    Choose(assembly);
+    EnterQuickSearch();
+    Forget();
+    watch.raised.clear();
+    ASSERT_TRUE(Apply());
+    EXPECT_THAT(watch.raised, ElementsAre("Progress", "solutionsDialog"));
+    LeaveResults();
+    watch.raised.clear();
+    Press(FitDialog(), "loadButton");
+    EXPECT_THAT(watch.raised, ElementsAre("solutionsDialog"));
+}
+
+TEST_F(Lifecycle, SaysWhatItDoesInOrder) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    Forget();
+    const std::string restraints =
+        folder.Write("restraints.txt", ResiduesOf(assembly.target)[5]->GetLabel() + " 1.5 -2 30\n");
+    Press(FitDialog(), "restraintfileCheckBox");
+    Enter("restraintfileEdit", restraints.c_str());
+    messages.Clear();
+    Choose(assembly);
+    ASSERT_TRUE(Apply());
+    SelectRank("02");
+    Press(ResultsDialog(), "buildButton");
+    Save(Path("results.txt"));
+    LeaveResults();
+    plugin.Cleanup();
+    EXPECT_THAT(messages.Debug(),
+                ElementsAre("Selecting target chain", "Selecting density map", "Selecting static residues",
+                            "Fit!",
+                            "Residue: " + ResiduesOf(assembly.target)[5]->GetLabel() +
+                                " should prefer position (   1.500  -2.000  30.000 )",
+                            "Residue:  should prefer position (   0.000   0.000   0.000 )", "Points 21",
+                            "Extra scores 2", "Solid inclusion distance:  60.000",
+                            StartsWith("Solid residues: "), "Built solution 2.", Path("results.txt"),
+                            "Morvanex has left the building.", "Fitter cleanup."));
+}
+
+TEST_F(Lifecycle, BuildsNothingIntoAModelThatTakesNoAdditions) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    Forget();
+    ASSERT_TRUE(Apply());
+    SelectRank("01");
+    auto *space = VARNO::Space::instance();
+    {
+        const VARNO::DataAdder<VARNO::Space> ofTheHost(space);
+        Press(ResultsDialog(), "buildButton");
+    }
+    space->SetReadOnly(true);
+    Press(ResultsDialog(), "buildButton");
+    EXPECT_THAT(BuiltClumps(), IsEmpty());
+    space->SetReadOnly(false);
+    Press(ResultsDialog(), "buildButton");
+    EXPECT_THAT(BuiltClumps(), SizeIs(1));
 }
