@@ -72,7 +72,7 @@ ProgressMonitor *running;
 } // namespace
 
 bool runfit() {
-    if (running) {
+    if (IsFitting()) {
         qWarning("A fit is running already; no other one starts.");
         return false;
     }
@@ -81,6 +81,10 @@ bool runfit() {
     const bool finished = RunFit(monitor);
     running = nullptr;
     return finished;
+}
+
+bool IsFitting() {
+    return running;
 }
 
 void StopFit() {

@@ -8,5 +8,8 @@
 /// processing of another one is refused, on the warning channel.
 bool runfit();
 
+/// Whether a fit is running: the caller then sits in its event processing, and must leave `Solutions` alone.
+bool IsFitting();
+
 /// Cancels the running fit, if there is one, as the Cancel button does.
 void StopFit();

@@ -1,6 +1,7 @@
 #include "SolutionsList.h"
 
 #include "Builder.h"
+#include "FitRun.h"
 #include "Layouts.h"
 #include "Numbers.h"
 #include "Parameters.h"
@@ -121,6 +122,11 @@ void SolutionsList::done() {
 }
 
 void SolutionsList::load() {
+    // Results that an ended session has left open can be clicked while the next one's fit runs.
+    if (IsFitting()) {
+        qWarning("A fit is running; nothing is loaded.");
+        return;
+    }
     const QPointer<SolutionsList> self(this);
     auto *dialog = Named<QFileDialog>("open file dialogLoad Morvanex result list", this);
     dialog->setOption(QFileDialog::DontUseNativeDialog);

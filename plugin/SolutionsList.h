@@ -44,7 +44,8 @@ private slots:
     /// Adds a copy of the target to the model for each selected row, in the pose of its solution.
     virtual void build();
     virtual void done();
-    /// Replaces `Solutions` by what a file of the user's choice holds. They are emptied in any case.
+    /// Replaces `Solutions` by what a file of the user's choice holds. They are emptied in any case, unless a
+    /// fit is filling them, which is said on the warning channel.
     virtual void load();
     /// Writes `Solutions` to a file of the user's choice.
     virtual void save();

@@ -23,8 +23,9 @@ struct SearchOptions {
 /// the model or the fit would take too much (said on the warning channel; nothing is changed then), or when
 /// it was cancelled: `Solutions` then holds what was found, untrimmed.
 ///
-/// Nodes cannot leave the model while it runs. `counts`, if given, is kept up to date from pass to pass.
-/// `Solutions` is up to date when the monitor hears `Cancelled` or `Finished`, not necessarily before.
+/// Nodes cannot leave the model while it runs, and the monitor must leave `Solutions` alone. `counts`, if
+/// given, is kept up to date from pass to pass. `Solutions` is up to date when the monitor hears `Cancelled`
+/// or `Finished`, not necessarily before.
 bool RunFit(FitMonitor &monitor, PoseCounts *counts = nullptr, const SearchOptions &options = {});
 
 /// The search alone, on what has been prepared: everything above that comes after the preparation.

@@ -327,16 +327,18 @@ TEST_F(SolutionsListTest, ClosingItByItsFrameIsNotDone) {
 }
 
 TEST_F(SolutionsListTest, MayBeDeletedWhileItsFileDialogIsOpen) {
-    auto *doomed = new SolutionsList;
-    doomed->show();
-    const Meanwhile end([&] {
-        if (!QApplication::activeModalWidget())
-            return false;
-        delete doomed;
-        return true;
-    });
-    Solutions = {Scored(7, 1)};
-    Click(doomed->loadButton);
-    EXPECT_TRUE(end.Done());
+    for (const char *button : {"saveButton", "loadButton"}) {
+        auto *doomed = new SolutionsList;
+        doomed->show();
+        const Meanwhile end([&] {
+            if (!QApplication::activeModalWidget())
+                return false;
+            delete doomed;
+            return true;
+        });
+        Solutions = {Scored(7, 1)};
+        Click(Find<QPushButton>(doomed, button));
+        EXPECT_TRUE(end.Done());
+    }
     EXPECT_THAT(Solutions, IsEmpty());
 }

@@ -213,6 +213,8 @@ TEST_F(StartFitTest, RowsStayTogetherInALargeDialog) {
     dialog.resize(800, 900);
     Settle();
     EXPECT_EQ(gaps(), asItComesUp);
+    EXPECT_EQ(dialog.moleculeButton->y(), 10) << "the margin";
+    EXPECT_EQ(dialog.height() - 1 - dialog.applyButton->geometry().bottom(), 10);
     EXPECT_EQ(dialog.selectedMoleculeLabel->x(), dialog.selectedDensLabel->x());
     EXPECT_EQ(dialog.selectedMoleculeLabel->x(), dialog.selectedSurfmolLabel->x());
 }

@@ -191,6 +191,31 @@ TEST_F(Lifecycle, AResultsDialogThatWasLeftOpenIsNotReplaced) {
     }
 }
 
+TEST_F(Lifecycle, ResultsThatWereLeftOpenDoNoHarmToTheNextFit) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    Forget();
+    ASSERT_TRUE(Apply());
+    plugin.Cleanup();
+    QWidget *leftOpen = ResultsDialog();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    const DuringAFit use([&] {
+        ClickRow(ListOf(leftOpen), 0, "01");
+        Press(leftOpen, "buildButton");
+        Press(leftOpen, "loadButton");
+        Press(leftOpen, "doneButton");
+    });
+    EXPECT_TRUE(Apply());
+    EXPECT_TRUE(use.Done());
+    EXPECT_THAT(BuiltClumps(), SizeIs(1));
+    EXPECT_THAT(Rows(), SizeIs(20));
+    EXPECT_THAT(Warnings(), ElementsAre("A fit is running; nothing is loaded."));
+}
+
 TEST_F(Lifecycle, CalledDuringAFitTheSetUpIsShownAndStaysDisabled) {
     const Assembly assembly = ReadExample();
     plugin.Execute0();

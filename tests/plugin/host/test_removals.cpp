@@ -131,6 +131,7 @@ TEST_F(Removals, OfABuiltCopyThatWasTheSolid) {
     Press(ResultsDialog(), "buildButton");
     Forget();
     LeaveResults();
+    ASSERT_THAT(BuiltClumps(), SizeIs(1));
     Compound *copy = BuiltClumps().front();
     Choose("surfmolButton", {*copy->ChildBegin()});
     const DuringAFit remove([&] { Remove(copy); });
@@ -149,6 +150,7 @@ TEST_F(Removals, OfABuiltCopyThatIsTheTarget) {
     SelectRank("01");
     Press(ResultsDialog(), "buildButton");
     LeaveResults();
+    ASSERT_THAT(BuiltClumps(), SizeIs(1));
     Choose("moleculeButton", {*BuiltClumps().front()->ChildBegin()});
     Remove(BuiltClumps().front());
     RefusesWith(targetGone);
