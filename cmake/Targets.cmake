@@ -46,7 +46,7 @@ function(morvanex_plugin name)
     cmake_parse_arguments(ARG "" "OUTPUT_NAME;SOVERSION;EXPORTS" "SOURCES;LINK" ${ARGN})
     add_library(${name} SHARED ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES OUTPUT_NAME ${ARG_OUTPUT_NAME} SOVERSION ${ARG_SOVERSION}
-                                             LINK_DEPENDS ${ARG_EXPORTS})
+                                             LINK_DEPENDS ${ARG_EXPORTS} INSTALL_RPATH "$ORIGIN")
     target_link_libraries(${name} PRIVATE morvanex_flags ${ARG_LINK})
     target_link_options(${name} PRIVATE -Wl,--version-script=${ARG_EXPORTS} -Wl,-z,nodelete)
 endfunction()
