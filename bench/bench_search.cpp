@@ -134,7 +134,7 @@ MakeCase Once(std::function<Case()> make) {
 
 void RegisterRatios(const std::string &name, bool solid, const MakeCase &make) {
     for (const int offsets : {1, 3, 5, 11, 21, 31})
-        for (const int keep : {10, 100, 5000})
+        for (const int keep : {0, 10, 100, 5000})
             for (const bool poseByPose : {true, false}) {
                 const std::string full = "search/" + name + "/solid:" + std::to_string(solid) +
                                          "/offsets:" + std::to_string(offsets) +

@@ -140,13 +140,10 @@ SumRange FastMap::SumsBetween(double low, double high) const {
     return {std::uint16_t(std::max(first, 0.0)), std::uint16_t(std::min(last, 65535.0))};
 }
 
-FastMap::FineTest FastMap::TestBetween(double low, double high) const {
+FineRange FastMap::FineSumsBetween(double low, double high) const {
+    constexpr double most = std::numeric_limits<std::int32_t>::max();
     const auto [first, last] = LimitsOf(low, high, 1);
-    FineTest test;
-    test.m_fineSteps = m_fineSteps;
-    test.m_first = first;
-    test.m_last = last;
-    return test;
+    return {std::int32_t(std::clamp(first, -most, most)), std::int32_t(std::clamp(last, -most, most))};
 }
 
 FastSolid::FastSolid(const Grid &grid)

@@ -67,21 +67,11 @@ public:
     /// included.
     SumRange SumsBetween(double low, double high) const;
 
-    /// What both sums of a pose say of its score.
-    class FineTest {
-    public:
-        /// Whether the pose may score between the bounds.
-        bool MayHold(std::uint16_t levelSum, std::uint16_t fineSum) const {
-            const double fine = m_fineSteps * levelSum - fineSum;
-            return m_first <= fine && fine <= m_last;
-        }
-
-    private:
-        friend FastMap;
-        std::int32_t m_fineSteps;
-        double m_first, m_last;
-    };
-    FineTest TestBetween(double low, double high) const;
+    /// Fine levels in a level.
+    std::int32_t FineSteps() const { return m_fineSteps; }
+    /// Poses whose FineSteps() times the sum of levels, less the sum of fine levels, lies outside this range
+    /// do not score between `low` and `high`, both included.
+    FineRange FineSumsBetween(double low, double high) const;
 
 private:
     struct Limits {

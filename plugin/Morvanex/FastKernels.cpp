@@ -154,14 +154,15 @@ void SumRowsOf(const RowSums &job) {
                    pattern3 = hn::LoadU(d, patterns + 3 * windowBytes);
         const std::int32_t *starts = job.windows.starts + point;
         std::uint16_t *sums = job.sums;
+        const std::int32_t *const *row = job.ys;
         for (std::size_t x = 0; x < job.xCount; ++x) {
             const std::int32_t *xs = job.xs[x] + point;
             const std::uint8_t *slab0 = job.levels + xs[0] + starts[0],
                                *slab1 = job.levels + xs[1] + starts[1],
                                *slab2 = job.levels + xs[2] + starts[2],
                                *slab3 = job.levels + xs[3] + starts[3];
-            for (std::size_t row = job.rowsBegin[x]; row < job.rowsBegin[x + 1]; ++row) {
-                const std::int32_t *ys = job.ys[row] + point;
+            for (const auto end = job.ys + job.rowsBegin[x + 1]; row != end; ++row) {
+                const std::int32_t *ys = *row + point;
                 const auto levels01 = hn::Add(hn::TableLookupBytesOr0(hn::LoadU(d, slab0 + ys[0]), pattern0),
                                               hn::TableLookupBytesOr0(hn::LoadU(d, slab1 + ys[1]), pattern1));
                 const auto levels23 = hn::Add(hn::TableLookupBytesOr0(hn::LoadU(d, slab2 + ys[2]), pattern2),
@@ -193,6 +194,30 @@ void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange 
             hn::StoreMaskBits(d, hn::Or(inA, inB), bits + k / 8);
         }
         marks[row] = std::uint16_t(bits[0] | bits[1] << 8);
+    }
+}
+
+void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
+                  std::size_t rows, FineRange a, FineRange b, std::uint16_t *marks) {
+    const hn::CappedTag<std::int32_t, 8> d;
+    const hn::Rebind<std::uint16_t, decltype(d)> d16;
+    // Highway has no >= for whole numbers here.
+    const auto within = [d](auto sum, FineRange range) {
+        return hn::And(hn::Eq(hn::Max(sum, hn::Set(d, range.first)), sum),
+                       hn::Eq(hn::Min(sum, hn::Set(d, range.last)), sum));
+    };
+    for (std::size_t row = 0; row < rows; ++row) {
+        unsigned bits = 0;
+        for (std::size_t k = 0; k < windowOffsets; k += hn::Lanes(d)) {
+            const std::size_t at = row * windowOffsets + k;
+            const auto levels = hn::PromoteTo(d, hn::LoadU(d16, sums + at));
+            const auto fine = hn::PromoteTo(d, hn::LoadU(d16, fineSums + at));
+            const auto sum = hn::Sub(hn::Mul(levels, hn::Set(d, fineSteps)), fine);
+            std::uint8_t lanes[8] = {};
+            hn::StoreMaskBits(d, hn::Or(within(sum, a), within(sum, b)), lanes);
+            bits |= unsigned(lanes[0]) << k;
+        }
+        marks[row] = std::uint16_t(bits);
     }
 }
 
@@ -253,6 +278,7 @@ HWY_EXPORT(LargestWindow);
 HWY_EXPORT(MapWindows);
 HWY_EXPORT(SumRows);
 HWY_EXPORT(MarkSums);
+HWY_EXPORT(MarkFineSums);
 HWY_EXPORT(Touches);
 HWY_EXPORT(ScorePoses);
 
@@ -275,6 +301,10 @@ void SumRows(const RowSums &job) {
 }
 void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange b, std::uint16_t *marks) {
     HWY_DYNAMIC_DISPATCH(MarkSums)(sums, rows, a, b, marks);
+}
+void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
+                  std::size_t rows, FineRange a, FineRange b, std::uint16_t *marks) {
+    HWY_DYNAMIC_DISPATCH(MarkFineSums)(sums, fineSums, fineSteps, rows, a, b, marks);
 }
 bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose) {
     return HWY_DYNAMIC_DISPATCH(Touches)(levels, points, pose);

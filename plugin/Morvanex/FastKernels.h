@@ -84,6 +84,15 @@ struct PoseIndices {
     const std::int32_t *x, *y, *z;
 };
 
+/// Closed range of fine sums; empty when first > last.
+struct FineRange {
+    std::int32_t first = 1, last = 0;
+};
+
+/// As above, of fineSteps·sum - fineSum.
+void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
+                  std::size_t rows, FineRange a, FineRange b, std::uint16_t *marks);
+
 /// Whether a voxel under the pose's points has a level above 0.
 bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose);
 

@@ -15,7 +15,7 @@ namespace {
 
 /// Rows of a block at most: their sums, 32 bytes each, stay in the first-level cache beside the rows of the
 /// map.
-constexpr std::size_t blockRows = 256;
+constexpr std::size_t blockRows = 64;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
@@ -168,17 +168,13 @@ bool CubeScorer::FineLevelsPay(double threshold) const {
 }
 
 void CubeScorer::CloseByFineLevels(const Block &block, double threshold) {
-    SumLevels(m_mapTables, m_grids.map.FineLevels(), block, m_fineSums);
-    const auto good = m_grids.map.TestBetween(threshold, infinity);
-    const auto rejectable = m_grids.map.TestBetween(-1.0, -1.0);
-    const bool mayBeRejectable = m_grids.map.HasNegativeVoxels();
+    const FastMap &map = m_grids.map;
+    SumLevels(m_mapTables, map.FineLevels(), block, m_fineSums);
+    const FineRange rejectable = map.HasNegativeVoxels() ? map.FineSumsBetween(-1.0, -1.0) : FineRange();
+    MarkFineSums(m_sums.data(), m_fineSums.data(), map.FineSteps(), m_rows.size(),
+                 map.FineSumsBetween(threshold, infinity), rejectable, m_marks.data());
     for (std::size_t i = 0; i < m_rows.size(); ++i)
-        for (unsigned rest = m_rows[i].open; rest != 0; rest &= rest - 1) {
-            const auto k = unsigned(std::countr_zero(rest));
-            const std::uint16_t sum = m_sums[i * windowOffsets + k], fine = m_fineSums[i * windowOffsets + k];
-            if (!good.MayHold(sum, fine) && !(mayBeRejectable && rejectable.MayHold(sum, fine)))
-                m_rows[i].open &= ~(1u << k);
-        }
+        m_rows[i].open &= m_marks[i];
 }
 
 void CubeScorer::ListCandidates(const Block &block) {
