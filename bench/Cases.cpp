@@ -16,15 +16,30 @@ namespace {
 /// All residues of a solid are taken, however far from the target.
 constexpr float everywhere = 1e6f;
 
-std::vector<TaggedPoint> Ball(std::mt19937 &generator, unsigned points, const Vertex &centre) {
-    std::normal_distribution<float> coordinate(0, 2.1f * std::cbrt(float(points)));
-    std::vector<TaggedPoint> ball;
-    for (unsigned i = 0; i < points; ++i) {
+/// Of a ball that a protein of so many residues fills, Å: each takes about 134 Å³.
+float Radius(unsigned residues) {
+    return 3.2f * std::cbrt(float(residues));
+}
+
+/// A chain of residues: steps of 3.8 Å in any direction that stay within a ball as large as such a protein.
+std::vector<TaggedPoint> Walk(std::mt19937 &generator, unsigned points, const Vertex &centre) {
+    const float radius = Radius(points);
+    std::normal_distribution<float> coordinate(0, 1);
+    VARNO::Vector<float, 3> place(0, 0, 0);
+    std::vector<TaggedPoint> walk;
+    while (walk.size() < points) {
+        VARNO::Vector<float, 3> step(coordinate(generator), coordinate(generator), coordinate(generator));
+        const float scale = 3.8f / std::sqrt(step.SquaredLength());
+        for (const unsigned i : {0u, 1u, 2u})
+            step[i] *= scale;
+        if ((place + step).SquaredLength() > radius * radius)
+            continue;
+        place = place + step;
         Vertex point;
-        point = centre + Vertex(coordinate(generator), coordinate(generator), coordinate(generator), false);
-        ball.emplace_back(point, 'A');
+        point = centre + place;
+        walk.emplace_back(point, 'A');
     }
-    return ball;
+    return walk;
 }
 
 } // namespace
@@ -38,15 +53,17 @@ Case SyntheticCase(unsigned points, bool withSolid) {
     std::normal_distribution<float> density(0, 1);
     for (float &value : map->Values())
         value = density(generator);
-    const VARNO::DataAdder<Compound> batch(VARNO::Space::instance());
     Case made;
-    made.map = VARNO::DataMaker::addGrid(VARNO::Space::instance(), std::move(map));
-    made.target.points = Ball(generator, points, Vertex(0, 0, 0, false));
+    {
+        const VARNO::DataAdder<Compound> batch(VARNO::Space::instance());
+        made.map = VARNO::DataMaker::addGrid(VARNO::Space::instance(), std::move(map));
+    }
+    made.target.points = Walk(generator, points, Vertex(0, 0, 0, false));
     made.target.centre = Vertex(0, 0, 0, false);
     if (withSolid) {
-        const float away = 7 * std::cbrt(float(points));
+        const float away = 2.2f * Radius(points);
         Solid solid;
-        solid.points = Ball(generator, points, Vertex(away, 0, 0, false));
+        solid.points = Walk(generator, points, Vertex(away, 0, 0, false));
         solid.low = solid.high = solid.points.front().first;
         for (const auto &[point, tag] : solid.points)
             for (const unsigned i : {0u, 1u, 2u}) {

@@ -12,8 +12,8 @@ struct Case {
 };
 
 /// A map of 100 x 100 x 100 voxels of 2 Å filled with noise, the hardest to screen since every part of it is
-/// like every other. The target is a ball of `points` in its middle, the solid, if wanted, another one beside
-/// it, so that some of the poses collide. The same in every run.
+/// like every other. The target is a chain of `points` in its middle, the solid, if wanted, another one
+/// beside it, so that some of the poses collide. The same in every run.
 Case SyntheticCase(unsigned points, bool withSolid);
 
 /// A chain of a structure file in a map; all its other chains are the solid, if wanted. Throws FileError, and

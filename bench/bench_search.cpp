@@ -1,11 +1,14 @@
-// Whole searches, fast and pose by pose. Arguments that are no options name real cases: NAME MAP STRUCTURE
-// CHAIN.
+// Single poses and whole searches, fast and pose by pose. Arguments that are no options name real cases: NAME
+// MAP STRUCTURE CHAIN.
 
 #include "Angles.h"
 #include "Axes.h"
 #include "Cases.h"
 #include "Parameters.h"
+#include "Scoring.h"
 #include "Search.h"
+
+#include <QTextStream>
 
 #include <benchmark/benchmark.h>
 
@@ -70,6 +73,26 @@ Preparation PrepareFew(const Case &searched, int offsets) {
     return fit;
 }
 
+/// What scoring a pose on its own costs, with nothing around it.
+void MeasureScoring(benchmark::State &state, const Case &searched, int offsets) {
+    const Preparation fit = Prepare(searched, offsets);
+    const std::vector<TaggedPoint> &points = fit.target.points;
+    std::vector<TaggedPoint> moved = points;
+    std::vector<double> noDistances;
+    QTextStream noLog;
+    Quaternion rotation;
+    rotation.Set(0.5, Vertex(0.6f, 0, 0.8f, false));
+    for (auto _ : state)
+        for (const Vertex &offset : fit.offsets)
+            benchmark::DoNotOptimize(DoScores(rotation, TranslationAbout(fit.target.centre, rotation, offset),
+                                              fit.map, points, nullptr, {}, moved, noDistances, noLog,
+                                              false));
+    const double poses = double(state.iterations()) * double(fit.offsets.size());
+    state.counters["poses"] = benchmark::Counter(poses, benchmark::Counter::kIsRate);
+    state.counters["point"] = benchmark::Counter(poses * double(points.size()),
+                                                 benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
 void MeasureSearch(benchmark::State &state, const Case &searched, int offsets, int keep, bool poseByPose) {
     const Preparation fit = poseByPose ? PrepareFew(searched, offsets) : Prepare(searched, offsets);
     PoseCounts counts;
@@ -82,10 +105,9 @@ void MeasureSearch(benchmark::State &state, const Case &searched, int offsets, i
 
 void MeasureThreads(benchmark::State &state, const Case &searched, int offsets, unsigned threads) {
     const Preparation fit = Prepare(searched, offsets);
-    PoseCounts counts;
     for (auto _ : state)
-        counts = Search(fit, 100, {.threads = threads});
-    state.counters["poses"] = benchmark::Counter(double(counts.tried), benchmark::Counter::kIsRate);
+        Search(fit, 100, {.threads = threads});
+    state.counters["rate"] = benchmark::Counter(double(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 /// What a second core gives to work that shares nothing: the measure for the search on two threads.
@@ -96,6 +118,7 @@ void PureComputing(benchmark::State &state) {
             x = 3.9 * x * (1 - x);
         benchmark::DoNotOptimize(x);
     }
+    state.counters["rate"] = benchmark::Counter(double(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 /// A figure of this process in kB, as the kernel keeps it.
@@ -134,7 +157,7 @@ MakeCase Once(std::function<Case()> make) {
 
 void RegisterRatios(const std::string &name, bool solid, const MakeCase &make) {
     for (const int offsets : {1, 3, 5, 11, 21, 31})
-        for (const int keep : {0, 10, 100, 5000})
+        for (const int keep : {10, 100, 5000})
             for (const bool poseByPose : {true, false}) {
                 const std::string full = "search/" + name + "/solid:" + std::to_string(solid) +
                                          "/offsets:" + std::to_string(offsets) +
@@ -157,11 +180,11 @@ void RegisterThreads(const MakeCase &make) {
         const std::string number = std::to_string(threads);
         for (const int offsets : {11, 21})
             benchmark::RegisterBenchmark(
-                ("threads/search/offsets:" + std::to_string(offsets) + "/" + number).c_str(),
+                ("threads/search, " + std::to_string(offsets) + " offsets/" + number).c_str(),
                 [=](benchmark::State &state) { MeasureThreads(state, make(), offsets, threads); })
                 ->UseRealTime()
                 ->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(("threads/pure/" + number).c_str(), PureComputing)
+        benchmark::RegisterBenchmark(("threads/computing alone/" + number).c_str(), PureComputing)
             ->Threads(int(threads))
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
@@ -186,6 +209,8 @@ int main(int argc, char **argv) {
         return 2;
     }
     const MakeCase usual = Once([] { return SyntheticCase(375, false); });
+    benchmark::RegisterBenchmark("scoring/one pose at a time",
+                                 [=](benchmark::State &state) { MeasureScoring(state, usual(), 11); });
     RegisterMemory(usual);
     RegisterThreads(usual);
     for (const bool solid : {false, true}) {
