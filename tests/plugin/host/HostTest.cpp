@@ -9,7 +9,6 @@
 #include "StructureFile.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QLabel>
 #include <QProgressBar>
 #include <QTreeWidget>
@@ -19,11 +18,9 @@ using VARNO::Space;
 
 namespace {
 
+/// The bar of the fit that is running; null when there is none to be seen.
 QProgressBar *ShownBar() {
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->objectName() == "Progress" && window->isVisible())
-            return Find<QProgressBar>(window, "progressBar");
-    return nullptr;
+    return Find<QProgressBar>(FindNamedWindow("Progress"), "progressBar");
 }
 
 } // namespace
@@ -74,13 +71,6 @@ int HostTest::CountMaps(const std::string &name) {
     for (auto it = Space::instance()->PartBegin(); it != Space::instance()->PartEnd(); ++it)
         count += dynamic_cast<VARNO::Grid *>(*it) && (*it)->GetName() == name;
     return count;
-}
-
-QWidget *HostTest::Window(const char *name) {
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->objectName() == name && window->isVisible())
-            return window;
-    return nullptr;
 }
 
 void HostTest::Press(QWidget *window, const char *button) {

@@ -51,11 +51,10 @@ protected:
     static std::vector<VARNO::Compound *> ResiduesOf(VARNO::Compound *node);
     static int CountMaps(const std::string &name);
 
-    /// The visible window of that object name; null when there is none.
-    static QWidget *Window(const char *name);
-    static QWidget *FitDialog() { return Window("StartFit"); }
-    static QWidget *ProgressDialog() { return Window("Progress"); }
-    static QWidget *ResultsDialog() { return Window("solutionsDialog"); }
+    /// The visible dialogs; null where there is none.
+    static QWidget *FitDialog() { return FindNamedWindow("StartFit"); }
+    static QWidget *ProgressDialog() { return FindNamedWindow("Progress"); }
+    static QWidget *ResultsDialog() { return FindNamedWindow("solutionsDialog"); }
 
     /// Clicks a button or check box of a window.
     static void Press(QWidget *window, const char *button);

@@ -92,9 +92,12 @@ TEST_F(BadInput, ALogThatCannotBeWrittenIsLost) {
 }
 
 TEST_F(BadInput, RestraintsThatCannotBeReadAreNone) {
+    ASSERT_TRUE(Apply());
+    Save(Path("morvx.lst"));
+    LeaveResults();
     Press(FitDialog(), "restraintfileCheckBox");
     for (const std::string &file :
-         {Path("absent.txt"), folder.Path(), SourceFolder() + "/examples/1tii_8A.mrc"}) {
+         {Path("absent.txt"), folder.Path(), Path("morvx.lst"), SourceFolder() + "/examples/1tii_8A.mrc"}) {
         messages.Clear();
         Enter("restraintfileEdit", file.c_str());
         ASSERT_TRUE(Apply());

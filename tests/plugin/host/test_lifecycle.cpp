@@ -2,8 +2,8 @@
 
 #include "DataAdder.h"
 
+#include <QApplication>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QEvent>
 
 using testing::ElementsAre;
@@ -139,6 +139,28 @@ TEST_F(Lifecycle, CleanupDuringAFitCancelsIt) {
     LeaveResults();
 }
 
+TEST_F(Lifecycle, CleanupWhileAFileDialogIsOpenLeavesItToTheUser) {
+    const Assembly assembly = ReadExample();
+    plugin.Execute0();
+    Choose(assembly);
+    EnterQuickSearch();
+    Forget();
+    ASSERT_TRUE(Apply());
+    for (int round = 0; round < 2; ++round) {
+        bool cleaned = false;
+        const Meanwhile cleanUp([&] {
+            cleaned = QApplication::activeModalWidget();
+            if (cleaned)
+                plugin.Cleanup();
+            return cleaned;
+        });
+        Save(Path("results.txt"));
+        EXPECT_TRUE(cleaned);
+    }
+    Load(Path("results.txt"));
+    EXPECT_THAT(Rows(), SizeIs(20));
+}
+
 TEST_F(Lifecycle, ASessionBegunDuringTheLastFitOfAnEndedOneIsItsOwn) {
     const Assembly assembly = ReadExample();
     plugin.Execute0();
@@ -270,7 +292,7 @@ namespace {
 /// Writes down which windows are raised.
 class RaiseWatch : public QObject {
 public:
-    RaiseWatch() { QCoreApplication::instance()->installEventFilter(this); }
+    RaiseWatch() { qApp->installEventFilter(this); }
     bool eventFilter(QObject *object, QEvent *event) override {
         if (event->type() == QEvent::ZOrderChange && static_cast<QWidget *>(object)->isVisible())
             raised.push_back(object->objectName().toStdString());

@@ -75,6 +75,13 @@ QWidget *FindWindow(const char *className, bool visible) {
     return nullptr;
 }
 
+QWidget *FindNamedWindow(const char *objectName) {
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->objectName() == objectName && window->isVisible())
+            return window;
+    return nullptr;
+}
+
 int CountWindows(const char *className) {
     int count = 0;
     for (const QWidget *window : QApplication::topLevelWidgets())

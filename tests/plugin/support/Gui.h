@@ -21,9 +21,10 @@ void CloseByFrame(QWidget *window);
 /// Lets the event loop do what is waiting.
 void Settle();
 
-/// The top-level window of that object name and class, the latest one that is visible if there are several;
-/// null when there is none.
+/// The first top-level window of that class; null when there is none.
 QWidget *FindWindow(const char *className, bool visible = true);
+/// The first visible top-level window of that object name; null when there is none.
+QWidget *FindNamedWindow(const char *objectName);
 /// How many top-level windows of that class exist, visible or not.
 int CountWindows(const char *className);
 
