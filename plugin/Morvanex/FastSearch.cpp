@@ -42,6 +42,20 @@ double MayTakeBytes(const Preparation &fit) {
     return 2.0 * double(fit.map->Values().size_bytes()) + 64.0 * 1024 * 1024;
 }
 
+double PosesPerAxis(const Preparation &fit) {
+    return double(CountAngles(fit.angleStep)) * double(fit.offsets.size());
+}
+
+/// Bytes that a thread takes at most: its tables and windows, and the entries of the axis in work and of the
+/// one that waits, in vectors that may have grown to twice what they hold.
+double ThreadBytes(const Preparation &fit, std::size_t keep) {
+    constexpr double tableEntry = 3 * sizeof(std::int32_t), window = 32 + 2 * sizeof(std::int32_t);
+    const double side = std::cbrt(double(fit.offsets.size()));
+    const double tables = double(Padded(fit.target.points.size())) * side * (tableEntry + window);
+    const double entries = std::min(2 * double(keep) + 4096, PosesPerAxis(fit));
+    return (fit.keepOut ? 2 : 1) * tables + 4 * entries * sizeof(ScoredEntry);
+}
+
 double Rotations(const Preparation &fit) {
     return 1 + double(fit.axes.size()) * double(CountAngles(fit.angleStep));
 }
@@ -108,6 +122,12 @@ bool FastSearch::Serves(const Preparation &fit) {
            std::ranges::all_of(Solutions, [](const SolutionScore &s) { return std::isfinite(s.score); });
 }
 
+unsigned FastSearch::ThreadsWithin(const Preparation &fit, int keep, unsigned threads) {
+    const double room = MayTakeBytes(fit) - GridBytes(fit);
+    const double fitting = room / ThreadBytes(fit, std::size_t(std::max(keep, 0)));
+    return unsigned(std::clamp(fitting, 1.0, double(threads)));
+}
+
 FastSearch::FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts)
     : m_fit(fit)
     , m_keep(std::size_t(std::max(keep, 0)))
@@ -123,9 +143,9 @@ FastSearch::FastSearch(const Preparation &fit, int keep, unsigned threads, PoseC
     for (const SolutionScore &solution : Solutions)
         m_best.Add(solution.score, number++);
     m_best.Advance(m_earlier, m_earlier);
-    if (threads > 1)
+    if (const unsigned many = ThreadsWithin(fit, keep, threads); many > 1)
         m_threads.emplace(fit, m_grids, m_keep, m_next + fit.offsets.size(), m_angles * fit.offsets.size(),
-                          threads);
+                          many);
 }
 
 void FastSearch::Identity() {

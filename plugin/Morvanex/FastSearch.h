@@ -15,6 +15,10 @@ public:
     /// Whether this search can take the place of the pose-by-pose one, and is worth its preparation.
     static bool Serves(const Preparation &fit);
 
+    /// How many of `threads` may score poses, 1 or more: what they take beside the host's own map stays
+    /// within twice that map and 64 MiB.
+    static unsigned ThreadsWithin(const Preparation &fit, int keep, unsigned threads);
+
     /// Keeps the `keep` best. `counts` is kept up to date from pass to pass; `Solutions` is brought up to
     /// date by `Complete` and `Abandon` alone. More than one thread score the axes beside the caller's.
     FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts);
