@@ -20,8 +20,8 @@ struct Target {
     std::size_t invalidResidues = 0;       ///< left out because the model has no position for them
 };
 
-/// The key by which a restraint names a residue: name and sequence identifier, "ALA12", without white space at
-/// the ends.
+/// The key by which a restraint names a residue: name and sequence identifier, "ALA12", without white space
+/// at the ends.
 QString RestraintKey(const VARNO::Residue &residue);
 
 /// The residues of a chain as points, and the restraints that name one of them. A residue may match several

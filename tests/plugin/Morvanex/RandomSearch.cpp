@@ -76,7 +76,7 @@ private:
     float m_constant;
 };
 
-std::unique_ptr<Grid> MakeGrid(Dice &dice, unsigned largest, float spacing) {
+std::unique_ptr<Grid> MakeGrid(Dice &dice, unsigned largest, float spacing, double place) {
     unsigned n[3];
     for (unsigned &count : n)
         count = 1 + dice.Below(dice.Chance(0.1) ? 3 : largest);
@@ -85,14 +85,14 @@ std::unique_ptr<Grid> MakeGrid(Dice &dice, unsigned largest, float spacing) {
         for (float &one : s)
             one = float(dice.Uniform(0.4, 4));
     for (unsigned i = 0; i < 3; ++i)
-        o[i] = float(-0.5 * n[i] * s[i] + (dice.Chance(0.5) ? 0 : dice.Uniform(-5, 5)));
+        o[i] = float(place - 0.5 * n[i] * s[i] + (dice.Chance(0.5) ? 0 : dice.Uniform(-5, 5)));
     return std::make_unique<Grid>(
         "grid", VARNO::Vector<unsigned, 3>(n[0], n[1], n[2]), VARNO::Vector<float, 3>(o[0], o[1], o[2]),
         VARNO::Vector<float, 3>(s[0], s[1], s[2]), VARNO::Vector<float, 3>(90, 90, 90));
 }
 
-std::unique_ptr<Grid> MakeMap(Dice &dice) {
-    auto grid = MakeGrid(dice, 24, float(dice.OneOf({1.0, 1.742, 2.0, dice.Uniform(0.5, 4)})));
+std::unique_ptr<Grid> MakeMap(Dice &dice, double place) {
+    auto grid = MakeGrid(dice, 24, float(dice.OneOf({1.0, 1.742, 2.0, dice.Uniform(0.5, 4)})), place);
     VoxelMaker voxel(dice);
     for (float &value : grid->Values())
         value = voxel();
@@ -103,8 +103,8 @@ std::unique_ptr<Grid> MakeMap(Dice &dice) {
     return grid;
 }
 
-std::unique_ptr<Grid> MakeKeepOut(Dice &dice) {
-    auto grid = MakeGrid(dice, 16, 2.0f);
+std::unique_ptr<Grid> MakeKeepOut(Dice &dice, double place) {
+    auto grid = MakeGrid(dice, 16, 2.0f, place);
     const double filled = dice.OneOf({0.0, 0.002, 0.02, 0.2, 1.0});
     for (float &value : grid->Values())
         value = dice.Chance(filled) ? float(dice.OneOf({2.0, 2.01, 6.0, dice.Uniform(0, 6)})) : 0.0f;
@@ -140,14 +140,15 @@ int CubeSide(Dice &dice) {
     return dice.OneOf({1, 1, 3, 3, 5, 5, 7, 9, 11, 11, 13});
 }
 
-Target MakeTarget(Dice &dice, double offsets) {
+Target MakeTarget(Dice &dice, double offsets, double place) {
     Target target;
     const unsigned count = PointCount(dice, offsets);
     const double size = dice.OneOf({0.0, 1.0, 5.0, 5.0, 12.0, 30.0});
     // Mostly in the map; now and then so far away that the rounding of a coordinate is felt, or beyond
     // measure.
     const double far = dice.Chance(0.9) ? 0 : dice.OneOf({20.0, 1e4, 1e7, 1e18, 1e38});
-    const Vertex shift = RandomVertex(dice, far == 0 ? 2 : far);
+    Vertex shift;
+    shift = RandomVertex(dice, far == 0 ? 2 : far) + Vertex(float(place), float(place), float(place), false);
     VARNO::Vector<float, 3> sum;
     for (unsigned i = 0; i < count; ++i) {
         const Vertex position = RandomVertex(dice, size);
@@ -174,16 +175,18 @@ Vertex RandomAxis(Dice &dice) {
 
 RandomSearch::RandomSearch(unsigned seed) {
     Dice dice(seed);
-    map = MakeMap(dice);
+    // Far from the frame's origin even neighbouring offsets are rounded.
+    const double place = dice.Chance(0.05) ? dice.OneOf({3e5, 4e6, 1.6e7}) : 0;
+    map = MakeMap(dice, place);
     if (dice.Chance(0.4))
-        keepOut = MakeKeepOut(dice);
+        keepOut = MakeKeepOut(dice, place);
     fit.map = map.get();
     fit.keepOut = keepOut.get();
     const int side = CubeSide(dice);
     const double step = dice.OneOf({0.0, 1e-4, 0.3, 1.0, 1.0, 2.0, 2.0, 3.0, 3.0, 5.0, 20.0, 1e6, -1.5, -4.0,
                                     dice.Chance(0.1) ? std::numeric_limits<double>::infinity() : 2.5});
     fit.offsets = TranslationOffsets(side, step);
-    fit.target = MakeTarget(dice, double(fit.offsets.size()));
+    fit.target = MakeTarget(dice, double(fit.offsets.size()), place);
     const double poses = double(fit.offsets.size()) * double(fit.target.points.size());
     const int mostRotations = std::clamp(int(2e5 / poses), 1, 60);
     fit.angleStep =
