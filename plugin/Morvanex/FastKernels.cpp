@@ -93,25 +93,26 @@ bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded
     for (std::size_t i = 0; i < padded; i += lanes)
         hn::StoreU(hn::Min(hn::LoadU(di, windows.starts + i), hn::LoadU(di, windows.scratch + i)), di,
                    windows.starts + i);
+    const std::size_t window = windows.shape.bytes;
     for (std::size_t i = 0; i < points; ++i) {
         const auto p = hn::Set(d, coordinates[i]);
         const auto start = hn::Set(di, windows.starts[i]);
+        std::uint8_t *pattern = windows.patterns + i * windows.shape.PatternBytes();
         for (std::size_t k = 0; k < count; k += lanes) {
             const auto index = NearestIndex(hn::Add(p, hn::LoadU(d, translations + k)), axis);
             hn::StoreU(hn::DemoteTo(bytes, hn::Sub(index, start)), bytes,
-                       windows.patterns + i * windows.bytes + k);
+                       pattern + k / lookUpOffsets * window + k % lookUpOffsets);
         }
     }
     const hn::FixedTag<std::uint8_t, 16> d8;
     auto largest = hn::Zero(d8);
-    for (std::size_t i = 0; i < points; ++i) {
-        std::uint8_t *pattern = windows.patterns + i * windows.bytes;
-        largest =
-            windows.bytes == 32 ? SplitPositions(pattern, largest) : hn::Max(largest, hn::LoadU(d8, pattern));
+    for (std::size_t i = 0; i < points * windows.shape.lookUps; ++i) {
+        std::uint8_t *pattern = windows.patterns + i * window;
+        largest = window == 32 ? SplitPositions(pattern, largest) : hn::Max(largest, hn::LoadU(d8, pattern));
     }
     HWY_ALIGN std::uint8_t positions[16];
     hn::Store(largest, d8, positions);
-    return *std::max_element(positions, positions + 16) < windows.bytes;
+    return *std::max_element(positions, positions + 16) < window;
 }
 
 using Levels16 = hn::FixedTag<std::uint8_t, 16>;
@@ -142,16 +143,31 @@ HWY_INLINE hn::Vec<Levels16> Fold(D, V levels) {
         return hn::Add(hn::LowerHalf(Levels16(), levels), hn::UpperHalf(Levels16(), levels));
 }
 
-template <std::size_t windowBytes>
+/// Looks up the levels of `levelGroup` points in their windows of a row and adds them to the row's sums.
+template <class D, class V>
+HWY_INLINE void AddLookUp(D d, V row0, V row1, V row2, V row3, V pattern0, V pattern1, V pattern2, V pattern3,
+                          std::uint16_t *sums) {
+    const auto levels01 =
+        hn::Add(hn::TableLookupBytesOr0(row0, pattern0), hn::TableLookupBytesOr0(row1, pattern1));
+    const auto levels23 =
+        hn::Add(hn::TableLookupBytesOr0(row2, pattern2), hn::TableLookupBytesOr0(row3, pattern3));
+    AddWidened(Sums(), Fold(d, hn::Add(levels01, levels23)), sums);
+}
+
+template <std::size_t windowBytes, std::size_t lookUps>
 void SumRowsOf(const RowSums &job) {
+    static_assert(levelGroup == 4);
     const hn::FixedTag<std::uint8_t, windowBytes> d;
-    std::fill_n(job.sums, windowOffsets * job.rowsBegin[job.xCount], std::uint16_t(0));
+    constexpr std::size_t rowSums = lookUps * lookUpOffsets, pattern = lookUps * windowBytes;
+    constexpr std::size_t second = pattern - windowBytes; // the first where there is no other
+    std::fill_n(job.sums, rowSums * job.rowsBegin[job.xCount], std::uint16_t(0));
     for (std::size_t point = 0; point < job.padded; point += levelGroup) {
-        static_assert(levelGroup == 4);
-        const std::uint8_t *patterns = job.windows.patterns + point * windowBytes;
-        const auto pattern0 = hn::LoadU(d, patterns), pattern1 = hn::LoadU(d, patterns + windowBytes),
-                   pattern2 = hn::LoadU(d, patterns + 2 * windowBytes),
-                   pattern3 = hn::LoadU(d, patterns + 3 * windowBytes);
+        const std::uint8_t *p0 = job.windows.patterns + point * pattern, *p1 = p0 + pattern,
+                           *p2 = p1 + pattern, *p3 = p2 + pattern;
+        const auto first0 = hn::LoadU(d, p0), first1 = hn::LoadU(d, p1), first2 = hn::LoadU(d, p2),
+                   first3 = hn::LoadU(d, p3);
+        const auto second0 = hn::LoadU(d, p0 + second), second1 = hn::LoadU(d, p1 + second),
+                   second2 = hn::LoadU(d, p2 + second), second3 = hn::LoadU(d, p3 + second);
         const std::int32_t *starts = job.windows.starts + point;
         std::uint16_t *sums = job.sums;
         const std::int32_t *const *row = job.ys;
@@ -163,42 +179,51 @@ void SumRowsOf(const RowSums &job) {
                                *slab3 = job.levels + xs[3] + starts[3];
             for (const auto end = job.ys + job.rowsBegin[x + 1]; row != end; ++row) {
                 const std::int32_t *ys = *row + point;
-                const auto levels01 = hn::Add(hn::TableLookupBytesOr0(hn::LoadU(d, slab0 + ys[0]), pattern0),
-                                              hn::TableLookupBytesOr0(hn::LoadU(d, slab1 + ys[1]), pattern1));
-                const auto levels23 = hn::Add(hn::TableLookupBytesOr0(hn::LoadU(d, slab2 + ys[2]), pattern2),
-                                              hn::TableLookupBytesOr0(hn::LoadU(d, slab3 + ys[3]), pattern3));
-                AddWidened(Sums(), Fold(d, hn::Add(levels01, levels23)), sums);
-                sums += windowOffsets;
+                const auto row0 = hn::LoadU(d, slab0 + ys[0]), row1 = hn::LoadU(d, slab1 + ys[1]),
+                           row2 = hn::LoadU(d, slab2 + ys[2]), row3 = hn::LoadU(d, slab3 + ys[3]);
+                AddLookUp(d, row0, row1, row2, row3, first0, first1, first2, first3, sums);
+                if constexpr (lookUps == 2)
+                    AddLookUp(d, row0, row1, row2, row3, second0, second1, second2, second3,
+                              sums + lookUpOffsets);
+                sums += rowSums;
             }
         }
     }
 }
 
+template <std::size_t windowBytes>
+void SumRowsOf(const RowSums &job) {
+    if (job.windows.shape.lookUps == 1)
+        SumRowsOf<windowBytes, 1>(job);
+    else
+        SumRowsOf<windowBytes, mostLookUps>(job);
+}
+
 void SumRows(const RowSums &job) {
     if constexpr (hasWideWindow)
-        if (job.windows.bytes == 32)
+        if (job.windows.shape.bytes == 32)
             return SumRowsOf<32>(job);
     SumRowsOf<16>(job);
 }
 
-void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange b, std::uint16_t *marks) {
+void MarkSums(const std::uint16_t *sums, std::size_t lookUps, SumRange a, SumRange b, std::uint16_t *marks) {
     const Sums d;
     const auto aFirst = hn::Set(d, a.first), aLast = hn::Set(d, a.last);
     const auto bFirst = hn::Set(d, b.first), bLast = hn::Set(d, b.last);
-    for (std::size_t row = 0; row < rows; ++row) {
+    for (std::size_t i = 0; i < lookUps; ++i) {
         std::uint8_t bits[8] = {};
-        for (std::size_t k = 0; k < windowOffsets; k += sumLanes) {
-            const auto sum = hn::LoadU(d, sums + row * windowOffsets + k);
+        for (std::size_t k = 0; k < lookUpOffsets; k += sumLanes) {
+            const auto sum = hn::LoadU(d, sums + i * lookUpOffsets + k);
             const auto inA = hn::And(hn::Eq(hn::Max(sum, aFirst), sum), hn::Eq(hn::Min(sum, aLast), sum));
             const auto inB = hn::And(hn::Eq(hn::Max(sum, bFirst), sum), hn::Eq(hn::Min(sum, bLast), sum));
             hn::StoreMaskBits(d, hn::Or(inA, inB), bits + k / 8);
         }
-        marks[row] = std::uint16_t(bits[0] | bits[1] << 8);
+        marks[i] = std::uint16_t(bits[0] | bits[1] << 8);
     }
 }
 
 void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
-                  std::size_t rows, FineRange a, FineRange b, std::uint16_t *marks) {
+                  std::size_t lookUps, FineRange a, FineRange b, std::uint16_t *marks) {
     const hn::CappedTag<std::int32_t, 8> d;
     const hn::Rebind<std::uint16_t, decltype(d)> d16;
     // Highway has no >= for whole numbers here.
@@ -206,10 +231,10 @@ void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std:
         return hn::And(hn::Eq(hn::Max(sum, hn::Set(d, range.first)), sum),
                        hn::Eq(hn::Min(sum, hn::Set(d, range.last)), sum));
     };
-    for (std::size_t row = 0; row < rows; ++row) {
+    for (std::size_t i = 0; i < lookUps; ++i) {
         unsigned bits = 0;
-        for (std::size_t k = 0; k < windowOffsets; k += hn::Lanes(d)) {
-            const std::size_t at = row * windowOffsets + k;
+        for (std::size_t k = 0; k < lookUpOffsets; k += hn::Lanes(d)) {
+            const std::size_t at = i * lookUpOffsets + k;
             const auto levels = hn::PromoteTo(d, hn::LoadU(d16, sums + at));
             const auto fine = hn::PromoteTo(d, hn::LoadU(d16, fineSums + at));
             const auto sum = hn::Sub(hn::Mul(levels, hn::Set(d, fineSteps)), fine);
@@ -217,7 +242,7 @@ void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std:
             hn::StoreMaskBits(d, hn::Or(within(sum, a), within(sum, b)), lanes);
             bits |= unsigned(lanes[0]) << k;
         }
-        marks[row] = std::uint16_t(bits);
+        marks[i] = std::uint16_t(bits);
     }
 }
 
@@ -299,12 +324,12 @@ bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded
 void SumRows(const RowSums &job) {
     HWY_DYNAMIC_DISPATCH(SumRows)(job);
 }
-void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange b, std::uint16_t *marks) {
-    HWY_DYNAMIC_DISPATCH(MarkSums)(sums, rows, a, b, marks);
+void MarkSums(const std::uint16_t *sums, std::size_t lookUps, SumRange a, SumRange b, std::uint16_t *marks) {
+    HWY_DYNAMIC_DISPATCH(MarkSums)(sums, lookUps, a, b, marks);
 }
 void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
-                  std::size_t rows, FineRange a, FineRange b, std::uint16_t *marks) {
-    HWY_DYNAMIC_DISPATCH(MarkFineSums)(sums, fineSums, fineSteps, rows, a, b, marks);
+                  std::size_t lookUps, FineRange a, FineRange b, std::uint16_t *marks) {
+    HWY_DYNAMIC_DISPATCH(MarkFineSums)(sums, fineSums, fineSteps, lookUps, a, b, marks);
 }
 bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose) {
     return HWY_DYNAMIC_DISPATCH(Touches)(levels, points, pose);

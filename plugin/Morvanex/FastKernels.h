@@ -10,9 +10,11 @@ namespace fast {
 
 /// Arrays with one entry per point are padded to a multiple of this: the floats of the widest vector.
 constexpr std::size_t pointBlock = 16;
-/// Offsets that share one window of a row, at most: the bytes of the widest table look-up that every
-/// instruction set has.
-constexpr std::size_t windowOffsets = 16;
+/// Offsets that one look-up in a window serves, at most: the bytes of the widest one that every instruction
+/// set has.
+constexpr std::size_t lookUpOffsets = 16;
+/// Look-ups in a window, at most.
+constexpr std::size_t mostLookUps = 2;
 /// Points whose levels are added as bytes before they are widened.
 constexpr std::size_t levelGroup = 4;
 /// The highest level of a voxel: `levelGroup` of them fit into a byte.
@@ -38,20 +40,29 @@ void RotatePoints(const double *matrix, const double *const *p, std::size_t padd
 void MapCoordinates(const float *coordinates, std::size_t padded, float translation, const GridAxis &axis,
                     std::int32_t *out);
 
-/// The largest window in bytes that one look-up serves: 16 or 32.
+/// The largest window in bytes that a look-up reads: 16 or 32.
 std::size_t LargestWindow();
+
+/// What is read of a row for one point: a window of 16 or 32 bytes, looked up once or twice.
+struct WindowShape {
+    std::size_t bytes = 16, lookUps = 1;
+
+    std::size_t MostOffsets() const { return lookUps * lookUpOffsets; }
+    std::size_t PatternBytes() const { return lookUps * bytes; }
+};
 
 /// Where in their windows of a row the offsets of a unit read.
 struct Windows {
-    std::size_t bytes = 0;           ///< of one window, 16 or 32
+    WindowShape shape;
     std::int32_t *starts = nullptr;  ///< the index at which each point's window begins; `padded` entries
     std::int32_t *scratch = nullptr; ///< `padded` entries
-    /// `bytes` for each of `padded` points; 0x80 reads nothing. What stands beyond a unit's offsets is kept.
+    /// `shape.bytes` for each look-up of each of `padded` points; 0x80 reads nothing. What stands beyond a
+    /// unit's offsets is kept.
     std::uint8_t *patterns = nullptr;
 };
 
 /// Maps `points` coordinates at the `count` translations of a unit, which ascend or descend; behind them
-/// stand, up to `windowOffsets`, repetitions of the last. False when an offset lies outside its point's
+/// stand, up to `shape.MostOffsets()`, repetitions of the last. False when an offset lies outside its point's
 /// window.
 bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
                 std::size_t count, const GridAxis &axis, const Windows &windows);
@@ -65,7 +76,7 @@ struct RowSums {
     const std::uint32_t *rowsBegin = nullptr; ///< per x offset, and one more: where its rows begin in `ys`
     std::size_t xCount = 0;
     const std::int32_t *const *ys = nullptr; ///< per row, the points' indices along y
-    std::uint16_t *sums = nullptr;           ///< `windowOffsets` per row
+    std::uint16_t *sums = nullptr;           ///< `lookUpOffsets` per look-up of each row
 };
 
 /// Sums the levels under all points, for each row and each offset of its unit.
@@ -76,8 +87,8 @@ struct SumRange {
     std::uint16_t first = 1, last = 0;
 };
 
-/// Bit k of marks[row] tells whether the k-th sum of that row lies in one of the two ranges.
-void MarkSums(const std::uint16_t *sums, std::size_t rows, SumRange a, SumRange b, std::uint16_t *marks);
+/// Bit k of marks[i] tells whether the k-th sum of the i-th look-up lies in one of the two ranges.
+void MarkSums(const std::uint16_t *sums, std::size_t lookUps, SumRange a, SumRange b, std::uint16_t *marks);
 
 /// The tables of one pose: the points' indices along each axis at the pose's offset.
 struct PoseIndices {
@@ -91,7 +102,7 @@ struct FineRange {
 
 /// As above, of fineSteps·sum - fineSum.
 void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
-                  std::size_t rows, FineRange a, FineRange b, std::uint16_t *marks);
+                  std::size_t lookUps, FineRange a, FineRange b, std::uint16_t *marks);
 
 /// Whether a voxel under the pose's points has a level above 0.
 bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose);

@@ -13,8 +13,8 @@ namespace fast {
 
 namespace {
 
-/// Rows of a block at most: their sums, 32 bytes each, stay in the first-level cache beside the rows of the
-/// map.
+/// Rows of a block at most: their sums, 32 or 64 bytes each, stay in the first-level cache beside the rows of
+/// the map.
 constexpr std::size_t blockRows = 64;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -106,7 +106,7 @@ void CubeScorer::ScoreBlock(const Block &block, EntryNumber first, BestPoses &be
 }
 
 void CubeScorer::ListRows(const Block &block) {
-    const unsigned all = (1u << m_units.units[block.unit].count) - 1;
+    const unsigned all = ~0u >> (32 - m_units.units[block.unit].count);
     m_rows.clear();
     for (std::size_t x = block.xBegin; x < block.xEnd; ++x)
         for (std::size_t y = block.yBegin; y < block.yEnd; ++y)
@@ -115,9 +115,9 @@ void CubeScorer::ListRows(const Block &block) {
 
 void CubeScorer::DropCollidingRows(const Block &block) {
     SumLevels(*m_solidTables, m_grids.solid->Levels(), block, m_sums);
-    MarkSums(m_sums.data(), m_rows.size(), {1, 65535}, {}, m_marks.data());
+    MarkSums(m_sums.data(), LookUps(), {1, 65535}, {}, m_marks.data());
     for (std::size_t row = 0; row < m_rows.size(); ++row)
-        m_rows[row].open &= ~unsigned(m_marks[row]);
+        m_rows[row].open &= ~Marks(row);
     std::erase_if(m_rows, [](const Row &row) { return row.open == 0; });
 }
 
@@ -133,10 +133,19 @@ void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, con
             m_ys.push_back(tables.Indices(1, m_rows[row].y));
         m_rowsBegin.push_back(std::uint32_t(row));
     }
-    sums.resize(m_rows.size() * windowOffsets);
-    m_marks.resize(m_rows.size());
+    sums.resize(LookUps() * lookUpOffsets);
+    m_marks.resize(LookUps());
     SumRows({levels, m_target.PaddedPoints(), tables.WindowsOf(block.unit), m_xs.data(), m_rowsBegin.data(),
              m_xs.size(), m_ys.data(), sums.data()});
+}
+
+/// A bit per offset of the row's unit.
+unsigned CubeScorer::Marks(std::size_t row) const {
+    const std::size_t lookUps = m_units.shape.lookUps;
+    unsigned marks = 0;
+    for (std::size_t i = lookUps; i-- > 0;)
+        marks = marks << lookUpOffsets | m_marks[row * lookUps + i];
+    return marks;
 }
 
 /// Closes the poses that score too low for the list, and drops the rows without others. Poses that may score
@@ -145,15 +154,16 @@ void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, con
 void CubeScorer::CloseLowRows(double threshold) {
     const FastMap &map = m_grids.map;
     const SumRange rejectable = map.HasNegativeVoxels() ? map.SumsBetween(-1.0, -1.0) : SumRange();
-    MarkSums(m_sums.data(), m_rows.size(), map.SumsBetween(threshold, infinity), rejectable, m_marks.data());
+    MarkSums(m_sums.data(), LookUps(), map.SumsBetween(threshold, infinity), rejectable, m_marks.data());
+    const std::size_t rowSums = m_units.shape.MostOffsets();
     std::size_t kept = 0;
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
-        m_rows[i].open &= m_marks[i];
+        m_rows[i].open &= Marks(i);
         if (m_rows[i].open == 0)
             continue;
         m_rows[kept] = m_rows[i];
-        std::copy_n(m_sums.begin() + std::ptrdiff_t(i * windowOffsets), windowOffsets,
-                    m_sums.begin() + std::ptrdiff_t(kept * windowOffsets));
+        std::copy_n(m_sums.begin() + std::ptrdiff_t(i * rowSums), rowSums,
+                    m_sums.begin() + std::ptrdiff_t(kept * rowSums));
         ++kept;
     }
     m_rows.resize(kept);
@@ -171,10 +181,10 @@ void CubeScorer::CloseByFineLevels(const Block &block, double threshold) {
     const FastMap &map = m_grids.map;
     SumLevels(m_mapTables, map.FineLevels(), block, m_fineSums);
     const FineRange rejectable = map.HasNegativeVoxels() ? map.FineSumsBetween(-1.0, -1.0) : FineRange();
-    MarkFineSums(m_sums.data(), m_fineSums.data(), map.FineSteps(), m_rows.size(),
+    MarkFineSums(m_sums.data(), m_fineSums.data(), map.FineSteps(), LookUps(),
                  map.FineSumsBetween(threshold, infinity), rejectable, m_marks.data());
     for (std::size_t i = 0; i < m_rows.size(); ++i)
-        m_rows[i].open &= m_marks[i];
+        m_rows[i].open &= Marks(i);
 }
 
 void CubeScorer::ListCandidates(const Block &block) {

@@ -55,6 +55,9 @@ private:
     void DropCollidingRows(const Block &block);
     void SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block,
                    std::vector<std::uint16_t> &sums);
+    /// The look-ups of the rows that are left.
+    std::size_t LookUps() const { return m_rows.size() * m_units.shape.lookUps; }
+    unsigned Marks(std::size_t row) const;
     void CloseLowRows(double threshold);
     void CloseByFineLevels(const Block &block, double threshold);
     bool FineLevelsPay(double threshold) const;
@@ -74,7 +77,7 @@ private:
     std::vector<Row> m_rows;
     std::vector<const std::int32_t *> m_xs, m_ys;
     std::vector<std::uint32_t> m_rowsBegin;
-    std::vector<std::uint16_t> m_sums, m_fineSums, m_marks; ///< per row: `windowOffsets`, as many, one
+    std::vector<std::uint16_t> m_sums, m_fineSums, m_marks; ///< per look-up: `lookUpOffsets`, as many, one
     std::vector<std::size_t> m_candidates;                  ///< numbers of offsets
     std::vector<PoseIndices> m_candidateIndices;
     std::vector<double> m_scores;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace fast {
 
@@ -9,9 +10,15 @@ namespace {
 
 /// Offsets that always fit into a window: the first stands at its beginning, each further one `stride` voxels
 /// on, and the rounding to the nearest voxel may add one.
-std::size_t OffsetsInWindow(std::size_t bytes, double stride) {
-    const double fitting = std::floor(double(bytes - 2) / stride) + 1;
-    return std::size_t(std::min(fitting, double(windowOffsets)));
+std::size_t OffsetsInWindow(const WindowShape &shape, double stride) {
+    const double fitting = std::floor(double(shape.bytes - 2) / stride) + 1;
+    return std::size_t(std::min(fitting, double(shape.MostOffsets())));
+}
+
+/// Instructions that four points of a row take on x86: to find and load the windows, and for each look-up to
+/// permute and to sum; in a wide window its halves are folded too.
+std::size_t WorkOf(const WindowShape &shape) {
+    return 12 + shape.lookUps * (shape.bytes == 32 ? 12 : 10);
 }
 
 std::size_t RoundedUpRatio(std::size_t a, std::size_t b) {
@@ -26,11 +33,17 @@ std::size_t CubeSide(std::size_t offsets) {
 } // namespace
 
 OffsetUnits CutIntoUnits(std::size_t count, double stride) {
+    std::size_t units = 0, least = std::numeric_limits<std::size_t>::max();
     OffsetUnits cut;
-    cut.windowBytes = LargestWindow();
-    std::size_t units = RoundedUpRatio(count, OffsetsInWindow(cut.windowBytes, stride));
-    if (RoundedUpRatio(count, OffsetsInWindow(16, stride)) <= units)
-        cut.windowBytes = 16;
+    for (const WindowShape shape : {WindowShape{16, 1}, {16, 2}, {32, 1}, {32, 2}}) {
+        const std::size_t needed = RoundedUpRatio(count, OffsetsInWindow(shape, stride));
+        const std::size_t work = needed * WorkOf(shape);
+        if (shape.bytes <= LargestWindow() && work < least) {
+            least = work;
+            units = needed;
+            cut.shape = shape;
+        }
+    }
     for (std::size_t first = 0; units > 0; --units) {
         const std::size_t size = RoundedUpRatio(count - first, units);
         cut.units.push_back({first, size});
@@ -73,18 +86,19 @@ OffsetTables::OffsetTables(const GridLayout &layout, const TurnedTarget &target,
     , m_padded(target.PaddedPoints())
     , m_starts(m_padded * units.units.size())
     , m_scratch(m_padded)
-    , m_patterns(m_padded * units.units.size() * units.windowBytes) {
+    , m_patterns(m_padded * units.units.size() * units.shape.PatternBytes()) {
     // Points that only fill the array up read nothing.
+    const std::size_t bytes = units.shape.PatternBytes();
     for (std::size_t unit = 0; unit < units.units.size(); ++unit)
-        std::fill(m_patterns.data() + (unit * m_padded + target.Points()) * units.windowBytes,
-                  m_patterns.data() + (unit + 1) * m_padded * units.windowBytes, std::uint8_t(0x80));
+        std::fill(m_patterns.data() + (unit * m_padded + target.Points()) * bytes,
+                  m_patterns.data() + (unit + 1) * m_padded * bytes, std::uint8_t(0x80));
     for (auto &indices : m_indices)
         indices.resize(m_padded * target.Offsets());
 }
 
 Windows OffsetTables::WindowsOf(std::size_t unit) {
-    return {m_units.windowBytes, m_starts.data() + unit * m_padded, m_scratch.data(),
-            m_patterns.data() + unit * m_padded * m_units.windowBytes};
+    return {m_units.shape, m_starts.data() + unit * m_padded, m_scratch.data(),
+            m_patterns.data() + unit * m_padded * m_units.shape.PatternBytes()};
 }
 
 void OffsetTables::MapAxis(std::size_t axis) {
@@ -103,8 +117,8 @@ bool OffsetTables::MapWindows() {
     bool fits = true;
     for (std::size_t unit = 0; unit < m_units.units.size(); ++unit) {
         const auto [first, count] = m_units.units[unit];
-        float translations[windowOffsets];
-        for (std::size_t i = 0; i < windowOffsets; ++i)
+        float translations[mostLookUps * lookUpOffsets];
+        for (std::size_t i = 0; i < std::size(translations); ++i)
             translations[i] = m_target.Translations(2)[first + std::min(i, count - 1)];
         fits &= fast::MapWindows(m_target.Coordinates(2), m_target.Points(), m_padded, translations, count,
                                  m_layout.Axis(2), WindowsOf(unit));

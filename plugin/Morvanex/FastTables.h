@@ -13,11 +13,11 @@ struct OffsetUnits {
         std::size_t first, count;
     };
     std::vector<Unit> units;
-    std::size_t windowBytes = 0;
+    WindowShape shape;
 };
 
-/// Cuts `count` offsets into as few units as the windows allow. `stride` is the distance of neighbouring
-/// offsets in voxels.
+/// Cuts `count` offsets into units that are summed with the least work. `stride` is the distance of
+/// neighbouring offsets in voxels.
 OffsetUnits CutIntoUnits(std::size_t count, double stride);
 
 /// The points of the target, turned, and the translations of one rotation.
