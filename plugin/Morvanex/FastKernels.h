@@ -4,7 +4,7 @@
 #include <cstdint>
 
 /// The inner loops of the fast search, compiled for every instruction set that the machine may have and
-/// chosen when first called. What they are for, and why the data lie as they do, is told in FastSearch.h.
+/// chosen when first called. What they are for, and why the data lie as they do, is told in docs/search.md.
 
 namespace fast {
 

@@ -8,8 +8,8 @@
 
 namespace fast {
 
-/// The passes of a search without a log, 20 to 100 times as fast as pose by pose and with the same results to
-/// the last bit. The pose-by-pose search is the definition.
+/// The passes of a search without a log, much faster than pose by pose and with the same results to the last
+/// bit. The pose-by-pose search is the definition; docs/search.md tells how this one works.
 class FastSearch : public SearchPasses {
 public:
     /// Whether this search can take the place of the pose-by-pose one, and is worth its preparation.
