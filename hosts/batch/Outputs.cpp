@@ -3,6 +3,7 @@
 #include "FileError.h"
 #include "ReplaceFile.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <set>
 
@@ -14,7 +15,8 @@ namespace Batch {
 
 namespace {
 
-/// The path without links and detours; the file need not exist, and a link may lead to one that does not.
+/// The path without links and detours. The file need not exist, and a link may lead to one that does not; the
+/// links are known to be no loop.
 std::string PlainPath(fs::path path) {
     std::error_code error;
     while (fs::is_symlink(path, error))
@@ -22,12 +24,12 @@ std::string PlainPath(fs::path path) {
     return fs::weakly_canonical(fs::absolute(path), error);
 }
 
-/// The same text for every path that leads to one file, empty for a device or a pipe: these may be named as
-/// often as one likes.
+/// The same text for every path that leads to one file. Empty for a device or a pipe: these may be named as
+/// often as one likes; and where the path can lead nowhere, which is said when the file is opened.
 std::string IdentityOf(const std::string &path) {
     struct stat state;
     if (stat(path.c_str(), &state) != 0)
-        return PlainPath(path);
+        return errno == ENOENT ? PlainPath(path) : "";
     return S_ISREG(state.st_mode) ? std::to_string(state.st_dev) + ':' + std::to_string(state.st_ino) : "";
 }
 

@@ -58,4 +58,5 @@ TEST(CheckOutputs, RefusesWhatCannotBeWritten) {
     EXPECT_THAT(ErrorOf({folder.File("none/out.pdb")}, {}), HasSubstr("No such file or directory"));
     std::filesystem::create_symlink("loop", folder.File("loop"));
     EXPECT_THAT(ErrorOf({folder.File("loop")}, {}), HasSubstr("loop: cannot be written: "));
+    EXPECT_EQ(ErrorOf({folder.File("out.pdb")}, {folder.File("loop")}), "no error") << "for whoever reads it";
 }
