@@ -97,6 +97,7 @@ int Run(const Arguments &arguments) {
     const SavedList list = ReadSavedList(results);
     TellSkippedLines(list);
     std::vector<SolutionScore> solutions;
+    solutions.reserve(ranks.size());
     for (const long rank : ranks)
         solutions.push_back(list.OfRank(rank));
     const std::optional<std::string> identifier =

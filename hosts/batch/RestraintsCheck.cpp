@@ -28,7 +28,7 @@ struct Word {
 };
 
 std::string ReadPlainBytes(const std::string &file) {
-    const std::string bytes = VARNO::ReadBytes(file, largestFile);
+    std::string bytes = VARNO::ReadBytes(file, largestFile);
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
         throw FileError(file, "", "is no regular file");
@@ -40,7 +40,7 @@ std::string ReadPlainBytes(const std::string &file) {
 QString ReadText(const std::string &file) {
     const std::string bytes = ReadPlainBytes(file);
     QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text = decoder.decode(QByteArrayView(bytes));
+    QString text = decoder.decode(QByteArrayView(bytes));
     const bool binary = std::ranges::any_of(
         text, [](QChar c) { return c.category() == QChar::Other_Control && !c.isSpace(); });
     if (decoder.hasError() || binary)

@@ -34,7 +34,7 @@ SimulationSettings ReadSettings(const Arguments &arguments) {
 
 std::vector<Scatterer> ScatterersOf(const std::string &file, const std::vector<Chain *> &chains) {
     std::size_t unknown = 0;
-    const std::vector<Scatterer> scatterers = CollectScatterers({chains.begin(), chains.end()}, unknown);
+    std::vector<Scatterer> scatterers = CollectScatterers({chains.begin(), chains.end()}, unknown);
     if (scatterers.empty())
         throw FileError(file, "chains " + ChainNames(chains), "there is no atom of a known element");
     if (unknown > 0)
