@@ -1,15 +1,13 @@
 #include "FastSearch.h"
+#include "InstructionSets.h"
 #include "Messages.h"
 #include "Parameters.h"
 #include "RandomSearch.h"
-#include "Scoring.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <hwy/highway.h>
 
 #include <bit>
-#include <cmath>
 
 using testing::ElementsAre;
 
@@ -84,27 +82,6 @@ Outcome RunRandom(const RandomSearch &random, const SearchOptions &options) {
     return outcome;
 }
 
-/// Lets the kernels run with one instruction set only, while it lives.
-class OnlyTarget {
-public:
-    explicit OnlyTarget(std::int64_t target) { Choose(target); }
-    ~OnlyTarget() { Choose(0); }
-
-private:
-    static void Choose(std::int64_t target) {
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
-
-/// The instruction sets that this machine can run, the emulated one among them.
-std::vector<std::int64_t> Targets() {
-    std::vector<std::int64_t> targets;
-    for (std::int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1)
-        targets.push_back(rest & -rest);
-    return targets;
-}
-
 void ExpectSame(const Outcome &found, const Outcome &expected) {
     ASSERT_EQ(found.completed, expected.completed);
     ASSERT_EQ(found.heard, expected.heard);
@@ -123,10 +100,6 @@ bool Serves(const RandomSearch &random) {
 }
 
 class FastSearchOn : public testing::TestWithParam<std::int64_t> {};
-
-std::string NameOf(const testing::TestParamInfo<std::int64_t> &info) {
-    return hwy::TargetName(info.param);
-}
 
 } // namespace
 
@@ -147,43 +120,6 @@ TEST_P(FastSearchOn, GivesWhatPoseByPoseGives) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Targets, FastSearchOn, testing::ValuesIn(Targets()), NameOf);
-
-namespace {
-
-/// Coordinates about the places where one voxel's share ends and the next one's begins, the grid's own ends
-/// among them, each with the next floats below and above.
-std::vector<float> CriticalCoordinates(const fast::GridAxis &axis) {
-    std::vector<float> coordinates;
-    for (int i = -3; i <= axis.count + 2; i += i > 100 && i < axis.count - 100 ? 997 : 1)
-        for (const double part : {0.0, 0.5}) {
-            float p = float(axis.origin + (i + part) * axis.spacing);
-            for (int step = 0; step < 3; ++step)
-                p = std::nextafter(p, -INFINITY);
-            for (int step = 0; step < 7; ++step, p = std::nextafter(p, INFINITY))
-                coordinates.push_back(p);
-        }
-    coordinates.resize(fast::Padded(coordinates.size()));
-    return coordinates;
-}
-
-} // namespace
-
-TEST_P(FastSearchOn, FindsTheVoxelsThatScoringFinds) {
-    const OnlyTarget target(GetParam());
-    for (const fast::GridAxis axis : {fast::GridAxis{0, 1, 7, 1}, fast::GridAxis{0, 1, 1 << 22, 3},
-                                      fast::GridAxis{-3.25f, 1.742f, 100, 10},
-                                      fast::GridAxis{1e4f, 0.3f, 300, 1}, fast::GridAxis{5, 1e-6f, 20, 1}}) {
-        const std::vector<float> coordinates = CriticalCoordinates(axis);
-        std::vector<std::int32_t> found(coordinates.size());
-        fast::MapCoordinates(coordinates.data(), coordinates.size(), 0, axis, found.data());
-        for (std::size_t i = 0; i < coordinates.size(); ++i) {
-            const float p = coordinates[i];
-            const unsigned voxel = NearestVoxel(p, axis.origin, axis.spacing, unsigned(axis.count));
-            const int index = voxel < unsigned(axis.count) ? int(voxel) : p < axis.origin ? -1 : axis.count;
-            ASSERT_EQ(found[i], index * axis.stride) << p << " on an axis of spacing " << axis.spacing;
-        }
-    }
-}
 
 class ThreadedSearch : public testing::TestWithParam<unsigned> {};
 
