@@ -44,7 +44,8 @@ void BestPoses::RaiseThreshold() {
     m_threshold = std::max(m_threshold, *worst);
 }
 
-/// More than 2·keep entries appended since the mark mean that the list was trimmed after it.
+/// More than 2·keep entries appended since the mark mean that the list was trimmed after it, or that it has
+/// not been trimmed at all, as in the identity pass: then nobody asks for what a trim has left.
 void BestPoses::Forget(EntryNumber next) {
     const auto newer = std::partition(m_entries.begin(), m_entries.end(),
                                       [this](const ScoredEntry &entry) { return entry.number < m_mark; });

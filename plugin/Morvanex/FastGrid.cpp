@@ -115,11 +115,12 @@ void FastMap::ChooseScale(double lowest, double highest) {
     m_roundingError = m_points * m_points * std::max(-lowest, highest) * 0x1p-52;
 }
 
-/// The quotient, truncated, lies below the number looked for by two at most, and above it by one at most.
+/// Voxel and quantum have 24 significant bits and their quotient lies below 2^13, so that a quotient that is
+/// no whole number lies 2^-36 of itself or more from one, far beyond the rounding of the product: truncated,
+/// that is the number looked for or a neighbour.
 std::int32_t FastMap::PlaceOnFineScale(float value) const {
     const double v = value;
     std::int32_t fine = std::int32_t(v * m_scale);
-    fine += fine * m_quantum < v;
     fine += fine * m_quantum < v;
     fine -= (fine - 1) * m_quantum >= v;
     return fine;

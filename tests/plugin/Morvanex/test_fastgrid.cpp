@@ -152,4 +152,9 @@ TEST(FastMap, KnowsWhetherAVoxelIsNegative) {
         const bool negative = std::ranges::any_of(values, [](float value) { return value < 0; });
         EXPECT_EQ(FastMap(*random.map, 100).HasNegativeVoxels(), negative) << "seed " << seed;
     }
+    // Far less than a level below 0, but a thousand of them score -1.0.
+    Grid grid("map", {2, 1, 1}, {0, 0, 0}, {1, 1, 1}, {90, 90, 90});
+    grid.Values()[0] = 1000;
+    grid.Values()[1] = -0.001f;
+    EXPECT_TRUE(FastMap(grid, 1000).HasNegativeVoxels());
 }
