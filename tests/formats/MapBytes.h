@@ -21,16 +21,16 @@ public:
         Stamp(bigEndian ? "\x11\x11" : "\x44\x44");
     }
 
-    MapBytes &Int(unsigned word, std::int32_t value) {
+    MapBytes &Int(std::size_t word, std::int32_t value) {
         return m_bytes.replace(4 * (word - 1), 4, InOrder(&value, 4)), *this;
     }
-    MapBytes &Float(unsigned word, float value) { return Int(word, std::bit_cast<std::int32_t>(value)); }
+    MapBytes &Float(std::size_t word, float value) { return Int(word, std::bit_cast<std::int32_t>(value)); }
     /// The first bytes of the machine stamp; the others are 0.
     MapBytes &Stamp(std::string stamp) {
         stamp.resize(4);
         return m_bytes.replace(212, 4, stamp), *this;
     }
-    MapBytes &Text(unsigned word, const std::string &text) {
+    MapBytes &Text(std::size_t word, const std::string &text) {
         return m_bytes.replace(4 * (word - 1), text.size(), text), *this;
     }
     /// Appends a voxel of the mode's type.

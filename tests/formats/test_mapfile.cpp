@@ -21,7 +21,6 @@
 
 using namespace VARNO;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -82,7 +81,7 @@ struct NoisyGrid : Grid {
     }
 };
 
-std::int32_t IntAt(const std::string &bytes, unsigned word) {
+std::int32_t IntAt(const std::string &bytes, std::size_t word) {
     std::int32_t value;
     std::memcpy(&value, bytes.data() + 4 * (word - 1), 4);
     return value;
