@@ -103,8 +103,10 @@ void MeasureSearch(benchmark::State &state, const Case &searched, int offsets, i
     state.counters["accepted"] = double(counts.accepted) / double(counts.tried);
 }
 
+/// Searches of a second and more: shorter ones are mostly preparation, and need no threads.
 void MeasureThreads(benchmark::State &state, const Case &searched, int offsets, unsigned threads) {
-    const Preparation fit = Prepare(searched, offsets);
+    Preparation fit = Prepare(searched, offsets);
+    fit.axes = RotationAxes(3);
     for (auto _ : state)
         Search(fit, 100, {.threads = threads});
     state.counters["rate"] = benchmark::Counter(double(state.iterations()), benchmark::Counter::kIsRate);

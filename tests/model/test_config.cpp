@@ -30,12 +30,17 @@ protected:
     TemporaryFolder folder;
 };
 
+std::string ValueOf(const char *variable) {
+    const char *value = std::getenv(variable);
+    return value ? value : "";
+}
+
 /// Sets an environment variable for one test.
 class Environment {
 public:
     Environment(const char *name, const char *value)
         : m_name(name)
-        , m_before(std::getenv(name) ? std::getenv(name) : "") {
+        , m_before(ValueOf(name)) {
         setenv(name, value, 1);
     }
     ~Environment() { setenv(m_name, m_before.c_str(), 1); }

@@ -269,9 +269,9 @@ FitOutcome PlainFit(const FitInput &input) {
         pose.rotation = {std::cos(angle / 2), sine * double(axis[0]), sine * double(axis[1]),
                          sine * double(axis[2])};
         const Point turned = Turned(pose.rotation, centre);
-        const int place[3] = {i, j, k};
+        const int place[3] = {i, j, k}, middle = count / 2;
         for (int c = 0; c < 3; ++c)
-            pose.translation[c] = (centre[c] - turned[c]) + float((place[c] - count / 2) * input.step);
+            pose.translation[c] = (centre[c] - turned[c]) + float((place[c] - middle) * input.step);
         double inside = 0, density = 0;
         for (const Point &p : points) {
             const Point moved = Moved(pose, p);
