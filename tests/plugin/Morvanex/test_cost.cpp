@@ -73,7 +73,7 @@ TEST_F(Cost, RestraintsMakeRecordsLarger) {
     const double before = Estimate().identityBytes;
     restraints = true;
     re_fname = QString::fromStdString(folder.Write("restraints.txt", "GLY1 1 2 3 GLY1 1 2 3 GLY2 1 2 3"));
-    EXPECT_GE(Estimate().identityBytes, before + 125 * 3 * sizeof(double));
+    EXPECT_GE(Estimate().identityBytes, before + 375 * sizeof(double));
 }
 
 TEST_F(Cost, NegativeNumbersCountAsNothing) {

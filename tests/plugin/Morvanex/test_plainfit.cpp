@@ -82,8 +82,8 @@ TEST(PlainFit, AgreesOnAMapWithVoxelsThatAreNotFinite) {
             continue;
         auto &values = input.map->values;
         values[seed % values.size()] = std::numeric_limits<float>::quiet_NaN();
-        values[(seed * 7) % values.size()] = std::numeric_limits<float>::infinity();
-        values[(seed * 13) % values.size()] = -std::numeric_limits<float>::infinity();
+        values[7ul * seed % values.size()] = std::numeric_limits<float>::infinity();
+        values[13ul * seed % values.size()] = -std::numeric_limits<float>::infinity();
         SCOPED_TRACE("seed " + std::to_string(seed));
         ASSERT_NO_FATAL_FAILURE(Compare(input, tally));
     }

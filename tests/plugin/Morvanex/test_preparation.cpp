@@ -4,7 +4,6 @@
 #include "Parameters.h"
 
 #include "DataAdder.h"
-#include "DataMaker.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using VARNO::DataMaker;
 using VARNO::Space;
 
 namespace {

@@ -48,7 +48,7 @@ Verdict RealFits::Fit(const RealCase &real, const std::string &settings, const s
     EXPECT_TRUE(RunFit(monitor, &counts));
     const double seconds = double(timer.elapsed()) / 1000;
     EXPECT_TRUE(std::ranges::is_sorted(Solutions, {}, &SolutionScore::score));
-    const Verdict verdict = real.Judge(Solutions, monitor.fit.target.points);
+    Verdict verdict = real.Judge(Solutions, monitor.fit.target.points);
     const auto &description = real.Description();
     std::printf("%-14s first RMSD %.2f Å, from a results file %.2f Å, rank %zu, score %.3f, %llu poses, %llu "
                 "accepted, %.1f s\n",

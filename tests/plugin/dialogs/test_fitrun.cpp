@@ -11,11 +11,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 
-using testing::AllOf;
-using testing::Each;
 using testing::ElementsAre;
-using testing::EndsWith;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {

@@ -12,7 +12,6 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-using testing::StartsWith;
 
 class ResultsStorage : public DialogTest {
 protected:
@@ -20,7 +19,7 @@ protected:
         return LoadResults(QString::fromStdString(path));
     }
     std::string Pipe() {
-        const std::string path = folder.File("pipe");
+        std::string path = folder.File("pipe");
         EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
         return path;
     }

@@ -13,7 +13,6 @@
 #include <sys/stat.h>
 
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;

@@ -4,7 +4,6 @@
 
 #include <limits>
 
-using testing::ElementsAre;
 using testing::SizeIs;
 
 using VARNO::Compound;

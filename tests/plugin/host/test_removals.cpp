@@ -2,11 +2,9 @@
 
 #include "Space.h"
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-using testing::StartsWith;
 
 using VARNO::Compound;
 

@@ -16,10 +16,8 @@ using testing::ElementsAre;
 using testing::Gt;
 using testing::IsEmpty;
 using testing::Le;
-using testing::Not;
 using testing::SizeIs;
 
-using VARNO::Atom;
 using VARNO::Bond;
 using VARNO::Compound;
 using VARNO::Quaternion;
