@@ -229,7 +229,7 @@ void Story::CancelASecondFit() {
     EXPECT_FALSE(Apply());
     ASSERT_TRUE(cancel.Done());
     EXPECT_EQ(watch.sights.back().value, 2) << "no axis more is told of";
-    EXPECT_THAT(Lines(ReadFile(Path("poses.log"))), SizeIs(Le(logged + 12 * 27)))
+    EXPECT_THAT(Lines(ReadFile(Path("poses.log"))), SizeIs(Le(logged + 12ul * 27)))
         << "one axis more is searched";
     EXPECT_FALSE(ProgressDialog());
     EXPECT_TRUE(FitDialog()->isEnabled());
