@@ -3,9 +3,9 @@
 #include "Collect.h"
 #include "DataAdder.h"
 #include "DataMaker.h"
-#include "MapFile.h"
 #include "Space.h"
-#include "StructureFile.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include <cmath>
 #include <random>

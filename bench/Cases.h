@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Preparation.h"
+#include "fit/Preparation.h"
 
 #include <string>
 

@@ -1,12 +1,12 @@
 // Single poses and whole searches, fast and pose by pose. Arguments that are no options name real cases: NAME
 // MAP STRUCTURE CHAIN.
 
-#include "Angles.h"
-#include "Axes.h"
 #include "Cases.h"
 #include "Parameters.h"
-#include "Scoring.h"
-#include "Search.h"
+#include "fit/Angles.h"
+#include "fit/Axes.h"
+#include "search/Scoring.h"
+#include "search/Search.h"
 
 #include <QTextStream>
 

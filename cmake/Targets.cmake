@@ -31,11 +31,15 @@ if(MORVANEX_SANITIZE)
     target_link_options(morvanex_flags INTERFACE -fsanitize=${sanitizers})
 endif()
 
-# morvanex_library(name STATIC|SHARED SOURCES ... LINK ... [PRIVATE_LINK ...])
+# morvanex_library(name STATIC|SHARED [INCLUDE folder] SOURCES ... LINK ... [PRIVATE_LINK ...]): headers are named from
+# INCLUDE on, the library's own folder unless given.
 function(morvanex_library name kind)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+    cmake_parse_arguments(ARG "" "INCLUDE" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+    if(NOT ARG_INCLUDE)
+        set(ARG_INCLUDE ${CMAKE_CURRENT_SOURCE_DIR})
+    endif()
     add_library(${name} ${kind} ${ARG_SOURCES})
-    target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_include_directories(${name} PUBLIC ${ARG_INCLUDE})
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE morvanex_flags ${ARG_PRIVATE_LINK})
 endfunction()
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SolutionScore.h"
+#include "solutions/Solution.h"
 
 /// Whether there is a target to build from; said on the warning channel when none is chosen, or when the one
 /// chosen has been removed from the model.

@@ -3,7 +3,7 @@
 #include "Numbers.h"
 #include "Parameters.h"
 #include "Progress.h"
-#include "Search.h"
+#include "search/Search.h"
 
 #include <QApplication>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #include "ResultsStorage.h"
 
-#include "ResultsFile.h"
+#include "solutions/ResultsFile.h"
 
 #include <QBuffer>
 #include <QFileDevice>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SolutionScore.h"
+#include "solutions/Solution.h"
 
 /// Result lists on disk, as the results dialog needs them: nothing here shows a message or fails. What could
 /// not be done is said on the warning channel; a null name, of a file dialog that was cancelled, is silent.

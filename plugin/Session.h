@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SolutionScore.h"
+#include "solutions/Solution.h"
 
 #include <QObject>
 

@@ -124,8 +124,7 @@ std::vector<Option> Options() {
          "", true},
         {"--out", Value::Text, "FILE",
          "The model to write: mmCIF where the name ends in .cif or .mmcif, else PDB. With several ranks "
-         "there is a "
-         "file for each, the rank standing before the extension: model-1.pdb, model-3.pdb",
+         "there is a file for each, the rank standing before the extension: model-1.pdb, model-3.pdb",
          "", true},
     };
 }
@@ -137,10 +136,8 @@ Command BuildCommand() {
         .name = "build",
         .summary = "write models of solutions from a saved list",
         .description = "Moves all atoms of the target by a pose of a saved list and writes them as a "
-                       "structure file. A results "
-                       "file has two decimals, which matters for a target far from the frame's origin: how "
-                       "much is said. The "
-                       "JSON file of a fit has full precision.",
+                       "structure file. A results file has two decimals, which matters for a target far from "
+                       "the frame's origin: how much is said. The JSON file of a fit has full precision.",
         .options = Options(),
         .example = "morvanex build --results fit.json --target in.pdb --rank 1,2 --out out.pdb",
         .run = Run,

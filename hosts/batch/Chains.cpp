@@ -1,6 +1,6 @@
 #include "Chains.h"
 
-#include "FileError.h"
+#include "formats/files/FileError.h"
 
 #include <QString>
 #include <QStringList>

@@ -11,9 +11,9 @@
 #include "Wording.h"
 
 #include "Config.h"
-#include "FileError.h"
 #include "Parameters.h"
-#include "TopList.h"
+#include "formats/files/FileError.h"
+#include "solutions/TopList.h"
 
 namespace Batch {
 
@@ -109,13 +109,13 @@ Command FitCommand() {
         .name = "fit",
         .summary = "fit a chain of a structure into a density map",
         .description =
-            "Searches all rotations of the target chain about its centre, each at every translation of "
-            "a cube around its start position, for the poses with the highest sum of density at its "
-            "residues. A pose is left out where the target runs into the solid.\n\n"
+            "Searches all rotations of the target chain about its centre, each at every translation of a "
+            "cube around its start position, for the poses with the highest sum of density at its residues. "
+            "A pose is left out where the target runs into the solid.\n\n"
             "What was read and a table of the ten best poses go to standard output. Progress goes to "
-            "standard error: a bar on a terminal, else a line for every tenth of the search. Ctrl-C "
-            "stops at the end of the current axis and writes what was found by then (exit status 130); "
-            "a second Ctrl-C ends at once and leaves no file but the log.\n\n"
+            "standard error: a bar on a terminal, else a line for every tenth of the search. Ctrl-C stops at "
+            "the end of the current axis and writes what was found by then (exit status 130); a second "
+            "Ctrl-C ends at once and leaves no file but the log.\n\n"
             "What is not given comes from section Morvanex of the settings file varno/varno.ini in the "
             "user's configuration folder, or as shipped.",
         .options = FitOptionTable(),

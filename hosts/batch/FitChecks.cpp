@@ -6,10 +6,10 @@
 #include "RestraintsCheck.h"
 #include "Wording.h"
 
-#include "Cost.h"
-#include "FileError.h"
 #include "Numbers.h"
 #include "Parameters.h"
+#include "fit/Cost.h"
+#include "formats/files/FileError.h"
 
 #include <algorithm>
 

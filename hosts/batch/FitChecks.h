@@ -2,7 +2,7 @@
 
 #include "FitInput.h"
 
-#include "Preparation.h"
+#include "fit/Preparation.h"
 
 namespace Batch {
 

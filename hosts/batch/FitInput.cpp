@@ -4,7 +4,7 @@
 #include "Inputs.h"
 
 #include "Collect.h"
-#include "FileError.h"
+#include "formats/files/FileError.h"
 
 #include <algorithm>
 #include <filesystem>

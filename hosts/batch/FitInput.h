@@ -3,8 +3,8 @@
 #include "FitOptions.h"
 
 #include "Compound.h"
-#include "MapFile.h"
-#include "StructureFile.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 namespace Batch {
 

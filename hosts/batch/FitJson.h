@@ -2,8 +2,8 @@
 
 #include "FitOptions.h"
 
-#include "PoseSample.h"
-#include "Search.h"
+#include "search/PoseSample.h"
+#include "search/Search.h"
 
 #include <iosfwd>
 

@@ -3,9 +3,9 @@
 #include "Interrupt.h"
 #include "Outputs.h"
 
-#include "FileError.h"
-#include "ReplaceFile.h"
-#include "ResultsFile.h"
+#include "formats/files/FileError.h"
+#include "formats/files/ReplaceFile.h"
+#include "solutions/ResultsFile.h"
 
 #include <QBuffer>
 

@@ -2,7 +2,7 @@
 
 #include "FitJson.h"
 
-#include "StructureFile.h"
+#include "formats/structures/StructureFile.h"
 
 namespace Batch {
 

@@ -2,7 +2,7 @@
 
 #include "Interrupt.h"
 
-#include "Angles.h"
+#include "fit/Angles.h"
 
 namespace Batch {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FitJson.h"
-#include "FitMonitor.h"
 #include "ProgressBar.h"
+#include "search/FitMonitor.h"
 
 #include <QElapsedTimer>
 

@@ -3,9 +3,9 @@
 #include "Chains.h"
 #include "Wording.h"
 
-#include "Cost.h"
 #include "Numbers.h"
 #include "Parameters.h"
+#include "fit/Cost.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include "FitInput.h"
 #include "FitJson.h"
 
-#include "Preparation.h"
+#include "fit/Preparation.h"
 
 namespace Batch {
 

@@ -1,12 +1,12 @@
 #include "Commands.h"
 
-#include "ByteSource.h"
 #include "CommandLine.h"
-#include "FileError.h"
 #include "Grid.h"
-#include "MapFile.h"
 #include "Numbers.h"
-#include "StructureFile.h"
+#include "formats/files/ByteSource.h"
+#include "formats/files/FileError.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include <algorithm>
 #include <array>
@@ -119,12 +119,10 @@ Command InfoCommand() {
         .name = "info",
         .summary = "tell what a structure or a map file holds",
         .description = "Of a structure (PDB or mmCIF): its chains, how many of their residues have a "
-                       "position that can be fitted, "
-                       "and what is left out. Of a density map (MRC or CCP4): size, spacing and origin in Å, "
-                       "which words of the "
-                       "header gave the origin, and the values. The kind is told from the content, not from "
-                       "the name; gzip and "
-                       "bzip2 are unpacked.",
+                       "position that can be fitted, and what is left out. Of a density map (MRC or CCP4): "
+                       "size, spacing and origin in Å, which words of the header gave the origin, and the "
+                       "values. The kind is told from the content, not from the name; gzip and bzip2 are "
+                       "unpacked.",
         .options = {},
         .operand = "FILE",
         .example = "morvanex info map.mrc",

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "MapFile.h"
-#include "StructureFile.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 namespace Batch {
 

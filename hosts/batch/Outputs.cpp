@@ -1,7 +1,7 @@
 #include "Outputs.h"
 
-#include "FileError.h"
-#include "ReplaceFile.h"
+#include "formats/files/FileError.h"
+#include "formats/files/ReplaceFile.h"
 
 #include <cerrno>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "Pace.h"
 
-#include "Axes.h"
 #include "Parameters.h"
+#include "fit/Axes.h"
 
 #include <QElapsedTimer>
 

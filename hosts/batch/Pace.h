@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Preparation.h"
-#include "Search.h"
+#include "fit/Preparation.h"
+#include "search/Search.h"
 
 namespace Batch {
 

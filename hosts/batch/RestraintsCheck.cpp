@@ -1,9 +1,9 @@
 #include "RestraintsCheck.h"
 
 #include "Collect.h"
-#include "FileError.h"
 #include "Group.h"
-#include "ReadBytes.h"
+#include "formats/files/FileError.h"
+#include "formats/files/ReadBytes.h"
 
 #include <QSet>
 #include <QStringDecoder>

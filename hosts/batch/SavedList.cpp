@@ -1,9 +1,9 @@
 #include "SavedList.h"
 
-#include "FileError.h"
 #include "FitJson.h"
-#include "ReadBytes.h"
-#include "ResultsFile.h"
+#include "formats/files/FileError.h"
+#include "formats/files/ReadBytes.h"
+#include "solutions/ResultsFile.h"
 
 #include <QBuffer>
 

@@ -3,11 +3,11 @@
 #include "Chains.h"
 #include "CommandLine.h"
 #include "Diagnostics.h"
-#include "FileError.h"
 #include "Inputs.h"
 #include "Numbers.h"
 #include "Outputs.h"
 #include "Simulation.h"
+#include "formats/files/FileError.h"
 
 #include <filesystem>
 #include <iostream>
@@ -92,15 +92,13 @@ std::vector<Option> Options() {
         {"--model", Value::Text, "FILE", "The structure, PDB or mmCIF, gzipped or not", "", true},
         {"--chains", Value::Text, "IDS",
          "Polymer chains to take, identifiers separated by commas; ' ' is the chain without an identifier. "
-         "Waters "
-         "and ligands are never taken",
+         "Waters and ligands are never taken",
          "all polymer chains"},
         {"--resolution", Value::Number, "A", "Resolution of the map, in Å", "", true},
         {"--voxel", Value::Number, "A", "Spacing of the voxels along x, y and z, in Å", "", true},
         {"--noise", Value::Number, "S",
          "Noise that is added to every voxel: its standard deviation, in units of the standard deviation of "
-         "the "
-         "map's values without it",
+         "the map's values without it",
          "0, no noise"},
         {"--seed", Value::Integer, "N",
          "Whole number that the noise starts from; the same number gives the same noise", "0"},
@@ -116,14 +114,10 @@ Command SimulateCommand() {
         .summary = "make a density map of a model",
         .description =
             "Computes the density of a structure at a resolution R: every atom becomes a Gaussian with its "
-            "atomic "
-            "number as weight and the standard deviation R / (pi * sqrt(2)), about 0.225 R, whose Fourier "
-            "transform "
-            "has fallen to 1/e at the wavenumber 1/R. Values are electrons per cubic Å. Along each axis a "
-            "Gaussian "
-            "is cut off at 5 standard deviations; the box reaches beyond the outermost atoms by as much, and "
-            "begins "
-            "at a multiple of the voxel size.\n\n"
+            "atomic number as weight and the standard deviation R / (pi * sqrt(2)), about 0.225 R, whose "
+            "Fourier transform has fallen to 1/e at the wavenumber 1/R. Values are electrons per cubic Å. "
+            "Along each axis a Gaussian is cut off at 5 standard deviations; the box reaches beyond the "
+            "outermost atoms by as much, and begins at a multiple of the voxel size.\n\n"
             "Noise is close to normally distributed (the sum of twelve uniform random numbers) and has no "
             "correlation between voxels.",
         .options = Options(),

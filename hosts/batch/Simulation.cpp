@@ -1,10 +1,10 @@
 #include "Simulation.h"
 
 #include "Atom.h"
-#include "AtomicNumber.h"
 #include "Collect.h"
-#include "Cost.h"
 #include "Numbers.h"
+#include "fit/Cost.h"
+#include "formats/structures/AtomicNumber.h"
 
 #include <algorithm>
 #include <array>

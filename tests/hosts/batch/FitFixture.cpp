@@ -1,7 +1,7 @@
 #include "FitFixture.h"
 
 #include "Grid.h"
-#include "MapFile.h"
+#include "formats/maps/MapFile.h"
 
 #include <cmath>
 #include <filesystem>

@@ -3,7 +3,7 @@
 
 #include "Collect.h"
 #include "FitJson.h"
-#include "StructureFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include <cmath>
 #include <fstream>

@@ -4,9 +4,9 @@
 #include "Collect.h"
 #include "FitJson.h"
 #include "ModelGuard.h"
-#include "StructureFile.h"
 #include "TemporaryFolder.h"
 #include "TestData.h"
+#include "formats/structures/StructureFile.h"
 
 #include <nlohmann/json.hpp>
 

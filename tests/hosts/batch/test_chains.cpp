@@ -1,8 +1,8 @@
 #include "Chains.h"
 
 #include "DataMaker.h"
-#include "FileError.h"
 #include "ModelGuard.h"
+#include "formats/files/FileError.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,11 +5,11 @@
 #include "FitOptions.h"
 
 #include "Collect.h"
-#include "MapFile.h"
 #include "Messages.h"
 #include "Parameters.h"
-#include "ResultsFile.h"
-#include "StructureFile.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
+#include "solutions/ResultsFile.h"
 
 #include <nlohmann/json.hpp>
 
@@ -238,8 +238,8 @@ TEST_F(Fit, SaysWhatScoresAreComparedWith) {
     EXPECT_THAT(
         RunFit({"--solid", File("model.pdb"), "--translation-step", "8"}).output,
         ContainsRegex(
-            "\nScores are compared with those [0-9]+ of 1809 poses, spread evenly over the search, that "
-            "do not collide:\nmean [0-9.]+, standard deviation \\(SD\\) [0-9.]+\\.\n"));
+            "\nScores are compared with those [0-9]+ of 1809 poses, spread evenly over the search, that do "
+            "not collide:\nmean [0-9.]+, standard deviation \\(SD\\) [0-9.]+\\.\n"));
 }
 
 TEST_F(Fit, GivesRanksInTheFileWhereTheListIsUnsorted) {
@@ -292,8 +292,8 @@ TEST_F(Fit, TakesTheSolidChainsThatAreNamed) {
     const Outcome far = RunFit({"--solid", File("other.pdb"), "--inclusion-distance", "1"});
     EXPECT_EQ(far.status, 0);
     EXPECT_THAT(far.errors,
-                StartsWith("morvanex fit: warning: the solid has no effect: none of its residues lies "
-                           "within 1 Å of the target's centre\n"));
+                StartsWith("morvanex fit: warning: the solid has no effect: none of its residues lies within "
+                           "1 Å of the target's centre\n"));
 }
 
 TEST_F(Fit, SaysWhatWasReadOtherwiseThanItStands) {
@@ -409,8 +409,8 @@ TEST_F(Fit, RefusesRestraintsThatMakeNoSense) {
     refuse(ReadFile(File("map.mrc")), ": is no text file");
     refuse("ALA3 1 2 3\nALA4 1 x 3\n", ": line 2: 'x', a coordinate of 'ALA4', is not a number");
     refuse("GLY3 1 2 3\nALA99 1 2 3\n",
-           ": no record names a residue of the target: the target has no residue of that "
-           "name with a position: GLY3, ALA99");
+           ": no record names a residue of the target: the target has no residue of that name with a "
+           "position: GLY3, ALA99");
     refuse("", ": holds no restraint");
     ExpectRefused({"--restraints", File("absent")},
                   File("absent") + ": cannot be read: No such file or directory");
@@ -554,8 +554,8 @@ TEST_F(Fit, StopsAtCtrlCAndWritesWhatWasFound) {
     EXPECT_THAT(outcome.errors,
                 HasSubstr("\nStopping at the end of the current axis; Ctrl-C again ends at once.\n"));
     EXPECT_THAT(outcome.errors,
-                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 321 axes; what was found by "
-                              "then is written\n"));
+                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 321 axes; what was found by then "
+                              "is written\n"));
     EXPECT_THAT(outcome.output, HasSubstr("20 kept"));
     EXPECT_EQ(Lines(ReadFile(File("r"))).size(), 21u);
     EXPECT_EQ(Saved(File("j")).size(), 20u);

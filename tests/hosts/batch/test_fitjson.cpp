@@ -1,6 +1,6 @@
 #include "FitJson.h"
 
-#include "FileError.h"
+#include "formats/files/FileError.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "FitProgress.h"
 
-#include "TopList.h"
+#include "solutions/TopList.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "CommandFixture.h"
 
 #include "DataMaker.h"
-#include "MapFile.h"
 #include "TestData.h"
+#include "formats/maps/MapFile.h"
 
 using namespace VARNO;
 using testing::AllOf;

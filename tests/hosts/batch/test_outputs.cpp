@@ -1,7 +1,7 @@
 #include "Outputs.h"
 
-#include "FileError.h"
 #include "TemporaryFolder.h"
+#include "formats/files/FileError.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "RestraintsCheck.h"
 
 #include "DataMaker.h"
-#include "FileError.h"
 #include "ModelGuard.h"
 #include "TemporaryFolder.h"
+#include "formats/files/FileError.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "SavedList.h"
 
-#include "FileError.h"
 #include "FitJson.h"
-#include "ResultsFile.h"
 #include "TemporaryFolder.h"
+#include "formats/files/FileError.h"
+#include "solutions/ResultsFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

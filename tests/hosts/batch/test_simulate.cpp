@@ -1,7 +1,7 @@
 #include "CommandFixture.h"
 #include "Process.h"
 
-#include "MapFile.h"
+#include "formats/maps/MapFile.h"
 
 #include <algorithm>
 

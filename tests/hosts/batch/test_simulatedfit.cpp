@@ -1,14 +1,14 @@
 #include "Process.h"
 
-#include "../../formats/MapBytes.h"
+#include "../../formats/maps/MapBytes.h"
 
 #include "Chains.h"
 #include "Collect.h"
-#include "MapFile.h"
 #include "ModelGuard.h"
-#include "StructureFile.h"
 #include "TemporaryFolder.h"
 #include "TestData.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include "Parameters.h"
 #include "RandomFit.h"
-#include "ResultsFile.h"
-#include "SolutionScore.h"
+#include "solutions/ResultsFile.h"
+#include "solutions/Solution.h"
 
 #include "Collect.h"
 #include "Config.h"

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "FitMonitor.h"
 #include "ModelGuard.h"
 #include "PlainFit.h"
-#include "Search.h"
 #include "TemporaryFolder.h"
+#include "search/FitMonitor.h"
+#include "search/Search.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "RealCase.h"
 
-#include "MapFile.h"
 #include "Parameters.h"
-#include "StructureFile.h"
 #include "TestData.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include "Collect.h"
 

@@ -1,10 +1,10 @@
 #include "Messages.h"
 #include "Parameters.h"
 #include "RealCase.h"
-#include "ResultsFile.h"
-#include "Scoring.h"
-#include "StructureFile.h"
 #include "TestData.h"
+#include "formats/structures/StructureFile.h"
+#include "search/Scoring.h"
+#include "solutions/ResultsFile.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>

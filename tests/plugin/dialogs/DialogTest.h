@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Parameters.h"
-#include "SolutionScore.h"
+#include "solutions/Solution.h"
 
 #include "Gui.h"
 #include "Messages.h"

@@ -152,8 +152,7 @@ TEST_F(StartFitTest, HasItsNamesAndTexts) {
         EXPECT_EQ(TextOf(Find<QAbstractButton>(&fresh, name)), text) << name;
     }
     EXPECT_EQ(fresh.keepComboBox->toolTip(),
-              "The number of highest-scoring solutions that will be saved and can "
-              "be built interactively.");
+              "The number of highest-scoring solutions that will be saved and can be built interactively.");
     for (const char *line : {"line1", "line1_3", "line1_2_2", "line1_2_2_2"})
         EXPECT_TRUE(Find<QFrame>(&fresh, line)) << line;
 }

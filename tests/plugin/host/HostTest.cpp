@@ -4,9 +4,9 @@
 
 #include "Collect.h"
 #include "Config.h"
-#include "MapFile.h"
 #include "Space.h"
-#include "StructureFile.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include <QAbstractButton>
 #include <QLabel>

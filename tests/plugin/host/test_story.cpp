@@ -5,9 +5,9 @@
 #include "Atom.h"
 #include "Collect.h"
 #include "Group.h"
-#include "MapFile.h"
-#include "StructureFile.h"
 #include "Transform.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
 
 #include <sstream>
 

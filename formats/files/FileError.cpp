@@ -1,0 +1,8 @@
+#include "formats/files/FileError.h"
+
+namespace VARNO {
+
+FileError::FileError(const std::string &file, const std::string &place, const std::string &problem)
+    : std::runtime_error(file + ": " + (place.empty() ? "" : place + ": ") + problem) {}
+
+} // namespace VARNO

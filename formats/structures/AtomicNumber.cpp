@@ -1,0 +1,11 @@
+#include "formats/structures/AtomicNumber.h"
+
+#include <gemmi/elem.hpp>
+
+namespace VARNO {
+
+int AtomicNumber(const std::string &symbol) {
+    return gemmi::Element(symbol).atomic_number();
+}
+
+} // namespace VARNO

@@ -1,0 +1,303 @@
+#include "Atom.h"
+#include "Group.h"
+#include "formats/files/FieldText.h"
+#include "formats/files/FileError.h"
+#include "formats/files/NodeName.h"
+#include "formats/files/ReplaceFile.h"
+#include "formats/structures/StructureFile.h"
+
+#include <gemmi/cifdoc.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+
+namespace VARNO {
+
+namespace {
+
+/// What stands in the file for one chain node, or for one built molecule.
+struct WrittenChain {
+    const Compound *node;
+    bool polymer;
+};
+
+void CollectChains(const Compound *node, std::vector<WrittenChain> &chains) {
+    if (const auto *chain = dynamic_cast<const Chain *>(node))
+        return chains.push_back({chain, chain->IsPolymer()});
+    if (const auto *molecule = dynamic_cast<const Molecule *>(node); molecule && molecule->HoldsResidues())
+        return chains.push_back({molecule, true});
+    const auto collect = [&](const Compound *below) {
+        if (below)
+            CollectChains(below, chains);
+    };
+    std::for_each(node->ChildBegin(), node->ChildEnd(), collect);
+    std::for_each(node->PartBegin(), node->PartEnd(), collect);
+}
+
+template <class Node>
+std::vector<const Node *> Children(const Compound *node) {
+    std::vector<const Node *> children;
+    for (auto it = node->ChildBegin(); it != node->ChildEnd(); ++it)
+        if (const auto *child = dynamic_cast<const Node *>(*it))
+            children.push_back(child);
+    return children;
+}
+
+bool HasAtoms(const WrittenChain &chain) {
+    return std::ranges::any_of(Children<Residue>(chain.node),
+                               [](const Residue *residue) { return !Children<Atom>(residue).empty(); });
+}
+
+/// A residue's sequence identifier in its two parts: "-12A" is -12 and "A".
+struct SequenceId {
+    explicit SequenceId(const std::string &text)
+        : number(text.substr(0, text.find_first_not_of("0123456789", text.starts_with('-') ? 1 : 0)))
+        , insertion(text.substr(number.size())) {}
+
+    std::string number, insertion;
+};
+
+/// What both formats share: the walk over the atoms, and the checks.
+class Writer {
+public:
+    Writer(const std::string &file, const Transform &pose, std::ostream &out)
+        : m_out(out)
+        , m_file(file)
+        , m_pose(pose) {}
+    virtual ~Writer() = default;
+
+    void Write(const std::vector<WrittenChain> &chains) {
+        Begin(chains);
+        for (const WrittenChain &chain : chains) {
+            m_chain = chain;
+            ++m_chainNumber;
+            m_residueNumber = 0;
+            for (const Residue *residue : Children<Residue>(chain.node))
+                WriteResidue(*residue);
+            EndChain();
+        }
+        End();
+    }
+
+protected:
+    virtual void Begin(const std::vector<WrittenChain> &chains) = 0;
+    virtual void WriteAtom(const Atom &atom, const Vertex &position) = 0;
+    virtual void EndChain() = 0;
+    virtual void End() = 0;
+
+    const char *RecordName() const { return m_chain.polymer ? "ATOM" : "HETATM"; }
+    const Residue &CurrentResidue() const { return *m_residue; }
+
+    /// Names of all kinds must stand on one line.
+    std::string Name(const std::string &name) const {
+        if (!std::ranges::all_of(name, [](char c) { return c >= ' ' && c <= '~'; }))
+            Refuse("the name " + Quoted(name) + " cannot be written");
+        return name;
+    }
+
+    SequenceId Sequence() const {
+        SequenceId id(CurrentResidue().GetSeqId());
+        if (!ReadInteger(id.number) || id.insertion.size() > 1)
+            Refuse("the sequence identifier " + Quoted(CurrentResidue().GetSeqId()) +
+                   " is not a number with an insertion code");
+        return id;
+    }
+
+    [[noreturn]] void Refuse(const std::string &problem) const {
+        throw FileError(m_file,
+                        "residue " + CurrentResidue().GetLabel() + " of chain " + m_chain.node->GetLabel(),
+                        problem);
+    }
+
+    std::ostream &m_out;
+    const std::string &m_file;
+    WrittenChain m_chain = {};
+    std::size_t m_chainNumber = 0, m_residueNumber = 0, m_atomNumber = 0; ///< counted from 1
+
+private:
+    void WriteResidue(const Residue &residue) {
+        m_residue = &residue;
+        ++m_residueNumber;
+        for (const Atom *atom : Children<Atom>(&residue)) {
+            const Vertex position = m_pose * atom->GetPosition();
+            for (const unsigned i : {0, 1, 2})
+                if (!std::isfinite(position[i]))
+                    Refuse("the coordinate " + std::to_string(position[i]) + " of atom " +
+                           Quoted(atom->GetName()) + " cannot be written");
+            ++m_atomNumber;
+            WriteAtom(*atom, position);
+        }
+    }
+
+    const Transform &m_pose;
+    const Residue *m_residue = nullptr;
+};
+
+/// PDB format version 3.3, the records ATOM, HETATM, TER and END.
+class PdbWriter : public Writer {
+public:
+    using Writer::Writer;
+
+private:
+    void Begin(const std::vector<WrittenChain> &) override {}
+
+    void WriteAtom(const Atom &atom, const Vertex &position) override {
+        std::string line(80, ' ');
+        line.replace(0, 6, std::string(RecordName()).append(m_chain.polymer ? 2 : 0, ' '));
+        PutResidue(line);
+        PutAtomName(line, atom);
+        for (const unsigned i : {0, 1, 2})
+            Put(line, 38 + 8 * i, 8, Fixed(double(position[i]), 3), "coordinate");
+        Put(line, 60, 6, "1.00", "occupancy");
+        const float bFactor = std::isfinite(atom.GetBFactor()) ? atom.GetBFactor() : 0;
+        Put(line, 66, 6, Fixed(double(std::clamp(bFactor, -99.99f, 999.99f)), 2), "B factor");
+        Put(line, 78, 2, Name(atom.GetLabel()), "element");
+        if (const long charge = std::lround(atom.GetCharge()); charge != 0)
+            Put(line, 80, 2, std::to_string(std::labs(charge)) + (charge > 0 ? '+' : '-'), "charge");
+        m_out << line << '\n';
+        m_wroteAtom = true;
+    }
+
+    /// Serial number and residue, which ATOM and TER have in the same columns.
+    void PutResidue(std::string &line) {
+        const SequenceId id = Sequence();
+        if (++m_serial > 99'999)
+            Advise("more than 99999 atoms and ends of chains");
+        Put(line, 11, 5, std::to_string(m_serial), "serial number");
+        Put(line, 20, 3, Name(CurrentResidue().GetName()), "residue name");
+        Put(line, 22, 1, Name(m_chain.node->GetName()), "chain identifier");
+        Put(line, 26, 4, id.number, "residue number");
+        Put(line, 27, 1, id.insertion, "insertion code");
+    }
+
+    /// The element symbol ends in column 14, so that a name of four letters begins in column 13.
+    void PutAtomName(std::string &line, const Atom &atom) {
+        const std::string name = Name(atom.GetName()), symbol = atom.GetLabel();
+        const bool wideSymbol = symbol.size() == 2 && name.starts_with(symbol);
+        const std::size_t end = wideSymbol || name.size() > 3 ? 12 + name.size() : 13 + name.size();
+        Put(line, std::max<std::size_t>(end, 13), 4, name, "atom name");
+    }
+
+    /// Puts the text into the columns that end in column `last` (counted from 1) and are `width` wide.
+    void Put(std::string &line, std::size_t last, std::size_t width, const std::string &text,
+             const char *what) {
+        if (text.size() > width)
+            Advise(std::string("the ") + what + ' ' + Quoted(text));
+        line.replace(last - text.size(), text.size(), text);
+    }
+
+    [[noreturn]] void Advise(const std::string &what) const {
+        Refuse("PDB cannot hold " + what + "; write mmCIF instead (a name ending in .cif)");
+    }
+
+    void EndChain() override {
+        if (std::exchange(m_wroteAtom, false) && m_chain.polymer) {
+            std::string line(80, ' ');
+            line.replace(0, 3, "TER");
+            PutResidue(line);
+            m_out << line << '\n';
+        }
+    }
+
+    void End() override { m_out << std::string("END").append(77, ' ') << '\n'; }
+
+    std::size_t m_serial = 0; ///< of atoms and TER records together
+    bool m_wroteAtom = false; ///< in this chain
+};
+
+/// mmCIF: the entities (one for each chain), the chains and the atoms. Chains and residues have the names of
+/// the model tree as the author's; label_asym_id and label_seq_id count chains and residues.
+class MmcifWriter : public Writer {
+public:
+    using Writer::Writer;
+
+private:
+    void Begin(const std::vector<WrittenChain> &chains) override {
+        m_out << "data_" << BlockName() << "\n#\n_entry.id " << Value(BlockName())
+              << "\n#\nloop_\n_entity.id\n_entity.type\n";
+        for (std::size_t i = 0; i < chains.size(); ++i)
+            m_out << i + 1 << (chains[i].polymer ? " polymer\n" : " non-polymer\n");
+        m_out << "#\nloop_\n_struct_asym.id\n_struct_asym.entity_id\n";
+        for (std::size_t i = 0; i < chains.size(); ++i)
+            m_out << Letters(i + 1) << ' ' << i + 1 << '\n';
+        m_out << "#\nloop_\n";
+        for (const char *tag : {"group_PDB",         "id",
+                                "type_symbol",       "label_atom_id",
+                                "label_alt_id",      "label_comp_id",
+                                "label_asym_id",     "label_entity_id",
+                                "label_seq_id",      "pdbx_PDB_ins_code",
+                                "Cartn_x",           "Cartn_y",
+                                "Cartn_z",           "occupancy",
+                                "B_iso_or_equiv",    "pdbx_formal_charge",
+                                "auth_seq_id",       "auth_comp_id",
+                                "auth_asym_id",      "auth_atom_id",
+                                "pdbx_PDB_model_num"})
+            m_out << "_atom_site." << tag << '\n';
+    }
+
+    void WriteAtom(const Atom &atom, const Vertex &position) override {
+        const SequenceId id = Sequence();
+        const std::string name = Value(atom.GetName()), residue = Value(CurrentResidue().GetName());
+        m_out << RecordName() << ' ' << m_atomNumber << ' ' << Value(atom.GetLabel()) << ' ' << name << " . "
+              << residue << ' ' << Letters(m_chainNumber) << ' ' << m_chainNumber << ' '
+              << (m_chain.polymer ? std::to_string(m_residueNumber) : ".") << ' '
+              << (id.insertion.empty() ? "?" : Value(id.insertion));
+        for (const unsigned i : {0, 1, 2})
+            m_out << ' ' << Fixed(double(position[i]), 3);
+        const float bFactor = std::isfinite(atom.GetBFactor()) ? atom.GetBFactor() : 0;
+        m_out << " 1.00 " << Fixed(double(bFactor), 2) << ' ' << std::lround(atom.GetCharge()) << ' '
+              << id.number << ' ' << residue << ' ' << Value(m_chain.node->GetName()) << ' ' << name
+              << " 1\n";
+    }
+
+    void EndChain() override {}
+    void End() override { m_out << "#\n"; }
+
+    /// The file's name, as far as the name of a block may hold it.
+    std::string BlockName() const {
+        std::string name = NodeName(m_file);
+        std::ranges::replace_if(
+            name, [](char c) { return c <= ' ' || c > '~'; }, '_');
+        return name.empty() ? "model" : name;
+    }
+
+    /// A, B … Z, AA, AB …, counted from 1.
+    static std::string Letters(std::size_t number) {
+        std::string letters;
+        for (; number > 0; number = (number - 1) / 26)
+            letters.insert(letters.begin(), char('A' + (number - 1) % 26));
+        return letters;
+    }
+
+    /// As a value of a table, in quotes where it needs them; a text field begins on a line of its own.
+    std::string Value(const std::string &name) const {
+        const std::string value = gemmi::cif::quote(Name(name));
+        return value.starts_with(';') ? '\n' + value : value;
+    }
+};
+
+} // namespace
+
+StructureFormat StructureFormatOf(const std::string &file) {
+    const std::string lower = gemmi::to_lower(file);
+    return lower.ends_with(".cif") || lower.ends_with(".mmcif") ? StructureFormat::Mmcif
+                                                                : StructureFormat::Pdb;
+}
+
+void WriteStructure(const std::string &file, StructureFormat format, const Compound *node,
+                    const Transform &pose) {
+    std::vector<WrittenChain> chains;
+    CollectChains(node, chains);
+    std::erase_if(chains, [](const WrittenChain &chain) { return !HasAtoms(chain); });
+    if (chains.empty())
+        throw FileError(file, "", "nothing to write: no chain with atoms in " + Quoted(node->GetLabel()));
+    ReplaceFile(file, [&](std::ostream &out) {
+        if (format == StructureFormat::Pdb)
+            PdbWriter(file, pose, out).Write(chains);
+        else
+            MmcifWriter(file, pose, out).Write(chains);
+    });
+}
+
+} // namespace VARNO

@@ -1,0 +1,240 @@
+#include "fast/CubeScorer.h"
+
+#include "search/Scoring.h"
+
+#include <QTextStream>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace fast {
+
+namespace {
+
+/// Rows of a block at most: their sums, 32 or 64 bytes each, stay in the first-level cache beside the rows of
+/// the map.
+constexpr std::size_t blockRows = 64;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+double StrideInVoxels(const Preparation &fit) {
+    const auto stride = [&fit](const Grid &grid) {
+        // A cube of one offset has no stride.
+        const double step =
+            fit.offsets.size() > 1 ? double(fit.offsets[1][2]) - double(fit.offsets[0][2]) : 0;
+        return std::abs(step) / double(grid.Spacing()[2]);
+    };
+    return std::max(stride(*fit.map), fit.keepOut ? stride(*fit.keepOut) : 0);
+}
+
+} // namespace
+
+FastGrids::FastGrids(const Preparation &fit)
+    : map(*fit.map, fit.target.points.size()) {
+    if (fit.keepOut)
+        solid.emplace(*fit.keepOut);
+}
+
+CubeScorer::CubeScorer(const Preparation &fit, const FastGrids &grids)
+    : m_fit(fit)
+    , m_grids(grids)
+    , m_target(fit)
+    , m_units(CutIntoUnits(m_target.Offsets(), StrideInVoxels(fit)))
+    , m_mapTables(grids.map.Layout(), m_target, m_units) {
+    if (grids.solid)
+        m_solidTables.emplace(grids.solid->Layout(), m_target, m_units);
+}
+
+PoseTally CubeScorer::Score(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
+    m_tally = {};
+    m_target.Turn(rotation);
+    m_mapTables.MapXY();
+    if (m_solidTables)
+        m_solidTables->MapXY();
+    if (m_target.Offsets() == 1)
+        ScoreSinglePose(first, best);
+    else if (m_mapTables.MapWindows() && (!m_solidTables || m_solidTables->MapWindows()))
+        ScoreSlabs(first, best);
+    else
+        ScoreOneByOne(rotation, first, best);
+    return m_tally;
+}
+
+/// With one offset there is nothing to share: the mapping of the points is the work.
+void CubeScorer::ScoreSinglePose(EntryNumber first, BestPoses &best) {
+    if (m_solidTables) {
+        m_solidTables->MapZ();
+        const PoseIndices pose{m_solidTables->Indices(0, 0), m_solidTables->Indices(1, 0),
+                               m_solidTables->Indices(2, 0)};
+        if (Touches(m_grids.solid->Levels(), m_target.Points(), pose))
+            return best.Advance(first + 1, 0);
+    }
+    m_tally.accepted = 1;
+    m_candidates.assign(1, 0);
+    ScoreCandidates(first, best);
+    best.Advance(first + 1, m_tally.accepted);
+}
+
+/// The list learns of poses in their order, slab after slab along x: what one slab teaches serves the next.
+void CubeScorer::ScoreSlabs(EntryNumber first, BestPoses &best) {
+    const std::size_t side = m_target.Offsets();
+    const std::size_t ySize = std::min(side, blockRows), xSize = std::max(blockRows / side, std::size_t(1));
+    for (std::size_t x = 0; x < side; x += xSize) {
+        const std::uint64_t acceptedBefore = m_tally.accepted;
+        const std::size_t xEnd = std::min(x + xSize, side);
+        for (std::size_t y = 0; y < side; y += ySize)
+            for (std::size_t unit = 0; unit < m_units.units.size(); ++unit)
+                ScoreBlock({x, xEnd, y, std::min(y + ySize, side), unit}, first, best);
+        best.Advance(first + xEnd * side * side, m_tally.accepted - acceptedBefore);
+    }
+}
+
+void CubeScorer::ScoreBlock(const Block &block, EntryNumber first, BestPoses &best) {
+    ListRows(block);
+    if (m_solidTables)
+        DropCollidingRows(block);
+    for (const Row &row : m_rows)
+        m_tally.accepted += std::uint64_t(std::popcount(row.open));
+    SumLevels(m_mapTables, m_grids.map.Levels(), block, m_sums);
+    CloseLowRows(best.Threshold());
+    if (FineLevelsPay(best.Threshold()))
+        CloseByFineLevels(block, best.Threshold());
+    ListCandidates(block);
+    ScoreCandidates(first, best);
+}
+
+void CubeScorer::ListRows(const Block &block) {
+    const unsigned all = ~0u >> (32 - m_units.units[block.unit].count);
+    m_rows.clear();
+    for (std::size_t x = block.xBegin; x < block.xEnd; ++x)
+        for (std::size_t y = block.yBegin; y < block.yEnd; ++y)
+            m_rows.push_back({x, y, all});
+}
+
+void CubeScorer::DropCollidingRows(const Block &block) {
+    SumLevels(*m_solidTables, m_grids.solid->Levels(), block, m_sums);
+    MarkSums(m_sums.data(), LookUps(), {1, 65535}, {}, m_marks.data());
+    for (std::size_t row = 0; row < m_rows.size(); ++row)
+        m_rows[row].open &= ~Marks(row);
+    std::erase_if(m_rows, [](const Row &row) { return row.open == 0; });
+}
+
+void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block,
+                           std::vector<std::uint16_t> &sums) {
+    m_xs.clear();
+    m_ys.clear();
+    m_rowsBegin.assign(1, 0);
+    std::size_t row = 0;
+    for (std::size_t x = block.xBegin; x < block.xEnd; ++x) {
+        m_xs.push_back(tables.Indices(0, x));
+        for (; row < m_rows.size() && m_rows[row].x == x; ++row)
+            m_ys.push_back(tables.Indices(1, m_rows[row].y));
+        m_rowsBegin.push_back(std::uint32_t(row));
+    }
+    sums.resize(LookUps() * lookUpOffsets);
+    m_marks.resize(LookUps());
+    SumRows({levels, m_target.PaddedPoints(), tables.WindowsOf(block.unit), m_xs.data(), m_rowsBegin.data(),
+             m_xs.size(), m_ys.data(), sums.data()});
+}
+
+/// A bit per offset of the row's unit.
+unsigned CubeScorer::Marks(std::size_t row) const {
+    const std::size_t lookUps = m_units.shape.lookUps;
+    unsigned marks = 0;
+    for (std::size_t i = lookUps; i-- > 0;)
+        marks = marks << lookUpOffsets | m_marks[row * lookUps + i];
+    return marks;
+}
+
+/// Closes the poses that score too low for the list, and drops the rows without others. Poses that may score
+/// exactly -1.0 stay open, where there are any: that score marks a rejected pose, so that they are not
+/// accepted.
+void CubeScorer::CloseLowRows(double threshold) {
+    const FastMap &map = m_grids.map;
+    const SumRange rejectable = map.HasNegativeVoxels() ? map.SumsBetween(-1.0, -1.0) : SumRange();
+    MarkSums(m_sums.data(), LookUps(), map.SumsBetween(threshold, infinity), rejectable, m_marks.data());
+    const std::size_t rowSums = m_units.shape.MostOffsets();
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        m_rows[i].open &= Marks(i);
+        if (m_rows[i].open == 0)
+            continue;
+        m_rows[kept] = m_rows[i];
+        std::copy_n(m_sums.begin() + std::ptrdiff_t(i * rowSums), rowSums,
+                    m_sums.begin() + std::ptrdiff_t(kept * rowSums));
+        ++kept;
+    }
+    m_rows.resize(kept);
+}
+
+/// Summing a row's fine levels costs about as much as scoring one of its poses exactly.
+bool CubeScorer::FineLevelsPay(double threshold) const {
+    std::size_t open = 0;
+    for (const Row &row : m_rows)
+        open += std::size_t(std::popcount(row.open));
+    return threshold > -infinity && open > 2 * m_rows.size();
+}
+
+void CubeScorer::CloseByFineLevels(const Block &block, double threshold) {
+    const FastMap &map = m_grids.map;
+    SumLevels(m_mapTables, map.FineLevels(), block, m_fineSums);
+    const FineRange rejectable = map.HasNegativeVoxels() ? map.FineSumsBetween(-1.0, -1.0) : FineRange();
+    MarkFineSums(m_sums.data(), m_fineSums.data(), map.FineSteps(), LookUps(),
+                 map.FineSumsBetween(threshold, infinity), rejectable, m_marks.data());
+    for (std::size_t i = 0; i < m_rows.size(); ++i)
+        m_rows[i].open &= Marks(i);
+}
+
+void CubeScorer::ListCandidates(const Block &block) {
+    const std::size_t side = m_target.Offsets();
+    m_candidates.clear();
+    for (const Row &row : m_rows) {
+        const std::size_t offset = (row.x * side + row.y) * side + m_units.units[block.unit].first;
+        for (unsigned rest = row.open; rest != 0; rest &= rest - 1)
+            m_candidates.push_back(offset + std::size_t(std::countr_zero(rest)));
+    }
+}
+
+void CubeScorer::ScoreCandidates(EntryNumber first, BestPoses &best) {
+    if (m_candidates.empty())
+        return;
+    m_mapTables.MapZ();
+    const std::size_t side = m_target.Offsets();
+    m_candidateIndices.clear();
+    for (const std::size_t offset : m_candidates)
+        m_candidateIndices.push_back({m_mapTables.Indices(0, offset / (side * side)),
+                                      m_mapTables.Indices(1, offset / side % side),
+                                      m_mapTables.Indices(2, offset % side)});
+    m_scores.resize(m_candidates.size());
+    ScorePoses(m_grids.map.Voxels(), m_target.Points(), m_candidateIndices.data(), m_candidates.size(),
+               m_scores.data());
+    m_tally.scoredExactly += m_candidates.size();
+    for (std::size_t i = 0; i < m_candidates.size(); ++i)
+        if (m_scores[i] == -1.0)
+            --m_tally.accepted;
+        else if (m_scores[i] >= best.Threshold())
+            best.Add(m_scores[i], first + m_candidates[i]);
+}
+
+void CubeScorer::ScoreOneByOne(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
+    std::vector<TaggedPoint> moved(m_fit.target.points.size());
+    std::vector<double> noDistances;
+    QTextStream noLog;
+    for (std::size_t i = 0; i < m_fit.offsets.size(); ++i) {
+        const Vertex translation = TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[i]);
+        const double score = DoScores(rotation, translation, m_fit.map, m_fit.target.points, m_fit.keepOut,
+                                      {}, moved, noDistances, noLog, false)
+                                 .score;
+        ++m_tally.scoredExactly;
+        if (score == -1.0)
+            continue;
+        ++m_tally.accepted;
+        if (score >= best.Threshold())
+            best.Add(score, first + i);
+    }
+    best.Advance(first + m_fit.offsets.size(), m_tally.accepted);
+}
+
+} // namespace fast

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "fast/AxisThreads.h"
+#include "fast/BestPoses.h"
+#include "search/Search.h"
+#include "search/SearchPasses.h"
+#include "solutions/Solution.h"
+
+namespace fast {
+
+/// The passes of a search without a log, much faster than pose by pose and with the same results to the last
+/// bit. The pose-by-pose search is the definition; docs/search.md tells how this one works.
+class FastSearch : public SearchPasses {
+public:
+    /// Whether this search can take the place of the pose-by-pose one, and is worth its preparation.
+    static bool Serves(const Preparation &fit);
+
+    /// How many of `threads` may score poses, 1 or more: what they take beside the host's own map stays
+    /// within twice that map and 64 MiB.
+    static unsigned ThreadsWithin(const Preparation &fit, int keep, unsigned threads);
+
+    /// Keeps the `keep` best. `counts` is kept up to date from pass to pass; `Solutions` is brought up to
+    /// date by `Complete` and `Abandon` alone. More than one thread score the axes beside the caller's.
+    FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts);
+
+    void Identity() override;
+    void Axis(std::size_t number) override;
+    void Complete() override;
+    void Abandon() override;
+
+private:
+    void Count(std::uint64_t tried, const PoseTally &tally);
+    std::uint64_t AppendedSinceLastTrim() const;
+    bool IsFirstTurnAccepted() const;
+    std::vector<EntryNumber> LastAccepted(std::uint64_t count);
+    void KeepLastAccepted(const Quaternion &rotation, std::uint64_t number, std::uint64_t count,
+                          std::vector<EntryNumber> &accepted);
+    SolutionScore Solve(const Quaternion &rotation, std::size_t offset) const;
+    void List(const std::vector<EntryNumber> &numbers);
+
+    const Preparation &m_fit;
+    std::size_t m_keep;
+    PoseCounts &m_counts;
+    FastGrids m_grids;
+    CubeScorer m_scorer;
+    BestPoses m_best;
+    std::uint64_t m_angles;  ///< about each axis
+    std::uint64_t m_earlier; ///< solutions that stood in the list before
+    EntryNumber m_next;      ///< the number of the next pose
+    std::size_t m_axesDone = 0;
+    std::uint64_t m_appended;               ///< to the list so far, the earlier ones included
+    std::uint64_t m_appendedByIdentity = 0; ///< by the end of the identity pass
+    std::optional<AxisThreads> m_threads;
+};
+
+} // namespace fast

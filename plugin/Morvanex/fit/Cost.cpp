@@ -1,0 +1,80 @@
+#include "fit/Cost.h"
+
+#include "Numbers.h"
+#include "Parameters.h"
+#include "fit/Angles.h"
+#include "solutions/Solution.h"
+
+#include <algorithm>
+#include <cmath>
+#include <list>
+
+#include <unistd.h>
+
+namespace {
+
+/// Bytes that the allocator and a list's links add to a record.
+constexpr double recordOverhead = 32;
+
+double RecordBytes(std::size_t restraintPairs) {
+    const double distances =
+        restraintPairs > 0 ? recordOverhead + sizeof(double) * double(restraintPairs) : 0;
+    return sizeof(SolutionScore) + recordOverhead + distances;
+}
+
+/// A number that the reader can take in: with these decimals while short, else with an exponent.
+QString Figure(double number, int decimals = 0) {
+    return number < 1e6 ? FixedNumber(number, 0, decimals) : GeneralNumber(number);
+}
+
+QString GiB(double bytes) {
+    return Figure(bytes / (1024.0 * 1024.0 * 1024.0), 1) + " GiB";
+}
+
+} // namespace
+
+double MachineMemory() {
+    return double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
+}
+
+FitCost EstimateCost(const Survey &survey) {
+    // An axis stands in the list and, while the list is built, in a set of nodes.
+    constexpr double axisBytes = sizeof(Vertex) + 48.0;
+    const double record = RecordBytes(survey.target.restraints.size());
+    const double count = std::max(OddCount(TCount), 0);
+    const double offsets = count * count * count;
+    FitCost cost;
+    cost.axes = 5 * std::pow(4.0, std::max(Axis, 0)) + 1;
+    cost.angles = std::floor(fullTurn / gammaStep);
+    cost.poses = offsets * (1 + cost.axes * cost.angles);
+    cost.axisBytes = cost.axes * axisBytes;
+    cost.offsetBytes = offsets * sizeof(Vertex);
+    cost.identityBytes = offsets * record;
+    cost.listBytes = (2.0 * std::max(top_size, 0) + 1) * record;
+    if (!survey.solid.points.empty()) {
+        const KeepOutLayout layout = LayOutKeepOut(survey.solid);
+        cost.keepOutBytes = layout.nodes[0] * layout.nodes[1] * layout.nodes[2] * sizeof(float);
+    }
+    return cost;
+}
+
+QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses) {
+    const QString degrees = GeneralNumber(angleStep * 180.0 / 3.141592653589793);
+    if (!(angleStep > 0) || !std::isfinite(angleStep))
+        return QString("The rotation step is %1 degrees; it must be a positive number.").arg(degrees);
+    if (!GrowsToFullTurn(angleStep))
+        return QString("The rotation step of %1 degrees is too small for an angle to grow by it.")
+            .arg(degrees);
+    if (cost.poses > poseLimit && !anyNumberOfPoses)
+        return QString("The fit would try %1 poses (%2 axes, %3 angles about each, %4 translations); the "
+                       "limit is %5. Choose larger steps, fewer translations or less recursion.")
+            .arg(Figure(cost.poses), Figure(cost.axes), Figure(cost.angles),
+                 Figure(cost.offsetBytes / sizeof(Vertex)), Figure(poseLimit));
+    if (const double limit = 0.75 * MachineMemory(); !(cost.Bytes() <= limit))
+        return QString("The fit would need %1 of memory (axes %2, translations %3, poses of the identity "
+                       "rotation %4, solutions kept %5, keep-out grid %6); the limit is %7, three quarters "
+                       "of this machine's.")
+            .arg(GiB(cost.Bytes()), GiB(cost.axisBytes), GiB(cost.offsetBytes), GiB(cost.identityBytes),
+                 GiB(cost.listBytes), GiB(cost.keepOutBytes), GiB(limit));
+    return {};
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "fit/Preparation.h"
+
+/// What a fit would take, known before it touches anything. Sums are formed in double: nothing overflows.
+struct FitCost {
+    double axes = 0;
+    double angles = 0; ///< values of the angle about each axis
+    double poses = 0;
+    double axisBytes = 0;
+    double offsetBytes = 0;
+    double identityBytes = 0; ///< the list that the identity pass fills without trimming
+    double listBytes = 0;     ///< 2·keep + 1 records
+    double keepOutBytes = 0;
+
+    double Bytes() const { return axisBytes + offsetBytes + identityBytes + listBytes + keepOutBytes; }
+};
+
+/// The most poses that a fit may have unless its user insists: weeks of computing.
+constexpr double poseLimit = 1e13;
+
+/// The cost of a fit with the current parameters.
+FitCost EstimateCost(const Survey &survey);
+
+/// Why a fit of that cost cannot run, with the figures; empty when it can. It cannot when the rotation step
+/// is not a positive finite number of radians or too small for an angle to grow by it, when it has more than
+/// `poseLimit` poses (unless `anyNumberOfPoses`), or when it needs more than three quarters of the machine's
+/// memory.
+QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses);
+
+/// Memory that the machine has, bytes.
+double MachineMemory();

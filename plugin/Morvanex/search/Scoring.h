@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Types.h"
+#include "solutions/Solution.h"
+
+#include <cstdint>
+#include <vector>
+
+class QTextStream;
+
+/// The scoring of one pose. Free functions without state: they touch only their arguments.
+
+/// Density score: the sum in double, from the first point to the last, of the map's values at the voxels
+/// nearest to the points. A point outside the map counts nothing. See `NearestVoxel` for where the map ends.
+double Score(const std::vector<TaggedPoint> &points, const Grid *map);
+
+/// Collision measure: the sum in double of the solid's values greater than 2.0 at the voxels nearest to the
+/// points. With a keep-out grid, whose nodes hold 6.0 minus the distance to the nearest solid point, a node
+/// counts that lies closer than 4.0 Å to a solid point.
+double Collision(const std::vector<TaggedPoint> &points, const Grid *solid);
+
+/// Restraint distances under a pose: Scores[i] becomes |A - pose·B| in Å for the i-th pair (A, B). `Scores`
+/// is not resized; each pair beyond its end is reported as a broken assertion and skipped.
+void Score(const std::vector<RestraintPair> &restraints, const Transform &pose, std::vector<double> &Scores);
+
+/// The translation that follows a rotation so that `centre` comes back to its place and then moves by
+/// `offset`: (centre - rotation·centre) + offset, in float and in this order.
+inline Vertex TranslationAbout(const Vertex &centre, const Quaternion &rotation, const Vertex &offset) {
+    Vertex translation;
+    translation = (centre - rotation * centre) + offset;
+    return translation;
+}
+
+/// Scores one pose. It is rejected when the moved points collide with the solid (measure 0.01 or more): the
+/// result then is a default record with score -1.0. Otherwise the result holds the pose, its density score
+/// and one distance per restraint, and its line is written to `log` if `logging`.
+///
+/// `map` may be null (score 0), so may `solid` (no collision test). `moved` and `extraScores` are the
+/// caller's scratch arrays, overwritten and never resized: at least as many elements as points, exactly one
+/// per restraint.
+SolutionScore DoScores(const Quaternion &rotation, const Vertex &translation, const Grid *map,
+                       const std::vector<TaggedPoint> &points, const Grid *solid,
+                       const std::vector<RestraintPair> &restraints, std::vector<TaggedPoint> &moved,
+                       std::vector<double> &extraScores, QTextStream &log, bool logging);
+
+/// Moves tagged points by a pose, which must outlive it.
+class ApplyRT {
+public:
+    explicit ApplyRT(const Transform &pose)
+        : m_pose(pose) {}
+    /// The vertex is made from its numbers: copying one whose bytes have just been stored apart takes three
+    /// times as long as moving it.
+    TaggedPoint operator()(const TaggedPoint &point) const {
+        const Vertex moved = m_pose * point.first;
+        return {Vertex(moved[0], moved[1], moved[2], moved.IsValid()), point.second};
+    }
+
+private:
+    const Transform &m_pose;
+};
+
+/// The index along one axis of the voxel nearest to a coordinate, or a number >= `count` when the coordinate
+/// lies outside the grid.
+///
+/// (p - origin) / spacing is formed in float, widened to double, plus 0.5, truncated toward zero: everything
+/// from one and a half spacings below the origin lands on index 0. A coordinate that is not a number, or
+/// whose index does not fit, is outside.
+inline unsigned NearestVoxel(float p, float origin, float spacing, unsigned count) {
+    const double q = double((p - origin) / spacing) + 0.5;
+    return q > -1.0 && q < double(count) ? unsigned(std::int64_t(q)) : count;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "solutions/Solution.h"
+
+#include <map>
+
+class QIODevice;
+
+/// The results file: the comment line, then one line per solution in the order of the list.
+
+/// Writes the list to an open device.
+void WriteResults(QIODevice &device, const std::list<SolutionScore> &solutions);
+
+/// What a results file was found to hold.
+struct ResultsRead {
+    std::list<SolutionScore> solutions; ///< in file order
+    std::vector<qint64> skippedLines;   ///< numbers, from 1, of the lines with fewer than eight words
+    /// Records that a word among the first eight makes doubtful, since it is no number and reads as 0: place
+    /// in `solutions`, from 0, and number of the line.
+    std::map<std::size_t, qint64> doubtful;
+};
+
+/// Reads every line that does not begin with '#' and has at least eight words. A device that is not open
+/// holds nothing.
+ResultsRead ReadResults(QIODevice &device);

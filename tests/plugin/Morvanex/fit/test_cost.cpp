@@ -1,0 +1,167 @@
+#include "EngineTest.h"
+#include "Messages.h"
+#include "Parameters.h"
+#include "fit/Angles.h"
+#include "fit/Cost.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+class Cost : public EngineTest {
+protected:
+    Cost() {
+        Axis = 1;
+        gammaStep = Radians(10);
+        Step = 2;
+        TCount = 4;
+        top_size = 10;
+        m_Target = AddChain(ResiduesAt({{0, 0, 0}, {2, 4, 6}}));
+    }
+
+    FitCost Estimate() const { return EstimateCost(SurveyFit()); }
+
+    const Messages quiet;
+};
+
+std::string Refusal(const FitCost &cost, double angleStep = 0.1, bool anyNumberOfPoses = false) {
+    return RefuseFit(cost, angleStep, anyNumberOfPoses).toStdString();
+}
+
+} // namespace
+
+TEST_F(Cost, CountsWhatTheSearchWillTry) {
+    const FitCost cost = Estimate();
+    EXPECT_EQ(cost.axes, 21);
+    EXPECT_EQ(cost.angles, 36);
+    EXPECT_EQ(cost.poses, 125 * (1 + 21 * 36));
+    EXPECT_EQ(cost.offsetBytes, 125 * sizeof(Vertex));
+    EXPECT_GE(cost.axisBytes, 21 * sizeof(Vertex));
+    EXPECT_GE(cost.identityBytes, 125 * sizeof(SolutionScore));
+    EXPECT_GE(cost.listBytes, 21 * sizeof(SolutionScore));
+    EXPECT_EQ(cost.keepOutBytes, 0);
+    EXPECT_EQ(cost.Bytes(), cost.axisBytes + cost.offsetBytes + cost.identityBytes + cost.listBytes);
+    EXPECT_EQ(Refusal(cost, gammaStep), "");
+}
+
+TEST_F(Cost, AgreesWithTheSearch) {
+    for (const double degrees : {45.0, 90.0, 77.0, 360.0, 400.0}) {
+        gammaStep = Radians(degrees);
+        const FitCost cost = Estimate();
+        RecordingMonitor monitor;
+        PoseCounts counts;
+        RunFit(monitor, &counts);
+        EXPECT_NEAR(cost.poses, double(counts.tried), 125 * 21) << degrees; // rounding may add an angle
+    }
+}
+
+TEST_F(Cost, KnowsTheKeepOutGrid) {
+    m_Solid = ResiduesOf(AddChain(ResiduesAt({{0, 0, 0}, {20, 30, 40}})));
+    const double expected = Estimate().keepOutBytes;
+    const Grid *grid = PrepareFit(SurveyFit(), nullptr).keepOut;
+    EXPECT_EQ(expected, double(grid->Values().size_bytes()));
+}
+
+TEST_F(Cost, RestraintsMakeRecordsLarger) {
+    const double before = Estimate().identityBytes;
+    restraints = true;
+    re_fname = QString::fromStdString(folder.Write("restraints.txt", "GLY1 1 2 3 GLY1 1 2 3 GLY2 1 2 3"));
+    EXPECT_GE(Estimate().identityBytes, before + 375 * sizeof(double));
+}
+
+TEST_F(Cost, NegativeNumbersCountAsNothing) {
+    Axis = -3;
+    TCount = -7;
+    top_size = -5;
+    const FitCost cost = Estimate();
+    EXPECT_EQ(cost.axes, 6);
+    EXPECT_EQ(cost.poses, 0);
+    EXPECT_EQ(cost.offsetBytes, 0);
+    EXPECT_GT(cost.listBytes, 0);
+    EXPECT_LT(cost.listBytes, 1000);
+}
+
+TEST_F(Cost, TheLargestNumbersDoNotOverflow) {
+    Axis = std::numeric_limits<int>::max();
+    TCount = std::numeric_limits<int>::max();
+    top_size = std::numeric_limits<int>::max();
+    gammaStep = 1e-300;
+    const FitCost cost = Estimate();
+    EXPECT_EQ(cost.axes, infinity);
+    EXPECT_EQ(cost.poses, infinity);
+    EXPECT_GT(cost.offsetBytes, 1e29);
+    EXPECT_GT(cost.listBytes, 2.0 * top_size * sizeof(SolutionScore));
+    EXPECT_NE(Refusal(cost, 1), "");
+    EXPECT_NE(Refusal(cost, 1, true), "");
+}
+
+TEST_F(Cost, ARotationStepMustBePositiveAndFinite) {
+    EXPECT_EQ(Refusal({}, 0), "The rotation step is 0 degrees; it must be a positive number.");
+    EXPECT_EQ(Refusal({}, Radians(-10)), "The rotation step is -10 degrees; it must be a positive number.");
+    EXPECT_EQ(Refusal({}, NAN), "The rotation step is nan degrees; it must be a positive number.");
+    EXPECT_EQ(Refusal({}, infinity), "The rotation step is inf degrees; it must be a positive number.");
+    EXPECT_EQ(Refusal({}, -infinity), "The rotation step is -inf degrees; it must be a positive number.");
+    EXPECT_EQ(Refusal({}, 0, true), "The rotation step is 0 degrees; it must be a positive number.");
+}
+
+TEST_F(Cost, ARotationStepMustBeLargeEnoughToAddUp) {
+    EXPECT_EQ(Refusal({}, 1e-16, true),
+              "The rotation step of 5.72958e-15 degrees is too small for an angle to grow by it.");
+    EXPECT_EQ(Refusal({}, 1e-15, true), "");
+}
+
+TEST_F(Cost, TooManyPosesAreRefusedWithTheFigures) {
+    FitCost cost;
+    cost.axes = 321;
+    cost.angles = 35;
+    cost.offsetBytes = 1e9 * sizeof(Vertex);
+    cost.poses = 1e9 * (1 + 321.0 * 35);
+    EXPECT_EQ(Refusal(cost), "The fit would try 1.1236e+13 poses (321 axes, 35 angles about each, 1e+09 "
+                             "translations); the limit is 1e+13. Choose larger steps, fewer translations or "
+                             "less recursion.");
+    cost.poses = poseLimit;
+    EXPECT_THAT(Refusal(cost), testing::Not(HasSubstr("poses (")));
+}
+
+TEST_F(Cost, TheLimitOnPosesCanBeLifted) {
+    FitCost cost;
+    cost.poses = 1e14;
+    EXPECT_NE(Refusal(cost), "");
+    EXPECT_EQ(Refusal(cost, 0.1, true), "");
+}
+
+TEST_F(Cost, WhatMemoryCannotHoldIsRefusedWithTheFigures) {
+    constexpr double GiB = 1024.0 * 1024.0 * 1024.0;
+    FitCost cost;
+    cost.axisBytes = 1.5 * GiB;
+    cost.offsetBytes = 2 * GiB;
+    cost.identityBytes = 3 * GiB;
+    cost.listBytes = 4e6 * GiB;
+    cost.keepOutBytes = 0.5 * GiB;
+    const std::string expected =
+        "The fit would need 4\\.00001e\\+06 GiB of memory \\(axes 1.5 GiB, translations 2.0 GiB, poses of "
+        "the identity rotation 3.0 GiB, solutions kept 4e\\+06 GiB, keep-out grid 0.5 GiB\\); the limit is "
+        "[0-9]+\\.[0-9] GiB, three quarters of this machine's.";
+    EXPECT_THAT(Refusal(cost), MatchesRegex(expected));
+    EXPECT_THAT(Refusal(cost, 0.1, true), MatchesRegex(expected));
+}
+
+TEST_F(Cost, EveryPartOfTheMemoryCounts) {
+    for (double FitCost::*part : {&FitCost::axisBytes, &FitCost::offsetBytes, &FitCost::identityBytes,
+                                  &FitCost::listBytes, &FitCost::keepOutBytes}) {
+        FitCost cost;
+        cost.*part = 1e18;
+        EXPECT_THAT(Refusal(cost), HasSubstr("of memory"));
+        cost.*part = infinity;
+        EXPECT_THAT(Refusal(cost), HasSubstr("of memory"));
+        cost.*part = NAN;
+        EXPECT_THAT(Refusal(cost), HasSubstr("of memory"));
+    }
+}

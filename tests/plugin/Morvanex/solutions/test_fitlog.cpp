@@ -1,0 +1,91 @@
+#include "solutions/FitLog.h"
+
+#include "Messages.h"
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include <sys/stat.h>
+
+using testing::IsEmpty;
+
+namespace {
+
+class FitLogTest : public testing::Test {
+protected:
+    ~FitLogTest() override {
+        EXPECT_THAT(messages.Warnings(), IsEmpty());
+        EXPECT_THAT(messages.Debug(), IsEmpty());
+    }
+
+    void Open(const std::string &file, bool logging) { log.Open(QString::fromStdString(file), logging); }
+
+    const Messages messages;
+    const TemporaryFolder folder;
+    FitLog log;
+};
+
+} // namespace
+
+TEST_F(FitLogTest, WritesLinesWhenLogging) {
+    const std::string file = folder.Write("poses.log", "from an earlier fit\n");
+    Open(file, true);
+    ASSERT_TRUE(log.IsWriting());
+    log.Stream() << "a line\n";
+    EXPECT_TRUE(log.Flush());
+    EXPECT_EQ(ReadFile(file), "a line\n");
+}
+
+TEST_F(FitLogTest, EmptiesTheFileEvenWithoutLogging) {
+    const std::string file = folder.Write("poses.log", "from an earlier fit\n");
+    Open(file, false);
+    EXPECT_FALSE(log.IsWriting());
+    EXPECT_TRUE(log.Flush());
+    EXPECT_EQ(ReadFile(file), "");
+}
+
+TEST_F(FitLogTest, CreatesTheFileEvenWithoutLogging) {
+    Open(folder.File("poses.log"), false);
+    EXPECT_EQ(ReadFile(folder.File("poses.log")), "");
+}
+
+TEST_F(FitLogTest, AnEmptyNameOpensNothing) {
+    Open("", true);
+    EXPECT_FALSE(log.IsWriting());
+    EXPECT_TRUE(log.Flush());
+}
+
+TEST_F(FitLogTest, AFileThatCannotBeOpenedIsNotReported) {
+    for (const std::string &file : {folder.Path(), folder.File("absent/poses.log")}) {
+        Open(file, true);
+        EXPECT_FALSE(log.IsWriting());
+        EXPECT_TRUE(log.Flush());
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.File("absent")));
+}
+
+TEST_F(FitLogTest, APipeThatNobodyReadsIsNotWaitedFor) {
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Open(pipe, true);
+    EXPECT_FALSE(log.IsWriting());
+}
+
+TEST_F(FitLogTest, AFullDiskIsSaidOnceAndEndsTheLog) {
+    Open("/dev/full", true);
+    ASSERT_TRUE(log.IsWriting());
+    log.Stream() << "a line\n";
+    EXPECT_FALSE(log.Flush());
+    EXPECT_EQ(log.ErrorText(), "No space left on device");
+    EXPECT_FALSE(log.IsWriting());
+    EXPECT_TRUE(log.Flush());
+}
+
+TEST_F(FitLogTest, AFullDiskIsFoundWhereTheLinesOutgrowTheBuffers) {
+    Open("/dev/full", true);
+    for (int i = 0; i < 10000; ++i)
+        log.Stream() << "a line of some length, to fill whatever buffers there are\n";
+    EXPECT_FALSE(log.Flush());
+}
