@@ -1,6 +1,7 @@
 #include "FitRun.h"
 
-#include "Numbers.h"
+#include "base/Numbers.h"
+
 #include "Parameters.h"
 #include "Progress.h"
 #include "search/Search.h"
@@ -38,7 +39,7 @@ public:
     void AxisDone(std::size_t done, std::size_t, double minutes) override {
         if (m_dialog) {
             m_dialog->progressBar->setValue(int(done));
-            m_dialog->etaLabel->setText(QString("%1 min").arg(FixedNumber(minutes, 0, 2)));
+            m_dialog->etaLabel->setText(QString("%1 min").arg(base::FixedNumber(minutes, 0, 2)));
             m_dialog->update();
         }
         QApplication::processEvents();

@@ -1,9 +1,10 @@
 #include "SolutionsList.h"
 
+#include "base/Numbers.h"
+
 #include "Builder.h"
 #include "FitRun.h"
 #include "Layouts.h"
-#include "Numbers.h"
 #include "Parameters.h"
 #include "ResultsStorage.h"
 
@@ -162,7 +163,7 @@ void update_list(std::list<SolutionScore> &list, SolutionsList *dialog) {
     std::size_t rank = list.size();
     for (const SolutionScore &solution : list)
         rows << new QTreeWidgetItem(
-            {QString::number(rank--).rightJustified(width, '0'), GeneralNumber(solution.score)});
+            {QString::number(rank--).rightJustified(width, '0'), base::GeneralNumber(solution.score)});
     // Rows that come one by one into a sorted view are moved each; together they are sorted once.
     const bool sorted = view->isSortingEnabled();
     view->clear();

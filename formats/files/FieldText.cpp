@@ -1,6 +1,5 @@
 #include "formats/files/FieldText.h"
 
-#include <array>
 #include <charconv>
 #include <system_error>
 
@@ -50,20 +49,6 @@ std::string Quoted(std::string_view text) {
             quoted += {'\\', 'x', digits[byte / 16], digits[byte % 16]};
     }
     return quoted + (text.size() > most ? "...'" : "'");
-}
-
-std::string Counted(std::size_t number, const std::string &noun) {
-    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
-}
-
-std::string Fixed(double number, int decimals) {
-    std::array<char, 400> buffer; // the largest double has 309 digits before the point
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                   std::chars_format::fixed, decimals)
-                         .ptr;
-    const std::string text(buffer.data(), end);
-    return text.find_first_of("123456789") == std::string::npos && text.starts_with("-0") ? text.substr(1)
-                                                                                          : text;
 }
 
 } // namespace VARNO

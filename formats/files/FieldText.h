@@ -18,10 +18,4 @@ std::optional<int> ReadInteger(std::string_view text);
 /// bytes.
 std::string Quoted(std::string_view text);
 
-/// "1 atom", "12 atoms".
-std::string Counted(std::size_t number, const std::string &noun);
-
-/// The number with so many decimals, correctly rounded, never "-0.000".
-std::string Fixed(double number, int decimals);
-
 } // namespace VARNO

@@ -1,5 +1,7 @@
 #include "formats/maps/MapFile.h"
 
+#include "base/Memory.h"
+
 #include "DataAdder.h"
 #include "DataMaker.h"
 #include "formats/files/ByteSource.h"
@@ -13,8 +15,6 @@
 #include <filesystem>
 #include <memory>
 #include <ostream>
-
-#include <unistd.h>
 
 namespace VARNO {
 
@@ -50,10 +50,9 @@ std::string Promise(const MapLayout &layout) {
 
 /// A quarter of the memory is left to everything else, as the fit does.
 void CheckMemory(const std::string &file, const MapLayout &layout) {
-    const std::uint64_t memory =
-        std::uint64_t(sysconf(_SC_PHYS_PAGES)) * std::uint64_t(sysconf(_SC_PAGE_SIZE));
+    const auto memory = std::uint64_t(base::MachineMemory());
     const std::uint64_t needed = layout.voxels * sizeof(float);
-    if (needed > memory / 4 * 3)
+    if (double(needed) > base::MemoryLimit())
         throw FileError(file, "NX NY NZ (words 1 to 3)",
                         std::to_string(layout.voxels) + " voxels take " + std::to_string(needed >> 20) +
                             " MiB, more than three quarters of the machine's " +

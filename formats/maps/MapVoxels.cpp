@@ -1,5 +1,7 @@
 #include "formats/maps/MapVoxels.h"
 
+#include "base/Statistics.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -69,24 +71,16 @@ std::uint64_t ZeroNotFinite(std::span<float> values) {
 }
 
 MapStatistics StatisticsOf(std::span<const float> values) {
-    float minimum = std::numeric_limits<float>::infinity(), maximum = -minimum;
-    double sum = 0, squares = 0;
-    std::uint64_t count = 0;
-    for (const float value : values) {
-        if (!std::isfinite(value))
-            continue;
-        minimum = std::min(minimum, value);
-        maximum = std::max(maximum, value);
-        sum += value;
-        ++count;
-    }
-    if (count == 0)
+    const base::Statistics sums = base::StatisticsOf(values);
+    if (sums.count == 0)
         return {};
-    const double mean = sum / double(count);
+    float minimum = std::numeric_limits<float>::infinity(), maximum = -minimum;
     for (const float value : values)
-        if (std::isfinite(value))
-            squares += (value - mean) * (value - mean);
-    return {minimum, maximum, mean, std::sqrt(squares / double(count))};
+        if (std::isfinite(value)) {
+            minimum = std::min(minimum, value);
+            maximum = std::max(maximum, value);
+        }
+    return {minimum, maximum, sums.mean, sums.Deviation()};
 }
 
 } // namespace VARNO

@@ -1,4 +1,6 @@
 #include "formats/files/FieldText.h"
+
+#include "base/Words.h"
 #include "formats/files/FileError.h"
 #include "formats/structures/ParsedModel.h"
 
@@ -93,7 +95,7 @@ public:
     std::vector<std::string> Warnings() const {
         if (m_wide == 0)
             return {};
-        return {"column 21 is not blank in " + Counted(m_wide, "atom record") + ", the first in line " +
+        return {"column 21 is not blank in " + base::Counted(m_wide, "atom record") + ", the first in line " +
                 std::to_string(m_firstWide) + "; it was ignored, column 22 is the chain's identifier"};
     }
 

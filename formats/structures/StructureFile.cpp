@@ -1,5 +1,7 @@
 #include "formats/structures/StructureFile.h"
 
+#include "base/Words.h"
+
 #include "DataAdder.h"
 #include "DataMaker.h"
 #include "formats/files/FieldText.h"
@@ -136,7 +138,7 @@ private:
 void WarnOfLeftOut(const AssembledModel &model, StructureReport &report) {
     const auto warn = [&](std::size_t number, const std::string &noun, const std::string &rest) {
         if (number > 0)
-            report.warnings.push_back(Counted(number, noun) + ' ' + rest);
+            report.warnings.push_back(base::Counted(number, noun) + ' ' + rest);
     };
     report.alternates = model.alternates;
     report.unplaced = model.unplaced;

@@ -1,5 +1,7 @@
 #include "Atom.h"
+
 #include "Group.h"
+#include "base/Numbers.h"
 #include "formats/files/FieldText.h"
 #include "formats/files/FileError.h"
 #include "formats/files/NodeName.h"
@@ -148,10 +150,10 @@ private:
         PutResidue(line);
         PutAtomName(line, atom);
         for (const unsigned i : {0, 1, 2})
-            Put(line, 38 + 8 * i, 8, Fixed(double(position[i]), 3), "coordinate");
+            Put(line, 38 + 8 * i, 8, base::PlainFixed(double(position[i]), 3), "coordinate");
         Put(line, 60, 6, "1.00", "occupancy");
         const float bFactor = std::isfinite(atom.GetBFactor()) ? atom.GetBFactor() : 0;
-        Put(line, 66, 6, Fixed(double(std::clamp(bFactor, -99.99f, 999.99f)), 2), "B factor");
+        Put(line, 66, 6, base::PlainFixed(double(std::clamp(bFactor, -99.99f, 999.99f)), 2), "B factor");
         Put(line, 78, 2, Name(atom.GetLabel()), "element");
         if (const long charge = std::lround(atom.GetCharge()); charge != 0)
             Put(line, 80, 2, std::to_string(std::labs(charge)) + (charge > 0 ? '+' : '-'), "charge");
@@ -244,10 +246,10 @@ private:
               << (m_chain.polymer ? std::to_string(m_residueNumber) : ".") << ' '
               << (id.insertion.empty() ? "?" : Value(id.insertion));
         for (const unsigned i : {0, 1, 2})
-            m_out << ' ' << Fixed(double(position[i]), 3);
+            m_out << ' ' << base::PlainFixed(double(position[i]), 3);
         const float bFactor = std::isfinite(atom.GetBFactor()) ? atom.GetBFactor() : 0;
-        m_out << " 1.00 " << Fixed(double(bFactor), 2) << ' ' << std::lround(atom.GetCharge()) << ' '
-              << id.number << ' ' << residue << ' ' << Value(m_chain.node->GetName()) << ' ' << name
+        m_out << " 1.00 " << base::PlainFixed(double(bFactor), 2) << ' ' << std::lround(atom.GetCharge())
+              << ' ' << id.number << ' ' << residue << ' ' << Value(m_chain.node->GetName()) << ' ' << name
               << " 1\n";
     }
 

@@ -1,11 +1,12 @@
 #include "Commands.h"
 
+#include "base/Numbers.h"
+
 #include "Chains.h"
 #include "Collect.h"
 #include "CommandLine.h"
 #include "Diagnostics.h"
 #include "Inputs.h"
-#include "Numbers.h"
 #include "Outputs.h"
 #include "SavedList.h"
 
@@ -79,14 +80,14 @@ void TellRounding(const SavedList &list, Chain *chain) {
     std::cout << QString(
                      "precision: the two decimals of a results file move an atom by up to %1 Å, this target "
                      "reaching %2 Å from the origin; the JSON file of a fit has full precision\n")
-                     .arg(FixedNumber(RoundingCost(distance), 0, 2), FixedNumber(distance, 0, 1))
+                     .arg(base::FixedNumber(RoundingCost(distance), 0, 2), base::FixedNumber(distance, 0, 1))
                      .toStdString();
 }
 
 void WriteModel(const std::string &file, const Chain *chain, long rank, const SolutionScore &solution) {
     WriteStructure(file, StructureFormatOf(file), chain, Transform(solution.rotation, solution.translation));
-    std::cout << "rank " << rank << ", score " << FixedNumber(solution.score, 0, 3).toStdString() << ": "
-              << file << '\n';
+    std::cout << "rank " << rank << ", score " << base::FixedNumber(solution.score, 0, 3).toStdString()
+              << ": " << file << '\n';
 }
 
 int Run(const Arguments &arguments) {

@@ -1,5 +1,7 @@
 #include "Commands.h"
 
+#include "base/Words.h"
+
 #include "Chains.h"
 #include "Diagnostics.h"
 #include "FitChecks.h"
@@ -8,7 +10,6 @@
 #include "FitReport.h"
 #include "Interrupt.h"
 #include "RestraintsCheck.h"
-#include "Wording.h"
 
 #include "Config.h"
 #include "Parameters.h"
@@ -65,8 +66,8 @@ bool Deliver(const FitRecord &record, const FitInput &input) {
     if (record.poses.accepted == 0)
         Warn("no pose was accepted: the target runs into the solid everywhere");
     if (std::size_t(record.options.models) > record.solutions.size())
-        Warn(Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
-             Counted(record.solutions.size(), "solution") + " kept");
+        Warn(base::Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
+             base::Counted(record.solutions.size(), "solution") + " kept");
     ReportSolutions(record, written);
     for (const std::string &error : errors)
         ReportError(error);

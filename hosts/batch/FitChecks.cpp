@@ -1,12 +1,14 @@
 #include "FitChecks.h"
 
+#include "base/Words.h"
+
+#include "base/Numbers.h"
+
 #include "Chains.h"
 #include "Diagnostics.h"
 #include "Pace.h"
 #include "RestraintsCheck.h"
-#include "Wording.h"
 
-#include "Numbers.h"
 #include "Parameters.h"
 #include "fit/Cost.h"
 #include "formats/files/FileError.h"
@@ -27,7 +29,7 @@ void CheckTarget(const FitOptions &options, const FitInput &input, const Target 
     if (target.points.empty())
         throw FileError(options.target, chain, "no residue has a position (an atom CA, C4' or P)");
     if (target.invalidResidues > 0)
-        Warn(options.target + ": " + chain + ": " + Counted(target.invalidResidues, "residue") +
+        Warn(options.target + ": " + chain + ": " + base::Counted(target.invalidResidues, "residue") +
              " without a position (an atom CA, C4' or P) left out");
 }
 
@@ -52,7 +54,7 @@ void CheckRestraints(const FitOptions &options, const Survey &survey) {
 
 void CheckSolid(const FitOptions &options, const Survey &survey) {
     if (survey.solid.invalidResidues > 0)
-        Warn("solid: " + Counted(survey.solid.invalidResidues, "residue") +
+        Warn("solid: " + base::Counted(survey.solid.invalidResidues, "residue") +
              " without a position (an atom CA, C4' or P) left out");
     if (!options.solids.empty() && survey.solid.points.empty())
         Warn("the solid has no effect: none of its residues lies within " + options.inclusionDistance +
@@ -73,11 +75,11 @@ std::string Refusal(const Survey &survey, const FitOptions &options) {
     const double seconds = cost.poses / pace;
     std::string problem = RefuseFit(cost, gammaStep, false).toStdString();
     if (problem.empty() && seconds > longestFit)
-        problem = "The fit would try " + GeneralNumber(cost.poses).toStdString() + " poses.";
+        problem = "The fit would try " + base::GeneralNumber(cost.poses).toStdString() + " poses.";
     if (problem.empty())
         return {};
-    return problem + " At " + Grouped(std::uint64_t(pace)) +
-           " poses a second, measured on this machine, that takes about " + DurationText(seconds) +
+    return problem + " At " + base::Grouped(std::uint64_t(pace)) +
+           " poses a second, measured on this machine, that takes about " + base::DurationText(seconds) +
            "; --force runs it.";
 }
 

@@ -1,9 +1,11 @@
 #include "FitReport.h"
 
-#include "Chains.h"
-#include "Wording.h"
+#include "base/Words.h"
 
-#include "Numbers.h"
+#include "base/Numbers.h"
+
+#include "Chains.h"
+
 #include "Parameters.h"
 #include "fit/Cost.h"
 
@@ -34,8 +36,9 @@ QString Text(const std::string &text) {
 
 template <class Vector3>
 QString Triple(const Vector3 &numbers, const QString &separator, int decimals) {
-    return FixedNumber(numbers[0], 0, decimals) + separator + FixedNumber(numbers[1], 0, decimals) +
-           separator + FixedNumber(numbers[2], 0, decimals);
+    return base::FixedNumber(numbers[0], 0, decimals) + separator +
+           base::FixedNumber(numbers[1], 0, decimals) + separator +
+           base::FixedNumber(numbers[2], 0, decimals);
 }
 
 QString ChainWord(const std::vector<VARNO::Chain *> &chains) {
@@ -85,29 +88,30 @@ void ReportSolid(const FitInput &input, const Survey &survey) {
         PrintItem("", QString("%1 of %2 residues lie within %3 Å of the target's centre")
                           .arg(survey.solid.points.size())
                           .arg(m_Solid.size())
-                          .arg(GeneralNumber(double(survey.inclusionDistance))));
+                          .arg(base::GeneralNumber(double(survey.inclusionDistance))));
 }
 
 void ReportRestraints(const FitOptions &options, const Survey &survey) {
     if (!options.restraints)
         return;
     PrintItem("Restraints", Text(*options.restraints));
-    PrintItem("", Text(Counted(survey.target.restraints.size(), "restraint")) + " on residues of the target");
+    PrintItem("", Text(base::Counted(survey.target.restraints.size(), "restraint")) +
+                      " on residues of the target");
 }
 
 /// A number of poses, which need not fit an integer.
 QString PoseNumber(double poses) {
-    return poses < 1e15 ? Text(Grouped(std::uint64_t(poses))) : GeneralNumber(poses);
+    return poses < 1e15 ? Text(base::Grouped(std::uint64_t(poses))) : base::GeneralNumber(poses);
 }
 
 void ReportSearch(const FitOptions &options, const Survey &survey) {
     const FitCost cost = EstimateCost(survey);
     const int steps = OddCount(options.translationSteps);
     PrintItem("Search", QString("%1 axes, turned about in steps of %2°")
-                            .arg(GeneralNumber(cost.axes), GeneralNumber(options.rotationStep)));
+                            .arg(base::GeneralNumber(cost.axes), base::GeneralNumber(options.rotationStep)));
     PrintItem("", QString("%1 x %1 x %1 translations in steps of %2 Å")
                       .arg(steps)
-                      .arg(GeneralNumber(options.translationStep)));
+                      .arg(base::GeneralNumber(options.translationStep)));
     PrintItem("", QString("about %1 poses").arg(PoseNumber(cost.poses)));
     Print("");
 }
@@ -127,7 +131,8 @@ double DisplacementOf(const SolutionScore &solution, const Vertex &centre) {
 }
 
 QString AboveMean(double score, const PoseSample &sample) {
-    return sample.deviation > 0 ? FixedNumber((score - sample.mean) / sample.deviation, 0, 2) : QString("-");
+    return sample.deviation > 0 ? base::FixedNumber((score - sample.mean) / sample.deviation, 0, 2)
+                                : QString("-");
 }
 
 /// One line of the table; the cells' widths are those of the head.
@@ -144,10 +149,11 @@ void PrintTable(const FitRecord &record) {
     PrintRow({"Rank", "Score", "SD above mean", "Turn, °", "Centre moved, Å", "Rank in file"}, unsorted);
     for (std::size_t i = 0; i < std::min(rowsShown, record.solutions.size()); ++i) {
         const auto &[solution, rank, rankInFile] = record.solutions[i];
-        PrintRow({QString::number(rank), FixedNumber(solution->score, 0, 3),
-                  AboveMean(solution->score, record.sample), FixedNumber(TurnOf(solution->rotation), 0, 1),
-                  FixedNumber(DisplacementOf(*solution, record.centre), 0, 2), QString::number(rankInFile)},
-                 unsorted);
+        PrintRow(
+            {QString::number(rank), base::FixedNumber(solution->score, 0, 3),
+             AboveMean(solution->score, record.sample), base::FixedNumber(TurnOf(solution->rotation), 0, 1),
+             base::FixedNumber(DisplacementOf(*solution, record.centre), 0, 2), QString::number(rankInFile)},
+            unsorted);
     }
     if (unsorted)
         Print("\nFewer solutions than were to be kept: the results file is in the order of the search,\n"
@@ -164,7 +170,8 @@ void PrintSample(const FitRecord &record) {
                                     .arg(size)
                               : QString("%1 poses spread evenly over the search:").arg(size);
     Print(QString("\nScores are compared with %1\nmean %2, standard deviation (SD) %3.")
-              .arg(which, GeneralNumber(record.sample.mean), GeneralNumber(record.sample.deviation)));
+              .arg(which, base::GeneralNumber(record.sample.mean),
+                   base::GeneralNumber(record.sample.deviation)));
 }
 
 } // namespace
@@ -180,8 +187,8 @@ void ReportInput(const FitOptions &options, const FitInput &input, const Survey 
 
 void ReportSolutions(const FitRecord &record, const std::vector<std::string> &written) {
     Print(QString("%1 poses in %2, %3 accepted, %4 kept\n")
-              .arg(Text(Grouped(record.poses.tried)), Text(DurationText(record.seconds)),
-                   Text(Grouped(record.poses.accepted)), Text(Grouped(record.solutions.size()))));
+              .arg(Text(base::Grouped(record.poses.tried)), Text(base::DurationText(record.seconds)),
+                   Text(base::Grouped(record.poses.accepted)), Text(base::Grouped(record.solutions.size()))));
     if (!record.solutions.empty()) {
         PrintTable(record);
         PrintSample(record);

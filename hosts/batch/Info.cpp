@@ -1,8 +1,9 @@
 #include "Commands.h"
 
+#include "base/Numbers.h"
+
 #include "CommandLine.h"
 #include "Grid.h"
-#include "Numbers.h"
 #include "formats/files/ByteSource.h"
 #include "formats/files/FileError.h"
 #include "formats/maps/MapFile.h"
@@ -38,8 +39,8 @@ void Line(const std::string &label, const QString &text) {
 
 template <class T>
 QString Three(const Vector<T, 3> &numbers, const QString &separator) {
-    return GeneralNumber(double(numbers[0])) + separator + GeneralNumber(double(numbers[1])) + separator +
-           GeneralNumber(double(numbers[2]));
+    return base::GeneralNumber(double(numbers[0])) + separator + base::GeneralNumber(double(numbers[1])) +
+           separator + base::GeneralNumber(double(numbers[2]));
 }
 
 QString ModeText(int mode) {
@@ -68,9 +69,10 @@ void TellMap(const std::string &file) {
                      .arg(report.mode)
                      .arg(ModeText(report.mode), report.bigEndian ? "big-endian" : "little-endian",
                           QString::fromStdString(report.axisOrder)));
-    Line("values", QString("minimum %1, maximum %2, mean %3, standard deviation %4")
-                       .arg(GeneralNumber(double(report.minimum)), GeneralNumber(double(report.maximum)),
-                            GeneralNumber(report.mean), GeneralNumber(report.deviation)));
+    Line("values",
+         QString("minimum %1, maximum %2, mean %3, standard deviation %4")
+             .arg(base::GeneralNumber(double(report.minimum)), base::GeneralNumber(double(report.maximum)),
+                  base::GeneralNumber(report.mean), base::GeneralNumber(report.deviation)));
     for (const std::string &warning : report.warnings)
         Line("note", QString::fromStdString(warning));
 }

@@ -1,7 +1,8 @@
 #include "ProgressBar.h"
 
+#include "base/Words.h"
+
 #include "Diagnostics.h"
-#include "Wording.h"
 
 #include <algorithm>
 #include <iostream>
@@ -47,7 +48,7 @@ ProgressBar::~ProgressBar() {
 void ProgressBar::Show(std::size_t done, std::size_t total, double seconds) {
     if (!m_visible)
         return;
-    const std::string remaining = seconds < 0 ? "" : ", about " + DurationText(seconds) + " left";
+    const std::string remaining = seconds < 0 ? "" : ", about " + base::DurationText(seconds) + " left";
     if (!m_terminal)
         return ShowTenth(done, total, remaining);
     const std::string text = std::to_string(Percent(done, total)) + " %, axis " + std::to_string(done) +

@@ -1,10 +1,11 @@
 #include "Commands.h"
 
+#include "base/Numbers.h"
+
 #include "Chains.h"
 #include "CommandLine.h"
 #include "Diagnostics.h"
 #include "Inputs.h"
-#include "Numbers.h"
 #include "Outputs.h"
 #include "Simulation.h"
 #include "formats/files/FileError.h"
@@ -27,7 +28,7 @@ SimulationSettings ReadSettings(const Arguments &arguments) {
     // The finest wave that a grid holds is two voxels long.
     if (settings.voxel > settings.resolution / 2)
         Warn(QString("voxels of %1 Å are too large to hold a resolution of %2 Å: at most half of it")
-                 .arg(GeneralNumber(settings.voxel), GeneralNumber(settings.resolution))
+                 .arg(base::GeneralNumber(settings.voxel), base::GeneralNumber(settings.resolution))
                  .toStdString());
     return settings;
 }
@@ -48,11 +49,12 @@ std::vector<Scatterer> ScatterersOf(const std::string &file, const std::vector<C
 /// What the map is, for its header; that has room for 80 characters of plain text.
 std::string Title(const std::string &model, const SimulationSettings &settings) {
     QString title = QString("%1 A density of %2")
-                        .arg(GeneralNumber(settings.resolution),
+                        .arg(base::GeneralNumber(settings.resolution),
                              QString::fromStdString(std::filesystem::path(model).filename()));
     if (settings.noise > 0)
-        title +=
-            QString(", noise %1 SD, seed %2").arg(GeneralNumber(settings.noise)).arg(qint64(settings.seed));
+        title += QString(", noise %1 SD, seed %2")
+                     .arg(base::GeneralNumber(settings.noise))
+                     .arg(qint64(settings.seed));
     return title.toStdString();
 }
 
@@ -63,8 +65,8 @@ void Tell(const Grid &map, const SimulationSettings &settings) {
                      .arg(size[0])
                      .arg(size[1])
                      .arg(size[2])
-                     .arg(GeneralNumber(settings.voxel), GeneralNumber(double(origin[0])),
-                          GeneralNumber(double(origin[1])), GeneralNumber(double(origin[2])))
+                     .arg(base::GeneralNumber(settings.voxel), base::GeneralNumber(double(origin[0])),
+                          base::GeneralNumber(double(origin[1])), base::GeneralNumber(double(origin[2])))
                      .toStdString();
 }
 

@@ -1,8 +1,11 @@
 #include "Simulation.h"
 
+#include "base/Memory.h"
+
+#include "base/Numbers.h"
+
 #include "Atom.h"
 #include "Collect.h"
-#include "Numbers.h"
 #include "fit/Cost.h"
 #include "formats/structures/AtomicNumber.h"
 
@@ -139,22 +142,22 @@ QString RefuseSettings(const SimulationSettings &settings) {
     const auto isPositive = [](double number) { return number > 0 && std::isfinite(number); };
     if (!isPositive(settings.resolution))
         return QString("--resolution %1: must be a positive number of Å")
-            .arg(GeneralNumber(settings.resolution));
+            .arg(base::GeneralNumber(settings.resolution));
     if (!isPositive(settings.voxel))
-        return QString("--voxel %1: must be a positive number of Å").arg(GeneralNumber(settings.voxel));
+        return QString("--voxel %1: must be a positive number of Å").arg(base::GeneralNumber(settings.voxel));
     if (!(settings.noise >= 0) || !std::isfinite(settings.noise))
         return QString("--noise %1: must be 0 or more standard deviations")
-            .arg(GeneralNumber(settings.noise));
+            .arg(base::GeneralNumber(settings.noise));
     return {};
 }
 
 QString RefuseBox(const SimulationBox &box, std::size_t scatterers, const SimulationSettings &settings) {
-    const QString size =
-        QString("%1 x %2 x %3 voxels")
-            .arg(GeneralNumber(box.count[0]), GeneralNumber(box.count[1]), GeneralNumber(box.count[2]));
-    const auto gib = [](double bytes) { return FixedNumber(bytes / 0x1p30, 0, 1) + " GiB"; };
+    const QString size = QString("%1 x %2 x %3 voxels")
+                             .arg(base::GeneralNumber(box.count[0]), base::GeneralNumber(box.count[1]),
+                                  base::GeneralNumber(box.count[2]));
+    const auto gib = [](double bytes) { return base::FixedNumber(bytes / 0x1p30, 0, 1) + " GiB"; };
     const double bytes = box.Voxels() * bytesPerVoxel;
-    if (const double limit = 0.75 * MachineMemory(); !(bytes <= limit))
+    if (const double limit = base::MemoryLimit(); !(bytes <= limit))
         return QString(
                    "a map of %1 would need %2 of memory; the limit is %3, three quarters of this machine's")
             .arg(size, gib(bytes), gib(limit));
@@ -162,7 +165,7 @@ QString RefuseBox(const SimulationBox &box, std::size_t scatterers, const Simula
     const double additions = double(scatterers) * std::min(box.Voxels(), edge * edge * edge);
     if (!(additions <= additionLimit))
         return QString("a map of %1 would take %2 additions of an atom's density to a voxel; the limit is %3")
-            .arg(size, GeneralNumber(additions), GeneralNumber(additionLimit));
+            .arg(size, base::GeneralNumber(additions), base::GeneralNumber(additionLimit));
     return {};
 }
 

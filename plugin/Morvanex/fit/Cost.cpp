@@ -1,6 +1,9 @@
 #include "fit/Cost.h"
 
-#include "Numbers.h"
+#include "base/Memory.h"
+
+#include "base/Numbers.h"
+
 #include "Parameters.h"
 #include "fit/Angles.h"
 #include "solutions/Solution.h"
@@ -8,8 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <list>
-
-#include <unistd.h>
 
 namespace {
 
@@ -24,7 +25,7 @@ double RecordBytes(std::size_t restraintPairs) {
 
 /// A number that the reader can take in: with these decimals while short, else with an exponent.
 QString Figure(double number, int decimals = 0) {
-    return number < 1e6 ? FixedNumber(number, 0, decimals) : GeneralNumber(number);
+    return number < 1e6 ? base::FixedNumber(number, 0, decimals) : base::GeneralNumber(number);
 }
 
 QString GiB(double bytes) {
@@ -32,10 +33,6 @@ QString GiB(double bytes) {
 }
 
 } // namespace
-
-double MachineMemory() {
-    return double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
-}
 
 FitCost EstimateCost(const Survey &survey) {
     // An axis stands in the list and, while the list is built, in a set of nodes.
@@ -59,7 +56,7 @@ FitCost EstimateCost(const Survey &survey) {
 }
 
 QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses) {
-    const QString degrees = GeneralNumber(angleStep * 180.0 / 3.141592653589793);
+    const QString degrees = base::GeneralNumber(angleStep * 180.0 / 3.141592653589793);
     if (!(angleStep > 0) || !std::isfinite(angleStep))
         return QString("The rotation step is %1 degrees; it must be a positive number.").arg(degrees);
     if (!GrowsToFullTurn(angleStep))
@@ -70,7 +67,7 @@ QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses) 
                        "limit is %5. Choose larger steps, fewer translations or less recursion.")
             .arg(Figure(cost.poses), Figure(cost.axes), Figure(cost.angles),
                  Figure(cost.offsetBytes / sizeof(Vertex)), Figure(poseLimit));
-    if (const double limit = 0.75 * MachineMemory(); !(cost.Bytes() <= limit))
+    if (const double limit = base::MemoryLimit(); !(cost.Bytes() <= limit))
         return QString("The fit would need %1 of memory (axes %2, translations %3, poses of the identity "
                        "rotation %4, solutions kept %5, keep-out grid %6); the limit is %7, three quarters "
                        "of this machine's.")

@@ -27,6 +27,3 @@ FitCost EstimateCost(const Survey &survey);
 /// `poseLimit` poses (unless `anyNumberOfPoses`), or when it needs more than three quarters of the machine's
 /// memory.
 QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses);
-
-/// Memory that the machine has, bytes.
-double MachineMemory();

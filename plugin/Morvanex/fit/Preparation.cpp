@@ -1,7 +1,8 @@
 #include "fit/Preparation.h"
 
+#include "base/Numbers.h"
+
 #include "Assertion.h"
-#include "Numbers.h"
 #include "Parameters.h"
 #include "fit/Axes.h"
 
@@ -68,8 +69,9 @@ void FillAround(const Vertex &p, Grid &grid) {
 void TellRestraints(const std::vector<RestraintRecord> &records) {
     for (const auto &[residue, position] : records)
         qDebug("Residue: %s should prefer position ( %s %s %s )", qUtf8Printable(residue),
-               qPrintable(FixedNumber(position[0], 7, 3)), qPrintable(FixedNumber(position[1], 7, 3)),
-               qPrintable(FixedNumber(position[2], 7, 3)));
+               qPrintable(base::FixedNumber(position[0], 7, 3)),
+               qPrintable(base::FixedNumber(position[1], 7, 3)),
+               qPrintable(base::FixedNumber(position[2], 7, 3)));
 }
 
 void TellTarget(const Target &target) {
@@ -218,7 +220,7 @@ Preparation PrepareFit(const Survey &survey, const Grid *map) {
     fit.axes = RotationAxes(Axis);
     qDebug("Points %zu", fit.axes.size());
     TellTarget(survey.target);
-    qDebug("Solid inclusion distance: %s", qPrintable(FixedNumber(survey.inclusionDistance, 7, 3)));
+    qDebug("Solid inclusion distance: %s", qPrintable(base::FixedNumber(survey.inclusionDistance, 7, 3)));
     if (!m_Solid.empty()) {
         TellSolid(survey.solid);
         fit.keepOut = BuildKeepOut(survey.solid);

@@ -1,12 +1,12 @@
 #include "search/PoseSample.h"
 
+#include "base/Statistics.h"
 #include "fit/Angles.h"
 #include "search/Scoring.h"
 
 #include <QTextStream>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -65,17 +65,6 @@ std::vector<double> ScorePlaces(const Preparation &fit, const std::vector<Place>
 PoseSample SamplePoses(const Preparation &fit, std::uint64_t size) {
     std::vector<double> scores = ScorePlaces(fit, ChoosePlaces(fit, size));
     std::erase(scores, -1.0);
-    PoseSample sample;
-    sample.poses = scores.size();
-    if (scores.empty())
-        return sample;
-    for (const double score : scores)
-        sample.mean += score;
-    sample.mean /= double(scores.size());
-    double squares = 0;
-    for (const double score : scores)
-        squares += (score - sample.mean) * (score - sample.mean);
-    if (scores.size() > 1)
-        sample.deviation = std::sqrt(squares / double(scores.size() - 1));
-    return sample;
+    const base::Statistics statistics = base::StatisticsOf(scores);
+    return {statistics.count, statistics.mean, statistics.SampleDeviation()};
 }

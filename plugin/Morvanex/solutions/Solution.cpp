@@ -1,17 +1,17 @@
 #include "solutions/Solution.h"
 
-#include "Numbers.h"
+#include "base/Numbers.h"
 
 std::list<SolutionScore> Solutions;
 
 QString SolutionScore::getLine() const {
-    QString line = FixedNumber(rotation.w(), 6, 2);
+    QString line = base::FixedNumber(rotation.w(), 6, 2);
     for (const double number : {rotation.x(), rotation.y(), rotation.z(), double(translation[0]),
                                 double(translation[1]), double(translation[2])})
-        line += ' ' + FixedNumber(number, 6, 2);
-    line += ' ' + FixedNumber(score, 9, 3);
+        line += ' ' + base::FixedNumber(number, 6, 2);
+    line += ' ' + base::FixedNumber(score, 9, 3);
     for (const double distance : extraScores)
-        line += ' ' + FixedNumber(distance, 6, 2);
+        line += ' ' + base::FixedNumber(distance, 6, 2);
     return line;
 }
 

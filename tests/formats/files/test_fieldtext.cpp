@@ -29,18 +29,4 @@ TEST(FieldText, QuotesWhatCannotBePrinted) {
     EXPECT_EQ(Quoted(std::string(41, 'x')), "'" + std::string(40, 'x') + "...'");
 }
 
-TEST(FieldText, CountsInWords) {
-    EXPECT_EQ(Counted(0, "atom"), "0 atoms");
-    EXPECT_EQ(Counted(1, "atom"), "1 atom");
-    EXPECT_EQ(Counted(2, "atom"), "2 atoms");
-}
-
-TEST(FieldText, WritesFixedDecimals) {
-    EXPECT_EQ(Fixed(1.0625, 3), "1.062"); // a tie goes to the even digit
-    EXPECT_EQ(Fixed(-12.3456, 3), "-12.346");
-    EXPECT_EQ(Fixed(-0.0004, 3), "0.000");
-    EXPECT_EQ(Fixed(-0.0005001, 3), "-0.001");
-    EXPECT_EQ(Fixed(-DBL_MAX, 3).size(), 1u + 309 + 1 + 3);
-}
-
 } // namespace

@@ -1,6 +1,8 @@
-#include "Numbers.h"
+#include "base/Numbers.h"
 
 #include <gtest/gtest.h>
+
+using namespace base;
 
 #include <bit>
 #include <cstdint>
@@ -75,4 +77,12 @@ TEST(Numbers, AnyNumberIsWrittenAsPrintfWritesIt) {
         ASSERT_EQ(FixedNumber(number, 9, 3).toStdString(), Printed("%9.3f", number));
         ASSERT_EQ(GeneralNumber(number).toStdString(), Printed("%g", number));
     }
+}
+
+TEST(PlainFixed, HasNoNegativeZero) {
+    EXPECT_EQ(PlainFixed(1.0625, 3), "1.062"); // a tie goes to the even digit
+    EXPECT_EQ(PlainFixed(-12.3456, 3), "-12.346");
+    EXPECT_EQ(PlainFixed(-0.0004, 3), "0.000");
+    EXPECT_EQ(PlainFixed(-0.0005001, 3), "-0.001");
+    EXPECT_EQ(PlainFixed(-DBL_MAX, 3).size(), 1u + 309 + 1 + 3);
 }

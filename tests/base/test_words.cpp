@@ -1,8 +1,8 @@
-#include "Wording.h"
+#include "base/Words.h"
 
 #include <gtest/gtest.h>
 
-using namespace Batch;
+using namespace base;
 
 TEST(Counted, HasOneNounForOneThing) {
     EXPECT_EQ(Counted(1, "residue"), "1 residue");

@@ -2,6 +2,10 @@
 
 #include <QString>
 
+#include <string>
+
+namespace base {
+
 /// Numbers as text in the C locale, the way printf writes them: halves are rounded by the exact binary value,
 /// a negative zero keeps its sign; a NaN shows none. `width` is the least number of characters, filled with
 /// blanks on the left.
@@ -9,5 +13,10 @@
 /// Fixed-point notation, printf's %<width>.<decimals>f.
 QString FixedNumber(double value, int width, int decimals);
 
+/// As `FixedNumber` without a width, and never "-0.000".
+std::string PlainFixed(double value, int decimals);
+
 /// General notation with six significant digits, printf's %g.
 QString GeneralNumber(double value);
+
+} // namespace base

@@ -1,8 +1,10 @@
-#include "Numbers.h"
+#include "base/Numbers.h"
 
 #include <charconv>
 #include <cmath>
 #include <limits>
+
+namespace base {
 
 namespace {
 
@@ -24,6 +26,15 @@ QString FixedNumber(double value, int width, int decimals) {
     return Text(value, std::chars_format::fixed, decimals).rightJustified(width);
 }
 
+std::string PlainFixed(double value, int decimals) {
+    const std::string text = FixedNumber(value, 0, decimals).toStdString();
+    const bool isNegativeZero =
+        text.starts_with("-0") && text.find_first_of("123456789") == std::string::npos;
+    return isNegativeZero ? text.substr(1) : text;
+}
+
 QString GeneralNumber(double value) {
     return Text(value, std::chars_format::general, 6);
 }
+
+} // namespace base

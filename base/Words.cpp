@@ -1,10 +1,10 @@
-#include "Wording.h"
+#include "base/Words.h"
 
-#include "Numbers.h"
+#include "base/Numbers.h"
 
 #include <cmath>
 
-namespace Batch {
+namespace base {
 
 namespace {
 
@@ -46,4 +46,4 @@ std::string DurationText(double seconds) {
     return (years < 1000 ? FixedNumber(years, 0, 1) : GeneralNumber(years)).toStdString() + " years";
 }
 
-} // namespace Batch
+} // namespace base
