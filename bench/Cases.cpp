@@ -78,9 +78,9 @@ Case SyntheticCase(unsigned points, bool withSolid) {
 Case RealCase(const std::string &map, const std::string &structure, const std::string &chain,
               bool withSolid) {
     Case made;
-    made.map = VARNO::ReadMap(map);
+    made.map = formats::ReadMap(map);
     std::vector<Compound *> chains, others;
-    VARNO::GetPeptides(VARNO::ReadStructure(structure), chains, true);
+    VARNO::GetPeptides(formats::ReadStructure(structure), chains, true);
     Compound *chosen = nullptr;
     for (Compound *one : chains)
         if (one->GetName() == chain)

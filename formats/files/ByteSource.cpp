@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -106,4 +106,4 @@ std::string ByteSource::Place() const {
     return "byte " + std::to_string(m_loaded - m_packed.size());
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <vector>
 
-namespace VARNO {
+namespace formats {
 
 /// The bytes of a file from its start to its end, unpacked on the way where the file is gzip or bzip2
 /// (told from the content; several streams in a row count as one, padding after them is ignored). Holds one
@@ -49,4 +49,4 @@ private:
     bool m_ended = false; ///< the last packed stream has ended
 };
 
-} // namespace VARNO
+} // namespace formats

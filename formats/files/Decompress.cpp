@@ -7,7 +7,7 @@
 #include <bzlib.h>
 #include <zlib.h>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -117,4 +117,4 @@ std::unique_ptr<Decoder> MakeDecoder(Packing packing) {
     return nullptr;
 }
 
-} // namespace VARNO
+} // namespace formats

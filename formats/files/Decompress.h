@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-namespace VARNO {
+namespace formats {
 
 /// How the bytes of a file are packed.
 enum class Packing { None, Gzip, Bzip2 };
@@ -34,4 +34,4 @@ public:
 /// Null where nothing is to be unpacked.
 std::unique_ptr<Decoder> MakeDecoder(Packing packing);
 
-} // namespace VARNO
+} // namespace formats

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <system_error>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -51,4 +51,4 @@ std::string Quoted(std::string_view text) {
     return quoted + (text.size() > most ? "...'" : "'");
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace VARNO {
+namespace formats {
 
 /// The text without the blanks and tabs around it.
 std::string_view Trimmed(std::string_view text);
@@ -18,4 +18,4 @@ std::optional<int> ReadInteger(std::string_view text);
 /// bytes.
 std::string Quoted(std::string_view text);
 
-} // namespace VARNO
+} // namespace formats

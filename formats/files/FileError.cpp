@@ -1,8 +1,8 @@
 #include "formats/files/FileError.h"
 
-namespace VARNO {
+namespace formats {
 
 FileError::FileError(const std::string &file, const std::string &place, const std::string &problem)
     : std::runtime_error(file + ": " + (place.empty() ? "" : place + ": ") + problem) {}
 
-} // namespace VARNO
+} // namespace formats

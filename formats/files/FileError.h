@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace VARNO {
+namespace formats {
 
 /// The one error of readers and writers: `what()` reads "file: place: problem", the place being a line, a
 /// header word or an offset, and the problem naming the value found. The place may be empty.
@@ -12,4 +12,4 @@ public:
     FileError(const std::string &file, const std::string &place, const std::string &problem);
 };
 
-} // namespace VARNO
+} // namespace formats

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-namespace VARNO {
+namespace formats {
 
 std::string NodeName(const std::string &file) {
     std::filesystem::path name = std::filesystem::path(file).filename();
@@ -11,4 +11,4 @@ std::string NodeName(const std::string &file) {
     return name.stem().string();
 }
 
-} // namespace VARNO
+} // namespace formats

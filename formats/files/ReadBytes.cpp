@@ -2,7 +2,7 @@
 
 #include "formats/files/ByteSource.h"
 
-namespace VARNO {
+namespace formats {
 
 std::string ReadBytes(const std::string &file, std::size_t limit) {
     constexpr std::size_t portion = 1 << 16;
@@ -18,4 +18,4 @@ std::string ReadBytes(const std::string &file, std::size_t limit) {
     return bytes;
 }
 
-} // namespace VARNO
+} // namespace formats

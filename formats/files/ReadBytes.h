@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace VARNO {
+namespace formats {
 
 /// All bytes of a file, unpacked where they begin as a gzip or bzip2 stream does; the name says nothing about
 /// it. A gzip or bzip2 file may hold several streams one after the other; what follows the last one is
@@ -14,4 +14,4 @@ namespace VARNO {
 /// packed bytes can otherwise fill any memory.
 std::string ReadBytes(const std::string &file, std::size_t limit);
 
-} // namespace VARNO
+} // namespace formats

@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -129,4 +129,4 @@ void CheckReplaceable(const std::string &path) {
         Temporary(path, target.path.parent_path());
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -4,7 +4,7 @@
 #include <iosfwd>
 #include <string>
 
-namespace VARNO {
+namespace formats {
 
 /// Writes a file as a whole: what `write` puts into the stream goes to a temporary file in the same folder,
 /// which takes the name `path` once every byte has reached the disk. Until then, and for good when anything
@@ -20,4 +20,4 @@ void ReplaceFile(const std::string &path, const std::function<void(std::ostream 
 /// is found before a long computation. Changes nothing.
 void CheckReplaceable(const std::string &path);
 
-} // namespace VARNO
+} // namespace formats

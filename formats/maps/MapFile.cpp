@@ -16,7 +16,9 @@
 #include <memory>
 #include <ostream>
 
-namespace VARNO {
+using namespace VARNO;
+
+namespace formats {
 
 namespace {
 
@@ -203,4 +205,4 @@ void WriteMap(const std::string &file, const Grid &grid, const std::string &titl
     });
 }
 
-} // namespace VARNO
+} // namespace formats

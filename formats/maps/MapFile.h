@@ -7,22 +7,22 @@
 #include <string>
 #include <vector>
 
-namespace VARNO {
+namespace formats {
 
 /// What a map file's header said, beyond what the grid holds.
 struct MapReport {
     std::string packing; ///< "gzip" or "bzip2"; empty where the file is not packed
     int mode = 0;        ///< data mode word of the file: 0, 1, 2, 6 or 12
     bool bigEndian = false;
-    std::string machineStamp;          ///< the four bytes of word 54 in hexadecimal, "44 41 00 00"
-    std::string axisOrder;             ///< axes of columns, rows and sections: "XYZ" where x runs fastest
-    Vector<std::int32_t, 3> starts;    ///< start indices (words 5 to 7) along x, y, z
-    Vector<float, 3> originWords;      ///< ORIGIN (words 50 to 52), Å
-    std::string originSource;          ///< the header fields that gave the origin, "ORIGIN" or "NSTART"
-    std::string title;                 ///< the first label; empty where there is none or it is no text
-    float minimum = 0, maximum = 0;    ///< of the voxels that are finite in the file
-    double mean = 0, deviation = 0;    ///< of the voxels that are finite in the file
-    std::uint64_t notFinite = 0;       ///< number of voxels that were not finite and became 0.0
+    std::string machineStamp;              ///< the four bytes of word 54 in hexadecimal, "44 41 00 00"
+    std::string axisOrder;                 ///< axes of columns, rows and sections: "XYZ" where x runs fastest
+    VARNO::Vector<std::int32_t, 3> starts; ///< start indices (words 5 to 7) along x, y, z
+    VARNO::Vector<float, 3> originWords;   ///< ORIGIN (words 50 to 52), Å
+    std::string originSource;              ///< the header fields that gave the origin, "ORIGIN" or "NSTART"
+    std::string title;                     ///< the first label; empty where there is none or it is no text
+    float minimum = 0, maximum = 0;        ///< of the voxels that are finite in the file
+    double mean = 0, deviation = 0;        ///< of the voxels that are finite in the file
+    std::uint64_t notFinite = 0;           ///< number of voxels that were not finite and became 0.0
     std::vector<std::string> warnings; ///< what was read differently from how it stands, one sentence each
 };
 
@@ -33,11 +33,11 @@ struct MapReport {
 /// Voxels that are not finite become 0.0 and are counted in a warning. Holds the grid and one row of the
 /// file; a packed file is unpacked twice, so that no memory is taken before its length is known. Throws
 /// FileError, naming the header field and its value; nothing is added to the model then.
-Grid *ReadMap(const std::string &file, MapReport *report = nullptr);
+VARNO::Grid *ReadMap(const std::string &file, MapReport *report = nullptr);
 
 /// Writes the grid as an MRC2014 map: mode 2, little-endian, x fastest, the origin in the ORIGIN words, the
 /// cell the dimensions times the spacing. `title` becomes the first label (at most 80 characters are kept).
 /// The file is replaced as a whole at the end. Throws FileError, also for a grid that `ReadMap` would refuse.
-void WriteMap(const std::string &file, const Grid &grid, const std::string &title);
+void WriteMap(const std::string &file, const VARNO::Grid &grid, const std::string &title);
 
-} // namespace VARNO
+} // namespace formats

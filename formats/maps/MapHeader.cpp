@@ -10,7 +10,9 @@
 #include <optional>
 #include <utility>
 
-namespace VARNO {
+using namespace VARNO;
+
+namespace formats {
 
 namespace {
 
@@ -386,4 +388,4 @@ MapLayout LayoutOf(const std::string &file, const MapHeader &header, std::vector
     return LayoutMaker(file, header, warnings).Make();
 }
 
-} // namespace VARNO
+} // namespace formats

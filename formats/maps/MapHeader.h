@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace VARNO {
+namespace formats {
 
 /// The words of an MRC2014/CCP4 header that say what a map holds and where it lies, as they stand in the
 /// file. "File order" is columns (fastest), rows, sections (slowest). Defaults are those of a map that is
@@ -15,17 +15,17 @@ namespace VARNO {
 struct MapHeader {
     static constexpr std::size_t size = 1024;
 
-    Vector<std::int32_t, 3> counts;                    ///< NX NY NZ, words 1 to 3, file order
+    VARNO::Vector<std::int32_t, 3> counts;             ///< NX NY NZ, words 1 to 3, file order
     std::int32_t mode = 2;                             ///< MODE, word 4
-    Vector<std::int32_t, 3> starts;                    ///< NXSTART NYSTART NZSTART, words 5 to 7, file order
-    Vector<std::int32_t, 3> samples;                   ///< MX MY MZ, words 8 to 10: along x, y, z of the cell
-    Vector<float, 3> cell;                             ///< CELLA, words 11 to 13: Å along x, y, z
-    Vector<float, 3> angles{90, 90, 90};               ///< CELLB, words 14 to 16: degrees
-    Vector<std::int32_t, 3> axes{1, 2, 3};             ///< MAPC MAPR MAPS, words 17 to 19: 1 x, 2 y, 3 z
+    VARNO::Vector<std::int32_t, 3> starts;             ///< NXSTART NYSTART NZSTART, words 5 to 7, file order
+    VARNO::Vector<std::int32_t, 3> samples;            ///< MX MY MZ, words 8 to 10: along x, y, z of the cell
+    VARNO::Vector<float, 3> cell;                      ///< CELLA, words 11 to 13: Å along x, y, z
+    VARNO::Vector<float, 3> angles{90, 90, 90};        ///< CELLB, words 14 to 16: degrees
+    VARNO::Vector<std::int32_t, 3> axes{1, 2, 3};      ///< MAPC MAPR MAPS, words 17 to 19: 1 x, 2 y, 3 z
     float minimum = 0, maximum = 0, mean = 0;          ///< DMIN DMAX DMEAN, words 20 to 22
     std::int32_t spaceGroup = 1;                       ///< ISPG, word 23
     std::int32_t extendedBytes = 0;                    ///< NSYMBT, word 24
-    Vector<float, 3> origin;                           ///< ORIGIN, words 50 to 52: Å along x, y, z
+    VARNO::Vector<float, 3> origin;                    ///< ORIGIN, words 50 to 52: Å along x, y, z
     bool named = true;                                 ///< "MAP " stands in word 53
     std::array<char, 4> stamp{0x44, 0x44, 0x00, 0x00}; ///< MACHST, word 54
     float deviation = 0;                               ///< RMS, word 55
@@ -49,11 +49,11 @@ std::string StampText(const std::array<char, 4> &stamp);
 
 /// What a header means for a grid whose axes are x, y, z.
 struct MapLayout {
-    std::array<unsigned, 3> axisOf; ///< the grid axis (0 x, 1 y, 2 z) along columns, rows, sections
-    Vector<unsigned, 3> dimensions; ///< voxels along x, y, z
-    Vector<float, 3> spacing;       ///< Å
-    Vector<float, 3> origin;        ///< position of voxel (0, 0, 0), Å
-    std::string originSource;       ///< "ORIGIN" or "NSTART"
+    std::array<unsigned, 3> axisOf;        ///< the grid axis (0 x, 1 y, 2 z) along columns, rows, sections
+    VARNO::Vector<unsigned, 3> dimensions; ///< voxels along x, y, z
+    VARNO::Vector<float, 3> spacing;       ///< Å
+    VARNO::Vector<float, 3> origin;        ///< position of voxel (0, 0, 0), Å
+    std::string originSource;              ///< "ORIGIN" or "NSTART"
     unsigned bytesPerVoxel;
     std::uint64_t voxels;
     std::uint64_t fileBytes; ///< of header, extended header and voxels
@@ -66,4 +66,4 @@ struct MapLayout {
 /// position.
 MapLayout LayoutOf(const std::string &file, const MapHeader &header, std::vector<std::string> &warnings);
 
-} // namespace VARNO
+} // namespace formats

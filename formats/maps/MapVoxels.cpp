@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -83,4 +83,4 @@ MapStatistics StatisticsOf(std::span<const float> values) {
     return {minimum, maximum, sums.mean, sums.Deviation()};
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-namespace VARNO {
+namespace formats {
 
 /// Turns the bytes of voxels in a map's mode into floats: 0 signed bytes, 1 signed 16 bit, 2 32-bit floats,
 /// 6 unsigned 16 bit, 12 16-bit floats. `bytes` holds as many voxels as `values` has places.
@@ -24,4 +24,4 @@ struct MapStatistics {
 
 MapStatistics StatisticsOf(std::span<const float> values);
 
-} // namespace VARNO
+} // namespace formats

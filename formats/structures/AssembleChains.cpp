@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -225,4 +225,4 @@ AssembledModel AssembleChains(std::vector<gemmi::Chain> parts) {
     return model;
 }
 
-} // namespace VARNO
+} // namespace formats

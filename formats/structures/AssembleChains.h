@@ -2,7 +2,7 @@
 
 #include "formats/structures/ParsedModel.h"
 
-namespace VARNO {
+namespace formats {
 
 /// A chain as it stands in the model tree: its polymer, or what else goes under the same identifier.
 struct AssembledChain {
@@ -28,4 +28,4 @@ struct AssembledModel {
 /// of the sequence the first.
 AssembledModel AssembleChains(std::vector<gemmi::Chain> parts);
 
-} // namespace VARNO
+} // namespace formats

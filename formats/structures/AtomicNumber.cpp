@@ -2,10 +2,10 @@
 
 #include <gemmi/elem.hpp>
 
-namespace VARNO {
+namespace formats {
 
 int AtomicNumber(const std::string &symbol) {
     return gemmi::Element(symbol).atomic_number();
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -9,7 +9,7 @@
 #include <set>
 #include <unordered_map>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -248,4 +248,4 @@ ParsedModel ParseMmcif(const std::string &file, std::string_view text) {
     return parsed;
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace VARNO {
+namespace formats {
 
 namespace {
 
@@ -208,4 +208,4 @@ ParsedModel ParsePdb(const std::string &file, std::string_view text) {
             cleaner.Warnings()};
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace VARNO {
+namespace formats {
 
 /// The first model of a structure file, as its records stand.
 struct ParsedModel {
@@ -24,4 +24,4 @@ struct ParsedModel {
 ParsedModel ParsePdb(const std::string &file, std::string_view text);
 ParsedModel ParseMmcif(const std::string &file, std::string_view text);
 
-} // namespace VARNO
+} // namespace formats

@@ -12,7 +12,9 @@
 
 #include <algorithm>
 
-namespace VARNO {
+using namespace VARNO;
+
+namespace formats {
 
 namespace {
 
@@ -164,4 +166,4 @@ Clump *ReadStructure(const std::string &file, StructureReport *report) {
     return clump;
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace VARNO {
+namespace formats {
 
 /// A polymer chain as it was read.
 struct ChainReport {
@@ -39,7 +39,7 @@ struct StructureReport {
 /// each chain identifier there is a polymer chain, and after it a chain of the same identifier, not a
 /// polymer, with the ligands and waters. A blank identifier of a PDB file gives a chain named " ". Throws
 /// FileError; nothing is added to the model then.
-Clump *ReadStructure(const std::string &file, StructureReport *report = nullptr);
+VARNO::Clump *ReadStructure(const std::string &file, StructureReport *report = nullptr);
 
 enum class StructureFormat { Pdb, Mmcif };
 
@@ -54,7 +54,7 @@ StructureFormat StructureFormatOf(const std::string &file);
 /// Throws FileError where there is no atom below `node`, for a coordinate that is not finite, and when PDB
 /// cannot hold the model (more than 99,999 atoms and ends of chains, an identifier of several letters, a
 /// coordinate, number or name too wide), then with the advice to write mmCIF.
-void WriteStructure(const std::string &file, StructureFormat format, const Compound *node,
-                    const Transform &pose = Transform({}, {}));
+void WriteStructure(const std::string &file, StructureFormat format, const VARNO::Compound *node,
+                    const VARNO::Transform &pose = VARNO::Transform({}, {}));
 
-} // namespace VARNO
+} // namespace formats

@@ -14,7 +14,9 @@
 #include <cmath>
 #include <ostream>
 
-namespace VARNO {
+using namespace VARNO;
+
+namespace formats {
 
 namespace {
 
@@ -302,4 +304,4 @@ void WriteStructure(const std::string &file, StructureFormat format, const Compo
     });
 }
 
-} // namespace VARNO
+} // namespace formats

@@ -85,7 +85,8 @@ void TellRounding(const SavedList &list, Chain *chain) {
 }
 
 void WriteModel(const std::string &file, const Chain *chain, long rank, const SolutionScore &solution) {
-    WriteStructure(file, StructureFormatOf(file), chain, Transform(solution.rotation, solution.translation));
+    formats::WriteStructure(file, formats::StructureFormatOf(file), chain,
+                            Transform(solution.rotation, solution.translation));
     std::cout << "rank " << rank << ", score " << base::FixedNumber(solution.score, 0, 3).toStdString()
               << ": " << file << '\n';
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 using namespace VARNO;
+using formats::FileError;
 
 namespace Batch {
 

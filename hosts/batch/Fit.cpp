@@ -49,9 +49,9 @@ bool Search(FitRecord &record) {
         RunFit(progress, &record.poses,
                {.anyNumberOfPoses = record.options.force, .threads = unsigned(record.options.threads)});
     if (!progress.LogError().isEmpty())
-        throw VARNO::FileError(*record.options.log, "",
-                               "cannot be written: " + progress.LogError().toStdString() +
-                                   "; the fit was stopped");
+        throw formats::FileError(*record.options.log, "",
+                                 "cannot be written: " + progress.LogError().toStdString() +
+                                     "; the fit was stopped");
     if (!finished && !WasInterrupted())
         throw std::runtime_error("the fit did not start");
     if (!finished)

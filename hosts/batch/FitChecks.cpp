@@ -19,7 +19,7 @@ namespace Batch {
 
 namespace {
 
-using VARNO::FileError;
+using formats::FileError;
 
 constexpr double longestFit = 365.25 * 24 * 3600; ///< seconds
 constexpr double fewPoses = 1e10;                 ///< no target is so large that these take as long

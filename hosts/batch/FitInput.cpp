@@ -10,6 +10,7 @@
 #include <filesystem>
 
 using namespace VARNO;
+using formats::FileError;
 
 namespace Batch {
 
@@ -82,10 +83,11 @@ std::vector<Compound *> FitInput::SolidResidues() const {
 FitInput ReadFitInput(const FitOptions &options) {
     CheckNoneTwice(options.solids);
     FitInput input;
-    StructureReport report;
+    formats::StructureReport report;
     const Clump *targetModel = LoadStructure(options.target, &report);
     input.target = ChooseChain(options.target, targetModel, options.chain);
-    input.targetFormat = report.format == "mmCIF" ? StructureFormat::Mmcif : StructureFormat::Pdb;
+    input.targetFormat =
+        report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
     const SolidChoice choice(options, input.target);
     for (const std::string &file : options.solids) {
         const Clump *model = IsSameFile(file, options.target) ? targetModel : LoadStructure(file);

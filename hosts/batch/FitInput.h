@@ -19,9 +19,9 @@ struct SolidFile {
 /// The files of a fit, read into the model.
 struct FitInput {
     VARNO::Grid *map = nullptr;
-    VARNO::MapReport mapReport;
+    formats::MapReport mapReport;
     VARNO::Chain *target = nullptr;
-    VARNO::StructureFormat targetFormat = VARNO::StructureFormat::Pdb;
+    formats::StructureFormat targetFormat = formats::StructureFormat::Pdb;
     std::vector<SolidFile> solids;
 
     /// The residues of all solid files' chains that are used.

@@ -116,7 +116,7 @@ Json Parse(const std::string &file, const std::string &bytes) {
     try {
         return Json::parse(bytes);
     } catch (const Json::exception &error) {
-        throw VARNO::FileError(file, "", std::string("is not JSON: ") + error.what());
+        throw formats::FileError(file, "", std::string("is not JSON: ") + error.what());
     }
 }
 
@@ -153,7 +153,7 @@ std::vector<SolutionScore> ReadFitJson(const std::string &file, const std::strin
         for (const Json &entry : json.at("solutions"))
             solutions.push_back(SolutionOf(entry));
     } catch (const std::exception &error) {
-        throw VARNO::FileError(file, "solution " + std::to_string(solutions.size() + 1), error.what());
+        throw formats::FileError(file, "solution " + std::to_string(solutions.size() + 1), error.what());
     }
     return solutions;
 }

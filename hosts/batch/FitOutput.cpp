@@ -17,7 +17,7 @@ namespace Batch {
 
 namespace {
 
-using VARNO::FileError;
+using formats::FileError;
 
 /// Writes files one after the other; one that fails does not keep the next from being tried.
 class Writer {
@@ -42,19 +42,19 @@ void WriteResultsFile(const std::string &file, const std::list<SolutionScore> &s
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     WriteResults(buffer, solutions);
-    VARNO::ReplaceFile(file, [&](std::ostream &out) { out.write(buffer.data().data(), buffer.size()); });
+    formats::ReplaceFile(file, [&](std::ostream &out) { out.write(buffer.data().data(), buffer.size()); });
 }
 
 } // namespace
 
-std::vector<std::string> ModelFiles(const FitOptions &options, VARNO::StructureFormat format) {
+std::vector<std::string> ModelFiles(const FitOptions &options, formats::StructureFormat format) {
     const int count = std::min(options.models, std::max(options.keep, 0));
     const std::size_t digits = std::to_string(count).size();
     std::vector<std::string> files;
     for (int rank = 1; rank <= count; ++rank) {
         const std::string number = std::to_string(rank);
         files.push_back(options.modelPrefix + std::string(digits - number.size(), '0') + number +
-                        (format == VARNO::StructureFormat::Mmcif ? ".cif" : ".pdb"));
+                        (format == formats::StructureFormat::Mmcif ? ".cif" : ".pdb"));
     }
     return files;
 }
@@ -75,7 +75,7 @@ void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &
 }
 
 Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
-                         const VARNO::Chain *target, VARNO::StructureFormat format) {
+                         const VARNO::Chain *target, formats::StructureFormat format) {
     const FitOptions &options = record.options;
     const std::string count = std::to_string(solutions.size()) + " solutions";
     Writer writer;
@@ -83,14 +83,14 @@ Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore>
         writer.Write(*options.results, count, [&] { WriteResultsFile(*options.results, solutions); });
     if (options.json)
         writer.Write(*options.json, count + " in full precision", [&] {
-            VARNO::ReplaceFile(*options.json, [&](std::ostream &out) { WriteFitJson(out, record); });
+            formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteFitJson(out, record); });
         });
     const std::vector<std::string> models = ModelFiles(options, format);
     for (std::size_t i = 0; i < std::min(models.size(), solutions.size()); ++i) {
         const SolutionScore &solution = *record.solutions[i].solution;
         writer.Write(models[i], "the model of rank " + std::to_string(i + 1), [&] {
-            VARNO::WriteStructure(models[i], format, target,
-                                  Transform(solution.rotation, solution.translation));
+            formats::WriteStructure(models[i], format, target,
+                                    Transform(solution.rotation, solution.translation));
         });
     }
     return writer.Result();

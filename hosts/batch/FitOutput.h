@@ -10,7 +10,7 @@ namespace Batch {
 
 /// Names of the models, the best first: the prefix, the rank with as many digits as the last one has, and the
 /// format's extension. No more than are kept.
-std::vector<std::string> ModelFiles(const FitOptions &options, VARNO::StructureFormat format);
+std::vector<std::string> ModelFiles(const FitOptions &options, formats::StructureFormat format);
 
 /// Throws FileError for an output that cannot be written, that is an input or that is another output. Changes
 /// nothing.
@@ -25,6 +25,6 @@ struct Delivery {
 /// Writes what was asked for, each file as a whole. A file that fails does not keep the others from being
 /// written.
 Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
-                         const VARNO::Chain *target, VARNO::StructureFormat format);
+                         const VARNO::Chain *target, formats::StructureFormat format);
 
 } // namespace Batch

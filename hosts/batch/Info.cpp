@@ -23,10 +23,10 @@ namespace {
 /// A map begins with a header of numbers, so that bytes occur that no text has; a structure file is text.
 bool IsMap(const std::string &file) {
     std::array<char, 1024> start;
-    const std::size_t size = ByteSource(file).Read(start);
+    const std::size_t size = formats::ByteSource(file).Read(start);
     if (!std::filesystem::is_regular_file(file))
-        throw FileError(file, "",
-                        "must be a regular file: it is looked at first, and then read from its start");
+        throw formats::FileError(
+            file, "", "must be a regular file: it is looked at first, and then read from its start");
     return std::any_of(start.begin(), start.begin() + size, [](char c) {
         return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r');
     });
@@ -59,8 +59,8 @@ QString ModeText(int mode) {
 }
 
 void TellMap(const std::string &file) {
-    MapReport report;
-    const Grid &map = *ReadMap(file, &report);
+    formats::MapReport report;
+    const Grid &map = *formats::ReadMap(file, &report);
     std::cout << file << ": density map\n";
     Line("size", Three(map.Dimensions(), " x ") + " voxels");
     Line("spacing", Three(map.Spacing(), " x ") + " Å");
@@ -85,19 +85,19 @@ void ChainRow(const QString &name, const QString &kind, const QString &residues,
                      .toStdString();
 }
 
-void TellChains(const std::vector<ChainReport> &chains) {
+void TellChains(const std::vector<formats::ChainReport> &chains) {
     if (chains.empty())
         return Line("chains", "no polymer");
     ChainRow("chain", "kind", "residues", "with position", "atoms");
-    for (const ChainReport &chain : chains)
+    for (const formats::ChainReport &chain : chains)
         ChainRow(chain.identifier == " " ? "' '" : QString::fromStdString(chain.identifier),
                  QString::fromStdString(chain.kind), QString::number(chain.residues),
                  QString::number(chain.placed), QString::number(chain.atoms));
 }
 
 void TellStructure(const std::string &file) {
-    StructureReport report;
-    ReadStructure(file, &report);
+    formats::StructureReport report;
+    formats::ReadStructure(file, &report);
     std::cout << file << ": structure, " << report.format << '\n';
     TellChains(report.chains);
     Line("models", QString::number(report.models));

@@ -20,12 +20,12 @@ auto Load(const std::string &file, Report *report, Read read) {
 
 } // namespace
 
-Clump *LoadStructure(const std::string &file, StructureReport *report) {
-    return Load(file, report, ReadStructure);
+Clump *LoadStructure(const std::string &file, formats::StructureReport *report) {
+    return Load(file, report, formats::ReadStructure);
 }
 
-Grid *LoadMap(const std::string &file, MapReport *report) {
-    return Load(file, report, ReadMap);
+Grid *LoadMap(const std::string &file, formats::MapReport *report) {
+    return Load(file, report, formats::ReadMap);
 }
 
 } // namespace Batch

@@ -7,7 +7,7 @@ namespace Batch {
 
 /// Files brought into the model; what was left out or read differently from how it stands is told on standard
 /// error. Throw FileError.
-VARNO::Clump *LoadStructure(const std::string &file, VARNO::StructureReport *report = nullptr);
-VARNO::Grid *LoadMap(const std::string &file, VARNO::MapReport *report = nullptr);
+VARNO::Clump *LoadStructure(const std::string &file, formats::StructureReport *report = nullptr);
+VARNO::Grid *LoadMap(const std::string &file, formats::MapReport *report = nullptr);
 
 } // namespace Batch

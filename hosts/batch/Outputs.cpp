@@ -40,14 +40,14 @@ void CheckOutputs(const std::vector<std::string> &outputs, const std::vector<std
     for (const std::string &input : inputs)
         read.insert(IdentityOf(input));
     for (const std::string &output : outputs) {
-        VARNO::CheckReplaceable(output);
+        formats::CheckReplaceable(output);
         const std::string identity = IdentityOf(output);
         if (identity.empty())
             continue;
         if (read.contains(identity))
-            throw VARNO::FileError(output, "", "is an input; it cannot be written to");
+            throw formats::FileError(output, "", "is an input; it cannot be written to");
         if (!written.insert(identity).second)
-            throw VARNO::FileError(output, "", "is named for two outputs");
+            throw formats::FileError(output, "", "is named for two outputs");
     }
 }
 

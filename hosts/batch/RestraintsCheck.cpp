@@ -16,7 +16,7 @@ namespace Batch {
 
 namespace {
 
-using VARNO::FileError;
+using formats::FileError;
 
 constexpr std::size_t largestFile = std::size_t(64) << 20;
 constexpr std::size_t wordsOfARecord = 4;
@@ -28,7 +28,7 @@ struct Word {
 };
 
 std::string ReadPlainBytes(const std::string &file) {
-    std::string bytes = VARNO::ReadBytes(file, largestFile);
+    std::string bytes = formats::ReadBytes(file, largestFile);
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
         throw FileError(file, "", "is no regular file");

@@ -11,6 +11,7 @@
 #include <cmath>
 
 using namespace VARNO;
+using formats::FileError;
 
 namespace Batch {
 
@@ -71,7 +72,7 @@ const SolutionScore &SavedList::OfRank(long rank) const {
 }
 
 SavedList ReadSavedList(const std::string &file) {
-    const std::string bytes = ReadBytes(file, sizeLimit);
+    const std::string bytes = formats::ReadBytes(file, sizeLimit);
     const std::size_t start = bytes.find_first_not_of(" \t\r\n");
     if (start == std::string::npos)
         throw FileError(file, "", "is empty");

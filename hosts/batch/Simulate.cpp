@@ -37,7 +37,7 @@ std::vector<Scatterer> ScatterersOf(const std::string &file, const std::vector<C
     std::size_t unknown = 0;
     std::vector<Scatterer> scatterers = CollectScatterers({chains.begin(), chains.end()}, unknown);
     if (scatterers.empty())
-        throw FileError(file, "chains " + ChainNames(chains), "there is no atom of a known element");
+        throw formats::FileError(file, "chains " + ChainNames(chains), "there is no atom of a known element");
     if (unknown > 0)
         Warn(file + ": " +
              (unknown == 1 ? "1 atom of an unknown element is"
@@ -79,11 +79,11 @@ int Run(const Arguments &arguments) {
     const std::vector<Scatterer> scatterers = ScatterersOf(model, chains);
     const SimulationBox box = LayOutBox(scatterers, settings);
     if (const QString problem = RefuseBox(box, scatterers.size(), settings); !problem.isEmpty())
-        throw FileError(model, "", problem.toStdString());
+        throw formats::FileError(model, "", problem.toStdString());
     std::cout << "model: chains " << ChainNames(chains) << " of " << model << ", " << scatterers.size()
               << " atoms\n";
     const std::unique_ptr<Grid> map = SimulateMap(scatterers, box, settings);
-    WriteMap(out, *map, Title(model, settings));
+    formats::WriteMap(out, *map, Title(model, settings));
     Tell(*map, settings);
     std::cout << "written: " << out << '\n';
     return Succeeded;

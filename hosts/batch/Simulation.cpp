@@ -119,7 +119,7 @@ std::vector<Scatterer> CollectScatterers(const std::vector<Compound *> &nodes, s
         GetAtoms(node, atoms, true);
     std::vector<Scatterer> scatterers;
     for (const Compound *atom : atoms)
-        if (const int electrons = AtomicNumber(atom->GetLabel()))
+        if (const int electrons = formats::AtomicNumber(atom->GetLabel()))
             scatterers.push_back({atom->GetPosition(), electrons});
     unknownAtoms = atoms.size() - scatterers.size();
     return scatterers;

@@ -11,7 +11,7 @@
 
 #include <unistd.h>
 
-using namespace VARNO;
+using namespace formats;
 using testing::HasSubstr;
 
 namespace {

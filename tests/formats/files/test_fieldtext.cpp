@@ -7,7 +7,7 @@
 
 namespace {
 
-using namespace VARNO;
+using namespace formats;
 
 TEST(FieldText, ReadsNumbersThatFillTheText) {
     EXPECT_EQ(ReadNumber("  -6.504 "), -6.504);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-using VARNO::NodeName;
+using formats::NodeName;
 
 TEST(NodeName, IsTheFilesNameWithoutFolderAndExtensions) {
     EXPECT_EQ(NodeName("emd_5168.map"), "emd_5168");

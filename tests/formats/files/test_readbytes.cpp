@@ -7,7 +7,7 @@
 
 namespace {
 
-using namespace VARNO;
+using namespace formats;
 using testing::HasSubstr;
 
 constexpr std::size_t limit = 1 << 24;

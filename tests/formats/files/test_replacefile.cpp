@@ -13,7 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using namespace VARNO;
+using namespace formats;
 using testing::StartsWith;
 
 namespace fs = std::filesystem;

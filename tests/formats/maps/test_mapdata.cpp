@@ -11,6 +11,7 @@
 #include <fstream>
 #include <map>
 
+using namespace formats;
 using namespace VARNO;
 using nlohmann::json;
 using testing::HasSubstr;

@@ -19,6 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace formats;
 using namespace VARNO;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+using namespace formats;
 using namespace VARNO;
 
 TEST(MapHeader, IsDecodedAsItWasEncoded) {

@@ -15,6 +15,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+using namespace formats;
 using namespace VARNO;
 
 namespace {

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 
+using namespace formats;
 using namespace VARNO;
 
 namespace {

@@ -21,7 +21,7 @@ protected:
 
     TemporaryFolder m_folder;
     ModelGuard m_guard;
-    VARNO::StructureReport m_report;
+    formats::StructureReport m_report;
 };
 
 /// The tree below a node on one line: "A: ALA1(N CA) GLY2(CA); A other: HOH301(O)".

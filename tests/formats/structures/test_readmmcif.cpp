@@ -4,6 +4,7 @@
 
 namespace {
 
+using namespace formats;
 using namespace VARNO;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -13,6 +13,7 @@
 
 namespace {
 
+using namespace formats;
 using namespace VARNO;
 using testing::ElementsAre;
 using testing::HasSubstr;

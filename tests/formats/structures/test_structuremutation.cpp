@@ -5,6 +5,7 @@
 
 namespace {
 
+using namespace formats;
 using namespace VARNO;
 
 class StructureMutation : public StructureFixture {

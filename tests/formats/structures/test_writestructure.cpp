@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace formats;
 using namespace VARNO;
 using testing::HasSubstr;
 using testing::Not;

@@ -59,7 +59,7 @@ void WriteTestMap(const std::string &file) {
                     grid.SetValue(i, j, k,
                                   grid.GetValue(i, j, k) + float(std::exp(-(x * x + y * y + z * z) / 9)));
                 }
-    VARNO::WriteMap(file, grid, "test");
+    formats::WriteMap(file, grid, "test");
 }
 
 } // namespace

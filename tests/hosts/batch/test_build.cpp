@@ -44,7 +44,7 @@ protected:
 std::vector<Vertex> PositionsIn(const std::string &file) {
     const ModelGuard guard;
     std::vector<Compound *> atoms;
-    GetAtoms(ReadStructure(file), atoms, true);
+    GetAtoms(formats::ReadStructure(file), atoms, true);
     std::vector<Vertex> positions;
     for (const Compound *atom : atoms)
         positions.push_back(atom->GetPosition());

@@ -76,7 +76,7 @@ public:
         : m_entry(ReadCase(name)) {
         const std::string file = Data(m_entry["target"]["file"]);
         VARNO::GetResidues(
-            ChooseChain(file, VARNO::ReadStructure(file), std::string(m_entry["target"]["chain"])),
+            ChooseChain(file, formats::ReadStructure(file), std::string(m_entry["target"]["chain"])),
             m_residues, true);
         m_truths.push_back(TransformOf(m_entry["truth"]["transform"]));
         for (const json &numbers : m_entry["symmetric_truths"])

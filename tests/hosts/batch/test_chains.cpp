@@ -9,6 +9,7 @@
 
 using namespace Batch;
 using namespace VARNO;
+using formats::FileError;
 using testing::ElementsAre;
 
 namespace {

@@ -62,11 +62,11 @@ class Nobody : public FitMonitor {
 std::string EngineResults(const std::string &map, const std::string &model, const std::string &log) {
     const ModelGuard guard;
     const Messages silence;
-    const auto *clump = VARNO::ReadStructure(model);
+    const auto *clump = formats::ReadStructure(model);
     m_Target = ChooseChain(model, clump, "A");
     m_Solid.clear();
     VARNO::GetResidues(ChooseChain(model, clump, "B"), m_Solid, true);
-    m_Map = VARNO::ReadMap(map);
+    m_Map = formats::ReadMap(map);
     Axis = 0;
     gammaStep = Radians(30);
     Step = 3;
@@ -157,8 +157,8 @@ TEST_F(Fit, MovesTheWholeTargetByThePose) {
     EXPECT_EQ(RunFit({"--json", File("j"), "--models", "2", "--model-prefix", File("m-")}).status, 0);
     const ModelGuard guard;
     std::vector<VARNO::Compound *> start, model;
-    VARNO::GetAtoms(ChooseChain("", VARNO::ReadStructure(File("model.pdb")), "A"), start, true);
-    VARNO::GetAtoms(VARNO::ReadStructure(File("m-2.pdb")), model, true);
+    VARNO::GetAtoms(ChooseChain("", formats::ReadStructure(File("model.pdb")), "A"), start, true);
+    VARNO::GetAtoms(formats::ReadStructure(File("m-2.pdb")), model, true);
     const SolutionScore second = Saved(File("j"))[1];
     const Transform pose(second.rotation, second.translation);
     ASSERT_EQ(model.size(), start.size());

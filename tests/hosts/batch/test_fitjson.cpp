@@ -45,7 +45,7 @@ void ExpectSameBits(double a, double b) {
 std::string ErrorOf(const std::string &bytes) {
     try {
         ReadFitJson("fit.json", bytes);
-    } catch (const VARNO::FileError &error) {
+    } catch (const formats::FileError &error) {
         return error.what();
     }
     return "no error";

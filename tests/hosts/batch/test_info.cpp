@@ -20,7 +20,7 @@ protected:
             DataMaker::makeGrid(nullptr, "g", 2, 3, 4, -7.5f, 0, 1, 1.5f, 2, 2.5f, 90, 90, 90));
         std::ranges::fill(map.Values(), 1.0f);
         map.SetValue(1, 0, 0, -3);
-        WriteMap(m_folder.File("map.mrc"), map, "a map");
+        formats::WriteMap(m_folder.File("map.mrc"), map, "a map");
         return m_folder.File("map.mrc");
     }
 };

@@ -16,7 +16,7 @@ namespace {
 std::string ErrorOf(const std::vector<std::string> &outputs, const std::vector<std::string> &inputs) {
     try {
         CheckOutputs(outputs, inputs);
-    } catch (const VARNO::FileError &error) {
+    } catch (const formats::FileError &error) {
         return error.what();
     }
     return "no error";

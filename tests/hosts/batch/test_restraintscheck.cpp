@@ -20,7 +20,7 @@ std::string ErrorOf(const std::string &content) {
     const std::string file = folder.Write("restraints.txt", content);
     try {
         CheckRestraintsFile(file);
-    } catch (const VARNO::FileError &error) {
+    } catch (const formats::FileError &error) {
         return std::string(error.what()).substr(file.size());
     }
     return "no error";
@@ -29,7 +29,7 @@ std::string ErrorOf(const std::string &content) {
 std::string ErrorOfPath(const std::string &path) {
     try {
         CheckRestraintsFile(path);
-    } catch (const VARNO::FileError &error) {
+    } catch (const formats::FileError &error) {
         return error.what();
     }
     return "no error";

@@ -32,7 +32,7 @@ protected:
     std::string ErrorOfFile(const std::string &file) {
         try {
             ReadSavedList(file);
-        } catch (const VARNO::FileError &error) {
+        } catch (const formats::FileError &error) {
             return WithoutFolder(error.what());
         }
         return "no error";
@@ -40,7 +40,7 @@ protected:
     std::string ErrorOfRank(const std::string &bytes, long rank) {
         try {
             Read(bytes).OfRank(rank);
-        } catch (const VARNO::FileError &error) {
+        } catch (const formats::FileError &error) {
             return WithoutFolder(error.what());
         }
         return "no error";

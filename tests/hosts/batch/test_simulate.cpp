@@ -30,7 +30,7 @@ protected:
     double Electrons(double voxel) const {
         const ModelGuard guard;
         double sum = 0;
-        for (const float value : ReadMap(m_out)->Values())
+        for (const float value : formats::ReadMap(m_out)->Values())
             sum += double(value);
         return sum * voxel * voxel * voxel;
     }
@@ -47,7 +47,7 @@ TEST_F(Simulate, WritesTheMapOfAllPolymerChainsButNoWaters) {
     EXPECT_THAT(output, HasSubstr("written: " + m_out + "\n"));
     EXPECT_NEAR(Electrons(2), 5 * 6, 0.01);
     const ModelGuard guard;
-    const Grid &map = *ReadMap(m_out);
+    const Grid &map = *formats::ReadMap(m_out);
     EXPECT_EQ(map.Origin(), (Vector<float, 3>(-20, -10, -10)));
     EXPECT_EQ(map.Spacing(), (Vector<float, 3>(2, 2, 2)));
 }

@@ -69,7 +69,7 @@ TEST(SimulatedFit, AMapWithAnOddOriginAndPermutedAxesGivesTheKnownPoseBack) {
     const ModelGuard guard;
     const TemporaryFolder folder;
     const std::string model = SourceFolder() + "/examples/1tii.pdb";
-    Chain *chain = Batch::ChooseChain(model, ReadStructure(model), "D");
+    Chain *chain = Batch::ChooseChain(model, formats::ReadStructure(model), "D");
     const std::vector<Vertex> before = Positions(chain);
 
     // The density of chain D, the whole of it moved by a shift that no voxel size divides.
@@ -78,7 +78,7 @@ TEST(SimulatedFit, AMapWithAnOddOriginAndPermutedAxesGivesTheKnownPoseBack) {
                                  "--voxel", "1.7", "--out", folder.File("simulated.mrc")})
                   .status,
               0);
-    folder.Write("map.mrc", Permuted(*ReadMap(folder.File("simulated.mrc")), shift));
+    folder.Write("map.mrc", Permuted(*formats::ReadMap(folder.File("simulated.mrc")), shift));
     std::vector<Vertex> truth;
     for (const Vertex &position : before)
         truth.push_back(Point(position + shift));
@@ -87,8 +87,8 @@ TEST(SimulatedFit, AMapWithAnOddOriginAndPermutedAxesGivesTheKnownPoseBack) {
     Quaternion turn;
     turn.Set(-60 * std::acos(-1.0) / 180, Vertex(0, 0.8506508f, 0.5257311f, false));
     const Vertex centre = Centre(before), off(4, -4, 8, false);
-    WriteStructure(folder.File("start.pdb"), StructureFormat::Pdb, chain,
-                   Transform(turn, Point(centre - turn * centre + shift + off)));
+    formats::WriteStructure(folder.File("start.pdb"), formats::StructureFormat::Pdb, chain,
+                            Transform(turn, Point(centre - turn * centre + shift + off)));
 
     const Outcome fit = RunProgramProcess({"fit", "--map", folder.File("map.mrc"), "--target",
                                            folder.File("start.pdb"), "--axis", "0", "--rotation-step", "20",
@@ -99,7 +99,7 @@ TEST(SimulatedFit, AMapWithAnOddOriginAndPermutedAxesGivesTheKnownPoseBack) {
         RunProgramProcess({"build", "--results", folder.File("fit.json"), "--target",
                            folder.File("start.pdb"), "--rank", "1", "--out", folder.File("best.cif")});
     ASSERT_EQ(build.status, 0) << build.errors;
-    const std::vector<Vertex> found = Positions(ReadStructure(folder.File("best.cif")));
+    const std::vector<Vertex> found = Positions(formats::ReadStructure(folder.File("best.cif")));
     ASSERT_EQ(found.size(), truth.size());
     EXPECT_LT(Rmsd(found, truth), 0.01);
 }

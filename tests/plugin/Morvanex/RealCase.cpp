@@ -68,9 +68,9 @@ void RealCase::Load(const TemporaryFolder &folder, const std::string &structure)
     const json &target = m_case.at("target"), &solid = m_case.at("solid");
     ResetEngine();
     Compound *model =
-        VARNO::ReadStructure(structure.empty() ? data + target.at("file").get<std::string>() : structure);
+        formats::ReadStructure(structure.empty() ? data + target.at("file").get<std::string>() : structure);
     m_Target = FindChain(model, target.at("chain"));
-    m_Map = VARNO::ReadMap(data + m_case.at("map").get<std::string>());
+    m_Map = formats::ReadMap(data + m_case.at("map").get<std::string>());
     if (!solid.is_null())
         for (const json &chain : solid.at("chains"))
             VARNO::GetResidues(FindChain(model, chain), m_Solid, true);

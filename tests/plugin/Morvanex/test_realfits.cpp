@@ -119,7 +119,7 @@ TEST_F(RealFits, PdbAndMmcifFilesOfOneModelGiveTheSameBytes) {
         EXPECT_TRUE(RunFit(monitor));
         const std::string fromPdb = ResultsText(), list = FullPrecision(PlainSolutions());
         const std::string mmcif = folder.File("model.cif");
-        VARNO::WriteStructure(mmcif, VARNO::StructureFormat::Mmcif, m_Target->GetParent());
+        formats::WriteStructure(mmcif, formats::StructureFormat::Mmcif, m_Target->GetParent());
         real.Load(folder, mmcif);
         real.Set(folder, "settings_quick");
         EXPECT_TRUE(RunFit(monitor));

@@ -40,9 +40,9 @@ HostTest::~HostTest() {
 Assembly HostTest::ReadExample() {
     const std::string examples = SourceFolder() + "/examples/";
     Assembly assembly;
-    assembly.target = ChainOf(VARNO::ReadStructure(examples + "1tii_D_displaced.pdb"), "D");
-    assembly.map = VARNO::ReadMap(examples + "1tii_8A.mrc");
-    const Compound *rest = VARNO::ReadStructure(examples + "1tii.pdb");
+    assembly.target = ChainOf(formats::ReadStructure(examples + "1tii_D_displaced.pdb"), "D");
+    assembly.map = formats::ReadMap(examples + "1tii_8A.mrc");
+    const Compound *rest = formats::ReadStructure(examples + "1tii.pdb");
     for (const char *chain : {"A", "C", "E", "F", "G", "H"})
         assembly.solid.push_back(ChainOf(rest, chain));
     return assembly;

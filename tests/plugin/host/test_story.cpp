@@ -29,10 +29,10 @@ namespace {
 
 /// The ubiquitin-conjugating enzyme's partner back among the other chains of 1Z5S.
 Assembly ReadComplex(const std::string &data) {
-    const Compound *clump = VARNO::ReadStructure(data + "/cases/1z5s_C_solid/start.pdb");
+    const Compound *clump = formats::ReadStructure(data + "/cases/1z5s_C_solid/start.pdb");
     const Compound *molecule = *clump->ChildBegin();
     return {molecule->FindChild("C"),
-            VARNO::ReadMap(data + "/maps/1z5s_10.mrc"),
+            formats::ReadMap(data + "/maps/1z5s_10.mrc"),
             {molecule->FindChild("A"), molecule->FindChild("B"), molecule->FindChild("D")}};
 }
 
