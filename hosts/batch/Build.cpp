@@ -2,22 +2,24 @@
 
 #include "base/Numbers.h"
 
-#include "Chains.h"
 #include "Collect.h"
-#include "CommandLine.h"
-#include "Diagnostics.h"
-#include "Inputs.h"
-#include "Outputs.h"
-#include "SavedList.h"
+#include "cli/CommandLine.h"
+#include "cli/Diagnostics.h"
+#include "hosts/common/Chains.h"
+#include "hosts/common/Inputs.h"
+#include "hosts/common/Outputs.h"
+#include "hosts/common/SavedList.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
 
+using namespace cli;
+using namespace hosts;
 using namespace VARNO;
 
-namespace Batch {
+namespace batch {
 
 namespace {
 
@@ -104,7 +106,7 @@ int Run(const Arguments &arguments) {
         solutions.push_back(list.OfRank(rank));
     const std::optional<std::string> identifier =
         arguments.Has("--chain") ? std::optional(arguments.Text("--chain")) : std::nullopt;
-    Chain *chain = ChooseChain(target, LoadStructure(target), identifier);
+    Chain *chain = ChooseChain(target, LoadStructure(target, Warn), identifier);
     std::cout << "target: chain " << ChainNames({chain}) << " of " << target << '\n';
     TellRounding(list, chain);
     for (std::size_t i = 0; i < files.size(); ++i)
@@ -146,4 +148,4 @@ Command BuildCommand() {
     };
 }
 
-} // namespace Batch
+} // namespace batch

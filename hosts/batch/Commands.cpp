@@ -1,6 +1,8 @@
 #include "Commands.h"
 
-namespace Batch {
+using namespace cli;
+
+namespace batch {
 
 const std::vector<Command> &AllCommands() {
     static const std::vector<Command> commands = {FitCommand(), InfoCommand(), BuildCommand(),
@@ -8,4 +10,4 @@ const std::vector<Command> &AllCommands() {
     return commands;
 }
 
-} // namespace Batch
+} // namespace batch

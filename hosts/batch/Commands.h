@@ -1,16 +1,16 @@
 #pragma once
 
-#include "Command.h"
+#include "cli/Command.h"
 
-namespace Batch {
+namespace batch {
 
 /// Every subcommand, in the order in which the help lists them.
-const std::vector<Command> &AllCommands();
+const std::vector<cli::Command> &AllCommands();
 
 // Each is defined in the file of its name.
-Command FitCommand();
-Command InfoCommand();
-Command BuildCommand();
-Command SimulateCommand();
+cli::Command FitCommand();
+cli::Command InfoCommand();
+cli::Command BuildCommand();
+cli::Command SimulateCommand();
 
-} // namespace Batch
+} // namespace batch

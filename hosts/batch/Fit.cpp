@@ -2,21 +2,25 @@
 
 #include "base/Words.h"
 
-#include "Chains.h"
-#include "Diagnostics.h"
-#include "FitChecks.h"
-#include "FitOutput.h"
+#include "FitArguments.h"
 #include "FitProgress.h"
 #include "FitReport.h"
-#include "Interrupt.h"
-#include "RestraintsCheck.h"
+#include "cli/Diagnostics.h"
+#include "cli/Interrupt.h"
+#include "hosts/common/Chains.h"
+#include "hosts/common/FitChecks.h"
+#include "hosts/common/FitOutput.h"
+#include "hosts/common/RestraintsCheck.h"
 
 #include "Config.h"
 #include "Parameters.h"
 #include "formats/files/FileError.h"
 #include "solutions/TopList.h"
 
-namespace Batch {
+using namespace cli;
+using namespace hosts;
+
+namespace batch {
 
 namespace {
 
@@ -82,10 +86,10 @@ int Run(const Arguments &arguments) {
     CheckFitOptions(options);
     if (options.restraints)
         CheckRestraintsFile(*options.restraints);
-    const FitInput input = ReadFitInput(options);
+    const FitInput input = ReadFitInput(options, Warn);
     CheckFitOutputs(options, ModelFiles(options, input.targetFormat));
     SetParameters(options, input);
-    const Survey survey = CheckFit(options, input);
+    const Survey survey = CheckFit(options, input, Warn);
     SetLog(options);
     record.chain = input.target->GetName();
     if (!options.quiet)
@@ -125,4 +129,4 @@ Command FitCommand() {
     };
 }
 
-} // namespace Batch
+} // namespace batch

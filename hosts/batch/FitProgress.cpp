@@ -1,14 +1,16 @@
 #include "FitProgress.h"
 
-#include "Interrupt.h"
+#include "cli/Interrupt.h"
 
 #include "fit/Angles.h"
 
-namespace Batch {
+using namespace hosts;
+
+namespace batch {
 
 FitProgress::FitProgress(FitRecord &record, bool quiet)
     : m_record(record)
-    , m_bar(std::make_unique<ProgressBar>(!quiet)) {}
+    , m_bar(std::make_unique<cli::ProgressBar>(!quiet)) {}
 
 void FitProgress::Started(const Preparation &fit) {
     m_record.axes = fit.axes.size();
@@ -20,7 +22,7 @@ void FitProgress::Started(const Preparation &fit) {
 }
 
 bool FitProgress::IsCancelled() {
-    return WasInterrupted() || !m_logError.isEmpty();
+    return cli::WasInterrupted() || !m_logError.isEmpty();
 }
 
 void FitProgress::IdentityDone(std::size_t axes) {
@@ -44,4 +46,4 @@ void FitProgress::End() {
     m_bar.reset();
 }
 
-} // namespace Batch
+} // namespace batch

@@ -1,21 +1,21 @@
 #pragma once
 
-#include "FitJson.h"
-#include "ProgressBar.h"
+#include "cli/ProgressBar.h"
+#include "hosts/common/FitRecord.h"
 #include "search/FitMonitor.h"
 
 #include <QElapsedTimer>
 
 #include <memory>
 
-namespace Batch {
+namespace batch {
 
 /// The search's monitor that drives a terminal: shows how far it is, stops it at Ctrl-C or when the log can
 /// no longer be written, and takes down what the report needs.
 class FitProgress : public FitMonitor {
 public:
     /// What is taken down goes into the record. No bar where `quiet`.
-    FitProgress(FitRecord &record, bool quiet);
+    FitProgress(hosts::FitRecord &record, bool quiet);
 
     /// Why the log was lost; empty while it was not.
     const QString &LogError() const { return m_logError; }
@@ -31,11 +31,11 @@ public:
 private:
     void End();
 
-    FitRecord &m_record;
-    std::unique_ptr<ProgressBar> m_bar;
+    hosts::FitRecord &m_record;
+    std::unique_ptr<cli::ProgressBar> m_bar;
     QElapsedTimer m_timer;
     bool m_identityDone = false;
     QString m_logError;
 };
 
-} // namespace Batch
+} // namespace batch

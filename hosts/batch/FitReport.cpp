@@ -4,7 +4,7 @@
 
 #include "base/Numbers.h"
 
-#include "Chains.h"
+#include "hosts/common/Chains.h"
 
 #include "Parameters.h"
 #include "fit/Cost.h"
@@ -14,7 +14,9 @@
 #include <cmath>
 #include <iostream>
 
-namespace Batch {
+using namespace hosts;
+
+namespace batch {
 
 namespace {
 
@@ -197,4 +199,4 @@ void ReportSolutions(const FitRecord &record, const std::vector<std::string> &wr
         Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));
 }
 
-} // namespace Batch
+} // namespace batch

@@ -2,8 +2,8 @@
 
 #include "base/Numbers.h"
 
-#include "CommandLine.h"
 #include "Grid.h"
+#include "cli/CommandLine.h"
 #include "formats/files/ByteSource.h"
 #include "formats/files/FileError.h"
 #include "formats/maps/MapFile.h"
@@ -14,9 +14,10 @@
 #include <filesystem>
 #include <iostream>
 
+using namespace cli;
 using namespace VARNO;
 
-namespace Batch {
+namespace batch {
 
 namespace {
 
@@ -132,4 +133,4 @@ Command InfoCommand() {
     };
 }
 
-} // namespace Batch
+} // namespace batch

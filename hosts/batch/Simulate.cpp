@@ -2,20 +2,22 @@
 
 #include "base/Numbers.h"
 
-#include "Chains.h"
-#include "CommandLine.h"
-#include "Diagnostics.h"
-#include "Inputs.h"
-#include "Outputs.h"
-#include "Simulation.h"
+#include "cli/CommandLine.h"
+#include "cli/Diagnostics.h"
 #include "formats/files/FileError.h"
+#include "hosts/common/Chains.h"
+#include "hosts/common/Inputs.h"
+#include "hosts/common/Outputs.h"
+#include "hosts/common/Simulation.h"
 
 #include <filesystem>
 #include <iostream>
 
+using namespace cli;
+using namespace hosts;
 using namespace VARNO;
 
-namespace Batch {
+namespace batch {
 
 namespace {
 
@@ -74,7 +76,7 @@ int Run(const Arguments &arguments) {
     const std::string model = arguments.Text("--model"), out = arguments.Text("--out");
     const SimulationSettings settings = ReadSettings(arguments);
     CheckOutputs({out}, {model});
-    const Clump *clump = LoadStructure(model);
+    const Clump *clump = LoadStructure(model, Warn);
     const std::vector<Chain *> chains = ChooseChains(model, clump, arguments.List("--chains"));
     const std::vector<Scatterer> scatterers = ScatterersOf(model, chains);
     const SimulationBox box = LayOutBox(scatterers, settings);
@@ -128,4 +130,4 @@ Command SimulateCommand() {
     };
 }
 
-} // namespace Batch
+} // namespace batch

@@ -1,8 +1,8 @@
 #include "Commands.h"
-#include "Diagnostics.h"
-#include "Program.h"
+#include "cli/Diagnostics.h"
+#include "cli/Program.h"
 
 int main(int count, char **words) {
-    Batch::CatchToolkitMessages();
-    return Batch::RunProgram(Batch::AllCommands(), {words + 1, words + count});
+    cli::CatchToolkitMessages();
+    return cli::RunProgram(batch::AllCommands(), {words + 1, words + count});
 }

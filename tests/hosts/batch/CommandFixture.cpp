@@ -1,7 +1,7 @@
 #include "CommandFixture.h"
 
 #include "Commands.h"
-#include "Program.h"
+#include "cli/Program.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -21,7 +21,7 @@ CommandFixture::Outcome CommandFixture::Run(const std::vector<std::string> &word
     const ModelGuard guard;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    const int status = Batch::RunProgram(Batch::AllCommands(), words);
+    const int status = cli::RunProgram(batch::AllCommands(), words);
     return {status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
 

@@ -2,8 +2,8 @@
 #include "Process.h"
 
 #include "Collect.h"
-#include "FitJson.h"
 #include "formats/structures/StructureFile.h"
+#include "hosts/common/FitRecord.h"
 
 #include <cmath>
 #include <fstream>
@@ -103,8 +103,8 @@ TEST_F(Build, TakesAJsonFileInFullPrecision) {
     solution.rotation.Set(std::cos(0.4), 0, 0, std::sin(0.4));
     solution.translation.setValue(0.125f, 0, 0, false);
     std::list<SolutionScore> solutions{solution};
-    Batch::FitRecord record;
-    record.solutions = Batch::RankByScore(solutions);
+    hosts::FitRecord record;
+    record.solutions = hosts::RankByScore(solutions);
     m_results = m_folder.File("fit.json");
     std::ofstream out(m_results);
     WriteFitJson(out, record);

@@ -1,12 +1,12 @@
 #include "Process.h"
 
-#include "Chains.h"
 #include "Collect.h"
-#include "FitJson.h"
 #include "ModelGuard.h"
 #include "TemporaryFolder.h"
 #include "TestData.h"
 #include "formats/structures/StructureFile.h"
+#include "hosts/common/Chains.h"
+#include "hosts/common/FitRecord.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +15,7 @@
 #include <algorithm>
 #include <cmath>
 
-using namespace Batch;
+using namespace hosts;
 using nlohmann::json;
 
 // Real fits with known right answers, by the program as a user runs it.

@@ -1,8 +1,8 @@
 #include "FitFixture.h"
 
-#include "Chains.h"
-#include "FitJson.h"
-#include "FitOptions.h"
+#include "hosts/common/Chains.h"
+#include "hosts/common/FitOptions.h"
+#include "hosts/common/FitRecord.h"
 
 #include "Collect.h"
 #include "Messages.h"
@@ -20,7 +20,7 @@
 #include <fstream>
 #include <sstream>
 
-using namespace Batch;
+using namespace hosts;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;

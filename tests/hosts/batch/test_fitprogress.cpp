@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-using namespace Batch;
+using namespace batch;
+using namespace cli;
+using namespace hosts;
 
 namespace {
 

@@ -2,13 +2,13 @@
 
 #include "../../formats/maps/MapBytes.h"
 
-#include "Chains.h"
 #include "Collect.h"
 #include "ModelGuard.h"
 #include "TemporaryFolder.h"
 #include "TestData.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
+#include "hosts/common/Chains.h"
 
 #include <gtest/gtest.h>
 
@@ -69,7 +69,7 @@ TEST(SimulatedFit, AMapWithAnOddOriginAndPermutedAxesGivesTheKnownPoseBack) {
     const ModelGuard guard;
     const TemporaryFolder folder;
     const std::string model = SourceFolder() + "/examples/1tii.pdb";
-    Chain *chain = Batch::ChooseChain(model, formats::ReadStructure(model), "D");
+    Chain *chain = hosts::ChooseChain(model, formats::ReadStructure(model), "D");
     const std::vector<Vertex> before = Positions(chain);
 
     // The density of chain D, the whole of it moved by a shift that no voxel size divides.

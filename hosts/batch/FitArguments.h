@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/CommandLine.h"
+#include "hosts/common/FitOptions.h"
+
+namespace batch {
+
+/// The options of `morvanex fit` for the help and the parser.
+std::vector<cli::Option> FitOptionTable();
+
+/// The command line, and what it leaves open from section "Morvanex" of the configuration, converted as the
+/// set-up dialog converts its fields: what is no number is 0.
+hosts::FitOptions ReadFitOptions(const cli::Arguments &arguments);
+
+} // namespace batch

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+struct Arguments;
+
+/// What kind of value an option takes. Numbers are read in the C locale, as the dialogs read their fields.
+enum class Value { None, Text, Integer, Number };
+
+/// One option of a subcommand. The usage line, the help and the manual page are made from it.
+struct Option {
+    std::string name; ///< "--rotation-step"
+    Value value = Value::None;
+    std::string valueName = {}; ///< "DEG"; empty without a value
+    std::string help = {};      ///< what it does, with the unit; a sentence or two without the last full stop
+    std::string defaultText = {}; ///< what holds where it is not given; empty where there is nothing to say
+    bool required = false;
+    bool repeatable = false;
+    std::string heading = {}; ///< begins a group of options in the help
+};
+
+/// A subcommand of the program: one file each.
+struct Command {
+    std::string name;                 ///< "fit"
+    std::string summary;              ///< one line for the list of commands
+    std::string description;          ///< paragraphs for its help, separated by empty lines
+    std::vector<Option> options = {}; ///< in the order in which the help shows them
+    std::string operand = {}; ///< name of the one argument that is no option, "FILE"; empty: there is none
+    std::string example = {}; ///< one command line
+    int (*run)(const Arguments &) = nullptr; ///< returns the exit status; throws what main reports
+};
+
+/// The command line itself is wrong: exit status 2.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Exit statuses of the program.
+enum ExitStatus { Succeeded = 0, Failed = 1, WrongUsage = 2, Interrupted = 130 };
+
+} // namespace cli

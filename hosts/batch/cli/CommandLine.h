@@ -1,0 +1,34 @@
+#pragma once
+
+#include "cli/Command.h"
+
+#include <map>
+#include <optional>
+
+namespace cli {
+
+/// A subcommand's command line, taken apart. Only options that were given are in it.
+struct Arguments {
+    std::map<std::string, std::vector<std::string>> values; ///< by option name; an empty list for a flag
+    std::string operand;
+    bool wantsHelp = false; ///< --help or -h was given; nothing else was checked then
+
+    bool Has(const std::string &option) const { return values.contains(option); }
+    /// The option's value; empty where it was not given.
+    std::string Text(const std::string &option) const;
+    /// The option's value taken apart at its commas; nothing where it was not given.
+    std::optional<std::vector<std::string>> List(const std::string &option) const;
+    /// All values of a repeatable option, in the order given.
+    std::vector<std::string> Texts(const std::string &option) const;
+    /// The option's value as a number; 0 where it was not given.
+    int Integer(const std::string &option) const;
+    double Number(const std::string &option) const;
+};
+
+/// Takes the words after the subcommand's name apart: "--option value", "--option=value", and the operand;
+/// after "--" everything is an operand. A value may begin with one dash (-5), not with two. Throws
+/// UsageError, naming the option: unknown, repeated, without its value or with one that is no number,
+/// required and missing.
+Arguments ParseArguments(const Command &command, const std::vector<std::string> &words);
+
+} // namespace cli

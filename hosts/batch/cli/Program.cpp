@@ -1,0 +1,72 @@
+#include "cli/Program.h"
+
+#include "cli/CommandLine.h"
+#include "cli/Diagnostics.h"
+#include "cli/Help.h"
+
+#include <algorithm>
+#include <iostream>
+#include <new>
+
+namespace cli {
+
+namespace {
+
+const Command &FindCommand(const std::vector<Command> &commands, const std::string &name) {
+    const auto found = std::ranges::find(commands, name, &Command::name);
+    if (found == commands.end())
+        throw UsageError("unknown command '" + name + "'");
+    return *found;
+}
+
+int RunCommand(const Command &command, const std::vector<std::string> &words) {
+    SetProgramName("morvanex " + command.name);
+    const Arguments arguments = ParseArguments(command, words);
+    if (!arguments.wantsHelp)
+        return command.run(arguments);
+    std::cout << CommandHelp(command);
+    return Succeeded;
+}
+
+int Dispatch(const std::vector<Command> &commands, const std::vector<std::string> &words) {
+    if (words.empty())
+        throw UsageError("a command is missing");
+    const std::string &first = words.front();
+    if (first == "--help" || first == "-h")
+        std::cout << ProgramHelp(commands);
+    else if (first == "--version")
+        std::cout << "morvanex " MORVANEX_VERSION "\n";
+    else if (first == "--man")
+        std::cout << ManualPage(commands);
+    else
+        return RunCommand(FindCommand(commands, first), {words.begin() + 1, words.end()});
+    return Succeeded;
+}
+
+/// Output that did not reach its file must not pass for success.
+int CheckStandardOutput(int status) {
+    std::cout.flush();
+    if (std::cout)
+        return status;
+    ReportError("standard output cannot be written");
+    return Failed;
+}
+
+} // namespace
+
+int RunProgram(const std::vector<Command> &commands, const std::vector<std::string> &words) {
+    SetProgramName("morvanex");
+    try {
+        return CheckStandardOutput(Dispatch(commands, words));
+    } catch (const UsageError &error) {
+        ReportError(std::string(error.what()) + " (--help explains the options)");
+        return WrongUsage;
+    } catch (const std::bad_alloc &) {
+        ReportError("not enough memory");
+    } catch (const std::exception &error) {
+        ReportError(error.what());
+    }
+    return Failed;
+}
+
+} // namespace cli

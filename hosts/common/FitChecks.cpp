@@ -1,0 +1,98 @@
+#include "hosts/common/FitChecks.h"
+
+#include "base/Words.h"
+
+#include "base/Numbers.h"
+
+#include "hosts/common/Chains.h"
+#include "hosts/common/Pace.h"
+#include "hosts/common/RestraintsCheck.h"
+
+#include "Parameters.h"
+#include "fit/Cost.h"
+#include "formats/files/FileError.h"
+
+#include <algorithm>
+
+namespace hosts {
+
+namespace {
+
+using formats::FileError;
+
+constexpr double longestFit = 365.25 * 24 * 3600; ///< seconds
+constexpr double fewPoses = 1e10;                 ///< no target is so large that these take as long
+
+void CheckTarget(const FitOptions &options, const FitInput &input, const Target &target,
+                 const WarningSink &warn) {
+    const std::string chain = "chain " + ChainNames({input.target});
+    if (target.points.empty())
+        throw FileError(options.target, chain, "no residue has a position (an atom CA, C4' or P)");
+    if (target.invalidResidues > 0)
+        warn(options.target + ": " + chain + ": " + base::Counted(target.invalidResidues, "residue") +
+             " without a position (an atom CA, C4' or P) left out");
+}
+
+std::string FirstOf(const std::vector<std::string> &names) {
+    constexpr std::size_t shown = 10;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(shown, names.size()); ++i)
+        text += (i > 0 ? ", " : "") + names[i];
+    return names.size() > shown ? text + " and " + std::to_string(names.size() - shown) + " more" : text;
+}
+
+void CheckRestraints(const FitOptions &options, const Survey &survey, const WarningSink &warn) {
+    if (!options.restraints)
+        return;
+    const std::vector<std::string> unknown = UnknownResidues(survey.records, m_Target);
+    const std::string problem = "the target has no residue of that name with a position: " + FirstOf(unknown);
+    if (survey.target.restraints.empty())
+        throw FileError(*options.restraints, "", "no record names a residue of the target: " + problem);
+    if (!unknown.empty())
+        warn(*options.restraints + ": " + problem);
+}
+
+void CheckSolid(const FitOptions &options, const Survey &survey, const WarningSink &warn) {
+    if (survey.solid.invalidResidues > 0)
+        warn("solid: " + base::Counted(survey.solid.invalidResidues, "residue") +
+             " without a position (an atom CA, C4' or P) left out");
+    if (!options.solids.empty() && survey.solid.points.empty())
+        warn("the solid has no effect: none of its residues lies within " + options.inclusionDistance +
+             " Å of the target's centre");
+}
+
+/// Why the fit is not to be run, with what it would take; empty when it may.
+std::string Refusal(const Survey &survey, const FitOptions &options) {
+    const FitCost cost = EstimateCost(survey);
+    const QString atAll = RefuseFit(cost, gammaStep, true);
+    if (!atAll.isEmpty())
+        return atAll.toStdString();
+    if (options.force || cost.poses < fewPoses)
+        return {};
+    // With a log poses are scored one by one.
+    const double pace =
+        MeasurePace(survey, {.poseByPose = options.log.has_value(), .threads = unsigned(options.threads)});
+    const double seconds = cost.poses / pace;
+    std::string problem = RefuseFit(cost, gammaStep, false).toStdString();
+    if (problem.empty() && seconds > longestFit)
+        problem = "The fit would try " + base::GeneralNumber(cost.poses).toStdString() + " poses.";
+    if (problem.empty())
+        return {};
+    return problem + " At " + base::Grouped(std::uint64_t(pace)) +
+           " poses a second, measured on this machine, that takes about " + base::DurationText(seconds) +
+           "; --force runs it.";
+}
+
+} // namespace
+
+Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn) {
+    Survey survey = SurveyFit();
+    CheckTarget(options, input, survey.target, warn);
+    CheckRestraints(options, survey, warn);
+    CheckSolid(options, survey, warn);
+    if (const std::string refusal = Refusal(survey, options); !refusal.empty())
+        throw std::runtime_error(refusal);
+    return survey;
+}
+
+} // namespace hosts

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "hosts/common/FitInput.h"
+
+#include "fit/Preparation.h"
+
+namespace hosts {
+
+/// The fit that the parameters stand for, looked at before it begins. Throws where it cannot be run or would
+/// be of no use: a target without a residue that has a position, restraints that name none of them, a search
+/// that memory cannot hold or (unless `options.force`) that would take more than a year. `warn` hears of
+/// restraints and of solids without effect.
+Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn);
+
+} // namespace hosts

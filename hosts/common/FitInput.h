@@ -1,0 +1,37 @@
+#pragma once
+
+#include "hosts/common/FitOptions.h"
+
+#include "hosts/common/WarningSink.h"
+
+#include "Compound.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
+
+namespace hosts {
+
+/// What of one solid file is used.
+struct SolidFile {
+    std::string file;
+    std::vector<VARNO::Chain *> chains;
+    std::vector<VARNO::Chain *> leftOut; ///< polymers
+    bool hasOthers = false;              ///< ligands or waters, which are never part of a solid
+};
+
+/// The files of a fit, read into the model.
+struct FitInput {
+    VARNO::Grid *map = nullptr;
+    formats::MapReport mapReport;
+    VARNO::Chain *target = nullptr;
+    formats::StructureFormat targetFormat = formats::StructureFormat::Pdb;
+    std::vector<SolidFile> solids;
+
+    /// The residues of all solid files' chains that are used.
+    std::vector<VARNO::Compound *> SolidResidues() const;
+};
+
+/// Reads the map, the target and the solids. `warn` hears what the readers took differently from how it
+/// stands. Throws FileError.
+FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn);
+
+} // namespace hosts

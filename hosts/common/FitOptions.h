@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace hosts {
+
+constexpr int maxAxis = 99; ///< the largest number that the set-up dialog's field takes
+constexpr int maxThreads = 1024;
+
+/// What a fit is asked to do.
+struct FitOptions {
+    std::string map;
+    std::string target;
+    std::optional<std::string>
+        chain; ///< identifier; blank for a chain without one; not set: the first polymer
+    std::vector<std::string> solids;
+    std::optional<std::vector<std::string>> solidChains; ///< not set: all polymer chains, less the target
+    std::optional<std::string> restraints;
+
+    int axis = 0;               ///< depth of the subdivision that gives the rotation axes
+    double rotationStep = 0;    ///< degrees
+    double translationStep = 0; ///< Å
+    int translationSteps = 0;   ///< along each direction
+    int keep = 0;
+    std::string inclusionDistance; ///< Å, as text: the engine reads it from the configuration
+
+    std::optional<std::string> results;
+    std::optional<std::string> log;
+    std::optional<std::string> json;
+    int models = 0;
+    std::string modelPrefix;
+    bool quiet = false;
+    bool force = false;
+    int threads = 1; ///< that score poses
+};
+
+/// Throws std::runtime_error, naming option and value, for a number that no fit can be run with. A rotation
+/// step is not looked at: the engine judges that together with what the fit would take.
+void CheckFitOptions(const FitOptions &options);
+
+} // namespace hosts

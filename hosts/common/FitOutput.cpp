@@ -1,0 +1,99 @@
+#include "hosts/common/FitOutput.h"
+
+#include "hosts/common/Outputs.h"
+#include "hosts/common/SignalHold.h"
+
+#include "formats/files/FileError.h"
+#include "formats/files/ReplaceFile.h"
+#include "solutions/ResultsFile.h"
+
+#include <QBuffer>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+namespace hosts {
+
+namespace {
+
+using formats::FileError;
+
+/// Writes files one after the other; one that fails does not keep the next from being tried.
+class Writer {
+public:
+    void Write(const std::string &file, const std::string &what, const std::function<void()> &write) {
+        const SignalHold hold;
+        try {
+            write();
+            m_delivery.written.push_back(what + ": " + file);
+        } catch (const FileError &error) {
+            m_delivery.errors.push_back(error.what());
+        }
+    }
+
+    const Delivery &Result() const { return m_delivery; }
+
+private:
+    Delivery m_delivery;
+};
+
+void WriteResultsFile(const std::string &file, const std::list<SolutionScore> &solutions) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    WriteResults(buffer, solutions);
+    formats::ReplaceFile(file, [&](std::ostream &out) { out.write(buffer.data().data(), buffer.size()); });
+}
+
+} // namespace
+
+std::vector<std::string> ModelFiles(const FitOptions &options, formats::StructureFormat format) {
+    const int count = std::min(options.models, std::max(options.keep, 0));
+    const std::size_t digits = std::to_string(count).size();
+    std::vector<std::string> files;
+    for (int rank = 1; rank <= count; ++rank) {
+        const std::string number = std::to_string(rank);
+        files.push_back(options.modelPrefix + std::string(digits - number.size(), '0') + number +
+                        (format == formats::StructureFormat::Mmcif ? ".cif" : ".pdb"));
+    }
+    return files;
+}
+
+void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &models) {
+    std::vector<std::string> inputs = options.solids;
+    inputs.insert(inputs.end(), {options.map, options.target});
+    if (options.restraints)
+        inputs.push_back(*options.restraints);
+    std::vector<std::string> outputs = models;
+    for (const auto &output : {options.results, options.log, options.json})
+        if (output)
+            outputs.push_back(*output);
+    CheckOutputs(outputs, inputs);
+    std::error_code error;
+    if (options.log && std::filesystem::is_fifo(*options.log, error))
+        throw FileError(*options.log, "", "is a pipe; the log needs a file");
+}
+
+Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
+                         const VARNO::Chain *target, formats::StructureFormat format) {
+    const FitOptions &options = record.options;
+    const std::string count = std::to_string(solutions.size()) + " solutions";
+    Writer writer;
+    if (options.results)
+        writer.Write(*options.results, count, [&] { WriteResultsFile(*options.results, solutions); });
+    if (options.json)
+        writer.Write(*options.json, count + " in full precision", [&] {
+            formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteFitJson(out, record); });
+        });
+    const std::vector<std::string> models = ModelFiles(options, format);
+    for (std::size_t i = 0; i < std::min(models.size(), solutions.size()); ++i) {
+        const SolutionScore &solution = *record.solutions[i].solution;
+        writer.Write(models[i], "the model of rank " + std::to_string(i + 1), [&] {
+            formats::WriteStructure(models[i], format, target,
+                                    Transform(solution.rotation, solution.translation));
+        });
+    }
+    return writer.Result();
+}
+
+} // namespace hosts

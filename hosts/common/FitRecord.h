@@ -1,0 +1,43 @@
+#pragma once
+
+#include "hosts/common/FitOptions.h"
+
+#include "search/PoseSample.h"
+#include "search/Search.h"
+
+#include <iosfwd>
+
+namespace hosts {
+
+/// A solution with its place among those kept.
+struct RankedSolution {
+    const SolutionScore *solution;
+    std::size_t rank;       ///< by score, from 1; of equal scores the later found is the better
+    std::size_t rankInFile; ///< counted from the end of the results file, from 1
+};
+
+/// The solutions by rank. A list shorter than the number to keep is unsorted, so that the two ranks differ.
+std::vector<RankedSolution> RankByScore(const std::list<SolutionScore> &solutions);
+
+/// What a fit was and what came of it, as the JSON file tells it.
+struct FitRecord {
+    FitOptions options;
+    std::string chain; ///< identifier of the chain that was fitted
+    std::size_t axes = 0, angles = 0, translations = 0;
+    std::size_t axesDone = 0; ///< fewer than `axes` where the fit was stopped
+    Vertex centre;            ///< of the target's start position, Å
+    PoseCounts poses;
+    double seconds = 0;
+    PoseSample sample;
+    std::vector<RankedSolution> solutions;
+};
+
+/// Writes the record: numbers in full precision, so that they are read back bit for bit; one solution on each
+/// line, the best first.
+void WriteFitJson(std::ostream &out, const FitRecord &record);
+
+/// The solutions of such a file, the best first. Throws FileError, with the name given, where the bytes are
+/// none.
+std::vector<SolutionScore> ReadFitJson(const std::string &file, const std::string &bytes);
+
+} // namespace hosts

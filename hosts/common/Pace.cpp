@@ -1,0 +1,61 @@
+#include "hosts/common/Pace.h"
+
+#include "Parameters.h"
+#include "fit/Axes.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace hosts {
+
+namespace {
+
+/// Lets a search run for some time after its identity pass, which also has the search's own preparation in
+/// it.
+class Stopwatch : public FitMonitor {
+public:
+    explicit Stopwatch(const PoseCounts &counts)
+        : m_counts(counts) {}
+
+    double Pace() const { return double(m_counts.tried - m_before) / (double(m_nanoseconds) * 1e-9); }
+
+    void Started(const Preparation &) override {}
+    void IdentityDone(std::size_t) override {
+        m_before = m_counts.tried;
+        m_timer.start();
+    }
+    bool IsCancelled() override {
+        constexpr qint64 enough = 50'000'000;
+        return m_timer.isValid() && (m_nanoseconds = m_timer.nsecsElapsed()) > enough;
+    }
+    void AxisDone(std::size_t, std::size_t, double) override {}
+    void Cancelled() override {}
+    void Finished() override {}
+
+private:
+    const PoseCounts &m_counts;
+    QElapsedTimer m_timer;
+    std::uint64_t m_before = 0;
+    qint64 m_nanoseconds = 1;
+};
+
+} // namespace
+
+double MeasurePace(const Survey &survey, const SearchOptions &options) {
+    // Few enough that a single axis does not take long.
+    constexpr int mostTranslations = 11;
+    Preparation trial;
+    trial.map = dynamic_cast<const Grid *>(m_Map);
+    trial.target = survey.target;
+    trial.axes = RotationAxes(4);
+    trial.offsets = TranslationOffsets(OddCount(std::min(TCount, mostTranslations)), Step);
+    trial.angleStep = Radians(45);
+    PoseCounts counts;
+    Stopwatch stopwatch(counts);
+    RunSearch(trial, stopwatch, counts, options);
+    Solutions.clear();
+    return stopwatch.Pace();
+}
+
+} // namespace hosts

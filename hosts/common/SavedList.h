@@ -1,0 +1,32 @@
+#pragma once
+
+#include "solutions/Solution.h"
+
+#include <map>
+
+namespace hosts {
+
+/// A list of solutions read back from a file, the best first: rank r stands at r - 1.
+struct SavedList {
+    std::string file;
+    std::vector<SolutionScore> solutions;
+    /// Read from a results file, whose poses have two decimals; a JSON file has them in full precision.
+    bool isRounded = false;
+    std::vector<qint64> skippedLines; ///< of a results file: lines without eight words
+    std::map<std::size_t, qint64>
+        doubtful; ///< of a results file: rank, and its line that holds a word that is no number
+
+    /// Throws FileError for a rank outside the list, and for a pose whose numbers could not be read or are
+    /// not finite.
+    const SolutionScore &OfRank(long rank) const;
+};
+
+/// Reads what `fit` saved as JSON, or a results file; told from the content. The ranks of a results file
+/// count from its end. Throws FileError: unreadable, empty, binary, of another kind, without a solution.
+SavedList ReadSavedList(const std::string &file);
+
+/// How far, in Å, the two decimals of a results file may have moved a point at that distance from the frame's
+/// origin, at most.
+double RoundingCost(double distance);
+
+} // namespace hosts
