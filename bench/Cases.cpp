@@ -11,6 +11,8 @@
 #include <random>
 #include <stdexcept>
 
+using namespace VARNO;
+
 namespace {
 
 /// All residues of a solid are taken, however far from the target.
@@ -25,10 +27,10 @@ float Radius(unsigned residues) {
 std::vector<TaggedPoint> Walk(std::mt19937 &generator, unsigned points, const Vertex &centre) {
     const float radius = Radius(points);
     std::normal_distribution<float> coordinate(0, 1);
-    VARNO::Vector<float, 3> place(0, 0, 0);
+    Vector<float, 3> place(0, 0, 0);
     std::vector<TaggedPoint> walk;
     while (walk.size() < points) {
-        VARNO::Vector<float, 3> step(coordinate(generator), coordinate(generator), coordinate(generator));
+        Vector<float, 3> step(coordinate(generator), coordinate(generator), coordinate(generator));
         const float scale = 3.8f / std::sqrt(step.SquaredLength());
         for (const unsigned i : {0u, 1u, 2u})
             step[i] *= scale;
@@ -47,22 +49,22 @@ std::vector<TaggedPoint> Walk(std::mt19937 &generator, unsigned points, const Ve
 Case SyntheticCase(unsigned points, bool withSolid) {
     constexpr unsigned edge = 100;
     std::mt19937 generator(1);
-    auto map = std::make_unique<Grid>("map", VARNO::Vector<unsigned, 3>(edge, edge, edge),
-                                      VARNO::Vector<float, 3>(-100, -100, -100),
-                                      VARNO::Vector<float, 3>(2, 2, 2), VARNO::Vector<float, 3>(90, 90, 90));
+    auto map = std::make_unique<Grid>("map", Vector<unsigned, 3>(edge, edge, edge),
+                                      Vector<float, 3>(-100, -100, -100), Vector<float, 3>(2, 2, 2),
+                                      Vector<float, 3>(90, 90, 90));
     std::normal_distribution<float> density(0, 1);
     for (float &value : map->Values())
         value = density(generator);
     Case made;
     {
-        const VARNO::DataAdder<Compound> batch(VARNO::Space::instance());
-        made.map = VARNO::DataMaker::addGrid(VARNO::Space::instance(), std::move(map));
+        const DataAdder<Compound> batch(Space::instance());
+        made.map = DataMaker::addGrid(Space::instance(), std::move(map));
     }
     made.target.points = Walk(generator, points, Vertex(0, 0, 0, false));
     made.target.centre = Vertex(0, 0, 0, false);
     if (withSolid) {
         const float away = 2.2f * Radius(points);
-        Solid solid;
+        fit::Solid solid;
         solid.points = Walk(generator, points, Vertex(away, 0, 0, false));
         solid.low = solid.high = solid.points.front().first;
         for (const auto &[point, tag] : solid.points)
@@ -70,7 +72,7 @@ Case SyntheticCase(unsigned points, bool withSolid) {
                 solid.low[i] = std::min(solid.low[i], point[i]);
                 solid.high[i] = std::max(solid.high[i], point[i]);
             }
-        made.keepOut = BuildKeepOut(solid);
+        made.keepOut = fit::BuildKeepOut(solid);
     }
     return made;
 }
@@ -80,17 +82,17 @@ Case RealCase(const std::string &map, const std::string &structure, const std::s
     Case made;
     made.map = formats::ReadMap(map);
     std::vector<Compound *> chains, others;
-    VARNO::GetPeptides(formats::ReadStructure(structure), chains, true);
+    GetPeptides(formats::ReadStructure(structure), chains, true);
     Compound *chosen = nullptr;
     for (Compound *one : chains)
         if (one->GetName() == chain)
             chosen = one;
         else
-            VARNO::GetResidues(one, others, true);
+            GetResidues(one, others, true);
     if (!chosen)
         throw std::runtime_error(structure + ": no polymer chain '" + chain + "'");
-    made.target = CollectTarget(chosen, {});
+    made.target = fit::CollectTarget(chosen, {});
     if (withSolid)
-        made.keepOut = BuildKeepOut(CollectSolid(others, made.target.centre, everywhere));
+        made.keepOut = fit::BuildKeepOut(fit::CollectSolid(others, made.target.centre, everywhere));
     return made;
 }

@@ -6,9 +6,9 @@
 
 /// A target, a map and perhaps a keep-out grid, to be searched with any settings.
 struct Case {
-    const Grid *map = nullptr;
-    Target target;
-    const Grid *keepOut = nullptr;
+    const VARNO::Grid *map = nullptr;
+    fit::Target target;
+    const VARNO::Grid *keepOut = nullptr;
 };
 
 /// A map of 100 x 100 x 100 voxels of 2 Å filled with noise, the hardest to screen since every part of it is

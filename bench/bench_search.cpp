@@ -21,6 +21,8 @@
 
 #include <malloc.h>
 
+using namespace VARNO;
+
 namespace {
 
 /// Å; one and a half voxels of the synthetic map.
@@ -28,8 +30,8 @@ constexpr double offsetStep = 3;
 /// Points looked up by a search that scores pose by pose, at least: a fifth of a second.
 constexpr double plainLookUps = 5e7;
 
-class Silence : public FitMonitor {
-    void Started(const Preparation &) override {}
+class Silence : public search::FitMonitor {
+    void Started(const fit::Preparation &) override {}
     bool IsCancelled() override { return false; }
     void IdentityDone(std::size_t) override {}
     void AxisDone(std::size_t, std::size_t, double) override {}
@@ -37,45 +39,45 @@ class Silence : public FitMonitor {
     void Finished() override {}
 };
 
-PoseCounts Search(const Preparation &fit, int keep, const SearchOptions &options) {
+search::PoseCounts Search(const fit::Preparation &fit, int keep, const search::SearchOptions &options) {
     Solutions.clear();
     top_size = keep;
     logging = false;
-    PoseCounts counts;
+    search::PoseCounts counts;
     Silence silence;
-    RunSearch(fit, silence, counts, options);
+    search::RunSearch(fit, silence, counts, options);
     return counts;
 }
 
 /// The rotations of a search as users run it: the fewer the translations, the finer the rotations.
-Preparation Prepare(const Case &searched, int offsets) {
-    Preparation fit;
+fit::Preparation Prepare(const Case &searched, int offsets) {
+    fit::Preparation fit;
     fit.map = searched.map;
     fit.keepOut = searched.keepOut;
     fit.target = searched.target;
-    fit.offsets = TranslationOffsets(offsets, offsetStep);
-    fit.axes = RotationAxes(offsets < 11 ? 3 : 2);
+    fit.offsets = fit::TranslationOffsets(offsets, offsetStep);
+    fit.axes = fit::RotationAxes(offsets < 11 ? 3 : 2);
     const double degrees = offsets == 1 ? 1 : offsets == 3 ? 5 : 10;
-    fit.angleStep = degrees * fullTurn / 360;
+    fit.angleStep = degrees * fit::fullTurn / 360;
     return fit;
 }
 
 /// The same with so few rotations that pose by pose takes no longer than needed to measure it.
-Preparation PrepareFew(const Case &searched, int offsets) {
-    Preparation fit = Prepare(searched, offsets);
+fit::Preparation PrepareFew(const Case &searched, int offsets) {
+    fit::Preparation fit = Prepare(searched, offsets);
     const double rotations =
         std::ceil(plainLookUps / (double(fit.offsets.size()) * double(fit.target.points.size())));
-    const double axes = std::ceil(rotations / double(CountAngles(fit.angleStep)));
+    const double axes = std::ceil(rotations / double(fit::CountAngles(fit.angleStep)));
     if (axes < double(fit.axes.size()))
         fit.axes.resize(std::size_t(axes));
     if (axes <= 1)
-        fit.angleStep = fullTurn / (rotations + 0.5);
+        fit.angleStep = fit::fullTurn / (rotations + 0.5);
     return fit;
 }
 
 /// What scoring a pose on its own costs, with nothing around it.
 void MeasureScoring(benchmark::State &state, const Case &searched, int offsets) {
-    const Preparation fit = Prepare(searched, offsets);
+    const fit::Preparation fit = Prepare(searched, offsets);
     const std::vector<TaggedPoint> &points = fit.target.points;
     std::vector<TaggedPoint> moved = points;
     std::vector<double> noDistances;
@@ -84,9 +86,9 @@ void MeasureScoring(benchmark::State &state, const Case &searched, int offsets) 
     rotation.Set(0.5, Vertex(0.6f, 0, 0.8f, false));
     for (auto _ : state)
         for (const Vertex &offset : fit.offsets)
-            benchmark::DoNotOptimize(DoScores(rotation, TranslationAbout(fit.target.centre, rotation, offset),
-                                              fit.map, points, nullptr, {}, moved, noDistances, noLog,
-                                              false));
+            benchmark::DoNotOptimize(
+                DoScores(rotation, search::TranslationAbout(fit.target.centre, rotation, offset), fit.map,
+                         points, nullptr, {}, moved, noDistances, noLog, false));
     const double poses = double(state.iterations()) * double(fit.offsets.size());
     state.counters["poses"] = benchmark::Counter(poses, benchmark::Counter::kIsRate);
     state.counters["point"] = benchmark::Counter(poses * double(points.size()),
@@ -94,8 +96,8 @@ void MeasureScoring(benchmark::State &state, const Case &searched, int offsets) 
 }
 
 void MeasureSearch(benchmark::State &state, const Case &searched, int offsets, int keep, bool poseByPose) {
-    const Preparation fit = poseByPose ? PrepareFew(searched, offsets) : Prepare(searched, offsets);
-    PoseCounts counts;
+    const fit::Preparation fit = poseByPose ? PrepareFew(searched, offsets) : Prepare(searched, offsets);
+    search::PoseCounts counts;
     for (auto _ : state)
         counts = Search(fit, keep, {.poseByPose = poseByPose});
     state.counters["poses"] = benchmark::Counter(double(counts.tried), benchmark::Counter::kIsRate);
@@ -105,8 +107,8 @@ void MeasureSearch(benchmark::State &state, const Case &searched, int offsets, i
 
 /// Searches of a second and more: shorter ones are mostly preparation, and need no threads.
 void MeasureThreads(benchmark::State &state, const Case &searched, int offsets, unsigned threads) {
-    Preparation fit = Prepare(searched, offsets);
-    fit.axes = RotationAxes(3);
+    fit::Preparation fit = Prepare(searched, offsets);
+    fit.axes = fit::RotationAxes(3);
     for (auto _ : state)
         Search(fit, 100, {.threads = threads});
     state.counters["rate"] = benchmark::Counter(double(state.iterations()), benchmark::Counter::kIsRate);
@@ -134,7 +136,7 @@ double StatusOf(const std::string &key) {
 
 /// The peak of what a search takes beside the map and what else stood in memory before.
 void MeasureMemory(benchmark::State &state, const Case &searched, int offsets, unsigned threads) {
-    const Preparation fit = Prepare(searched, offsets);
+    const fit::Preparation fit = Prepare(searched, offsets);
     for (auto _ : state) {
         Solutions.clear();
         malloc_trim(0);

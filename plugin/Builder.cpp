@@ -5,11 +5,9 @@
 #include "Collect.h"
 #include "DataMaker.h"
 
-namespace {
+using namespace VARNO;
 
-using VARNO::Atom;
-using VARNO::DataMaker;
-using VARNO::Residue;
+namespace {
 
 constexpr float copiedBFactor = 100.0f;
 constexpr char bondKind = 'N';
@@ -24,14 +22,14 @@ void CopyAtom(const Atom &atom, const Transform &pose, Compound *residue) {
 Compound *CopyResidue(Residue &residue, const Transform &pose, Compound *molecule) {
     Compound *copy = DataMaker::makeGroup(molecule, residue.GetName(), residue.GetSeqId());
     std::vector<Compound *> atoms;
-    VARNO::GetAtoms(&residue, atoms, true);
+    GetAtoms(&residue, atoms, true);
     for (const Compound *atom : atoms)
         CopyAtom(dynamic_cast<const Atom &>(*atom), pose, copy);
     copy->Complete();
     return copy;
 }
 
-void Bond(const Compound *previous, const Compound *next) {
+void AddBond(const Compound *previous, const Compound *next) {
     Compound *c = previous->FindChild("C"), *n = next->FindChild("N");
     if (c && n)
         DataMaker::makeBond(c, n, bondKind);
@@ -53,7 +51,7 @@ void BuildSolution(const SolutionScore &solution, int number) {
         DataMaker::makeClump("MVX_" + m_Target->GetParent()->GetLabel() + "_" + std::to_string(number));
     Compound *molecule = DataMaker::makeMolecule(clump, m_Target->GetLabel());
     std::vector<Compound *> residues;
-    VARNO::GetResidues(m_Target, residues, true);
+    GetResidues(m_Target, residues, true);
     const Compound *previous = nullptr;
     for (Compound *node : residues) {
         auto *residue = dynamic_cast<Residue *>(node);
@@ -61,7 +59,7 @@ void BuildSolution(const SolutionScore &solution, int number) {
             continue;
         const Compound *copy = CopyResidue(*residue, pose, molecule);
         if (previous)
-            Bond(previous, copy);
+            AddBond(previous, copy);
         previous = copy;
     }
     qDebug("Built solution %d.", number);

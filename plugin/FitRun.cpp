@@ -17,9 +17,9 @@ namespace {
 
 /// Shows a search in a new progress dialog. The host's code that runs while events are processed may delete
 /// the dialog; the search then goes on unseen, as it does when the user closes the window by its frame.
-class ProgressMonitor : public FitMonitor {
+class ProgressMonitor : public search::FitMonitor {
 public:
-    void Started(const Preparation &) override {
+    void Started(const fit::Preparation &) override {
         m_dialog = WhiskyBar = new Progress(nullptr, nullptr, false, {});
         m_dialog->show();
         m_dialog->raise();

@@ -46,7 +46,7 @@ std::list<SolutionScore> LoadResults(const QString &name) {
     QByteArray bytes = file.read(size);
     QBuffer text(&bytes);
     text.open(QIODevice::ReadOnly);
-    ResultsRead read = ReadResults(text);
+    solutions::ResultsRead read = solutions::ReadResults(text);
     TellSkipped(name, read.skippedLines);
     return std::move(read.solutions);
 }
@@ -55,7 +55,7 @@ void SaveResults(const QString &name, const std::list<SolutionScore> &solutions)
     QFile file(name);
     if (name.isNull() || !OpenRegular(file, QIODevice::WriteOnly))
         return;
-    WriteResults(file, solutions);
+    solutions::WriteResults(file, solutions);
     if (!file.flush())
         Warn(name, file.errorString());
 }

@@ -89,7 +89,7 @@ int Run(const Arguments &arguments) {
     const FitInput input = ReadFitInput(options, Warn);
     CheckFitOutputs(options, ModelFiles(options, input.targetFormat));
     SetParameters(options, input);
-    const Survey survey = CheckFit(options, input, Warn);
+    const fit::Survey survey = CheckFit(options, input, Warn);
     SetLog(options);
     record.chain = input.target->GetName();
     if (!options.quiet)

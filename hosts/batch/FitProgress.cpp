@@ -12,12 +12,12 @@ FitProgress::FitProgress(FitRecord &record, bool quiet)
     : m_record(record)
     , m_bar(std::make_unique<cli::ProgressBar>(!quiet)) {}
 
-void FitProgress::Started(const Preparation &fit) {
+void FitProgress::Started(const fit::Preparation &fit) {
     m_record.axes = fit.axes.size();
-    m_record.angles = CountAngles(fit.angleStep);
+    m_record.angles = fit::CountAngles(fit.angleStep);
     m_record.translations = fit.offsets.size();
     m_record.centre = fit.target.centre;
-    m_record.sample = SamplePoses(fit);
+    m_record.sample = search::SamplePoses(fit);
     m_timer.start();
 }
 

@@ -12,7 +12,7 @@ namespace batch {
 
 /// The search's monitor that drives a terminal: shows how far it is, stops it at Ctrl-C or when the log can
 /// no longer be written, and takes down what the report needs.
-class FitProgress : public FitMonitor {
+class FitProgress : public search::FitMonitor {
 public:
     /// What is taken down goes into the record. No bar where `quiet`.
     FitProgress(hosts::FitRecord &record, bool quiet);
@@ -20,7 +20,7 @@ public:
     /// Why the log was lost; empty while it was not.
     const QString &LogError() const { return m_logError; }
 
-    void Started(const Preparation &fit) override;
+    void Started(const fit::Preparation &fit) override;
     bool IsCancelled() override;
     void IdentityDone(std::size_t axes) override;
     void AxisDone(std::size_t done, std::size_t axes, double minutes) override;

@@ -14,6 +14,8 @@
 #include <cmath>
 #include <iostream>
 
+using namespace VARNO;
+
 using namespace hosts;
 
 namespace batch {
@@ -43,7 +45,7 @@ QString Triple(const Vector3 &numbers, const QString &separator, int decimals) {
            base::FixedNumber(numbers[2], 0, decimals);
 }
 
-QString ChainWord(const std::vector<VARNO::Chain *> &chains) {
+QString ChainWord(const std::vector<Chain *> &chains) {
     return (chains.size() == 1 ? "chain " : "chains ") + Text(ChainNames(chains));
 }
 
@@ -60,7 +62,7 @@ void ReportMap(const FitOptions &options, const FitInput &input) {
                       .arg(Triple(map.Origin(), ", ", 2), Text(input.mapReport.originSource)));
 }
 
-void ReportTarget(const FitOptions &options, const FitInput &input, const Target &target) {
+void ReportTarget(const FitOptions &options, const FitInput &input, const fit::Target &target) {
     PrintItem("Target", Text(options.target));
     PrintItem("", QString("chain %1, %2 residues, centre (%3) Å")
                       .arg(Text(ChainNames({input.target})))
@@ -69,9 +71,9 @@ void ReportTarget(const FitOptions &options, const FitInput &input, const Target
 }
 
 /// The chains of a solid file that are no part of the solid.
-QString LeftOut(const SolidFile &solid, const VARNO::Chain *target) {
+QString LeftOut(const SolidFile &solid, const Chain *target) {
     QString text;
-    for (VARNO::Chain *chain : solid.leftOut)
+    for (Chain *chain : solid.leftOut)
         text += (text.isEmpty() ? "" : ", ") + Text(ChainNames({chain})) +
                 (chain == target ? " (the target)" : "");
     if (solid.hasOthers)
@@ -79,7 +81,7 @@ QString LeftOut(const SolidFile &solid, const VARNO::Chain *target) {
     return text;
 }
 
-void ReportSolid(const FitInput &input, const Survey &survey) {
+void ReportSolid(const FitInput &input, const fit::Survey &survey) {
     for (const SolidFile &solid : input.solids) {
         PrintItem("Solid", Text(solid.file));
         PrintItem("", ChainWord(solid.chains));
@@ -93,7 +95,7 @@ void ReportSolid(const FitInput &input, const Survey &survey) {
                           .arg(base::GeneralNumber(double(survey.inclusionDistance))));
 }
 
-void ReportRestraints(const FitOptions &options, const Survey &survey) {
+void ReportRestraints(const FitOptions &options, const fit::Survey &survey) {
     if (!options.restraints)
         return;
     PrintItem("Restraints", Text(*options.restraints));
@@ -106,9 +108,9 @@ QString PoseNumber(double poses) {
     return poses < 1e15 ? Text(base::Grouped(std::uint64_t(poses))) : base::GeneralNumber(poses);
 }
 
-void ReportSearch(const FitOptions &options, const Survey &survey) {
-    const FitCost cost = EstimateCost(survey);
-    const int steps = OddCount(options.translationSteps);
+void ReportSearch(const FitOptions &options, const fit::Survey &survey) {
+    const fit::FitCost cost = fit::EstimateCost(survey);
+    const int steps = fit::OddCount(options.translationSteps);
     PrintItem("Search", QString("%1 axes, turned about in steps of %2°")
                             .arg(base::GeneralNumber(cost.axes), base::GeneralNumber(options.rotationStep)));
     PrintItem("", QString("%1 x %1 x %1 translations in steps of %2 Å")
@@ -118,7 +120,7 @@ void ReportSearch(const FitOptions &options, const Survey &survey) {
     Print("");
 }
 
-double Length(const VARNO::Vector<float, 3> &v) {
+double Length(const Vector<float, 3> &v) {
     return std::sqrt(double(v.SquaredLength()));
 }
 
@@ -132,7 +134,7 @@ double DisplacementOf(const SolutionScore &solution, const Vertex &centre) {
     return Length(Transform(solution.rotation, solution.translation) * centre - centre);
 }
 
-QString AboveMean(double score, const PoseSample &sample) {
+QString AboveMean(double score, const search::PoseSample &sample) {
     return sample.deviation > 0 ? base::FixedNumber((score - sample.mean) / sample.deviation, 0, 2)
                                 : QString("-");
 }
@@ -178,7 +180,7 @@ void PrintSample(const FitRecord &record) {
 
 } // namespace
 
-void ReportInput(const FitOptions &options, const FitInput &input, const Survey &survey) {
+void ReportInput(const FitOptions &options, const FitInput &input, const fit::Survey &survey) {
     ReportMap(options, input);
     ReportTarget(options, input, survey.target);
     ReportSolid(input, survey);

@@ -23,7 +23,7 @@ using formats::FileError;
 constexpr double longestFit = 365.25 * 24 * 3600; ///< seconds
 constexpr double fewPoses = 1e10;                 ///< no target is so large that these take as long
 
-void CheckTarget(const FitOptions &options, const FitInput &input, const Target &target,
+void CheckTarget(const FitOptions &options, const FitInput &input, const fit::Target &target,
                  const WarningSink &warn) {
     const std::string chain = "chain " + ChainNames({input.target});
     if (target.points.empty())
@@ -41,7 +41,7 @@ std::string FirstOf(const std::vector<std::string> &names) {
     return names.size() > shown ? text + " and " + std::to_string(names.size() - shown) + " more" : text;
 }
 
-void CheckRestraints(const FitOptions &options, const Survey &survey, const WarningSink &warn) {
+void CheckRestraints(const FitOptions &options, const fit::Survey &survey, const WarningSink &warn) {
     if (!options.restraints)
         return;
     const std::vector<std::string> unknown = UnknownResidues(survey.records, m_Target);
@@ -52,7 +52,7 @@ void CheckRestraints(const FitOptions &options, const Survey &survey, const Warn
         warn(*options.restraints + ": " + problem);
 }
 
-void CheckSolid(const FitOptions &options, const Survey &survey, const WarningSink &warn) {
+void CheckSolid(const FitOptions &options, const fit::Survey &survey, const WarningSink &warn) {
     if (survey.solid.invalidResidues > 0)
         warn("solid: " + base::Counted(survey.solid.invalidResidues, "residue") +
              " without a position (an atom CA, C4' or P) left out");
@@ -62,9 +62,9 @@ void CheckSolid(const FitOptions &options, const Survey &survey, const WarningSi
 }
 
 /// Why the fit is not to be run, with what it would take; empty when it may.
-std::string Refusal(const Survey &survey, const FitOptions &options) {
-    const FitCost cost = EstimateCost(survey);
-    const QString atAll = RefuseFit(cost, gammaStep, true);
+std::string Refusal(const fit::Survey &survey, const FitOptions &options) {
+    const fit::FitCost cost = fit::EstimateCost(survey);
+    const QString atAll = fit::RefuseFit(cost, gammaStep, true);
     if (!atAll.isEmpty())
         return atAll.toStdString();
     if (options.force || cost.poses < fewPoses)
@@ -73,7 +73,7 @@ std::string Refusal(const Survey &survey, const FitOptions &options) {
     const double pace =
         MeasurePace(survey, {.poseByPose = options.log.has_value(), .threads = unsigned(options.threads)});
     const double seconds = cost.poses / pace;
-    std::string problem = RefuseFit(cost, gammaStep, false).toStdString();
+    std::string problem = fit::RefuseFit(cost, gammaStep, false).toStdString();
     if (problem.empty() && seconds > longestFit)
         problem = "The fit would try " + base::GeneralNumber(cost.poses).toStdString() + " poses.";
     if (problem.empty())
@@ -85,8 +85,8 @@ std::string Refusal(const Survey &survey, const FitOptions &options) {
 
 } // namespace
 
-Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn) {
-    Survey survey = SurveyFit();
+fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn) {
+    fit::Survey survey = fit::SurveyFit();
     CheckTarget(options, input, survey.target, warn);
     CheckRestraints(options, survey, warn);
     CheckSolid(options, survey, warn);

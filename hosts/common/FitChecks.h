@@ -10,6 +10,6 @@ namespace hosts {
 /// be of no use: a target without a residue that has a position, restraints that name none of them, a search
 /// that memory cannot hold or (unless `options.force`) that would take more than a year. `warn` hears of
 /// restraints and of solids without effect.
-Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn);
+fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn);
 
 } // namespace hosts

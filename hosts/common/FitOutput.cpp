@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <functional>
 
+using namespace VARNO;
+
 namespace hosts {
 
 namespace {
@@ -41,7 +43,7 @@ private:
 void WriteResultsFile(const std::string &file, const std::list<SolutionScore> &solutions) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    WriteResults(buffer, solutions);
+    solutions::WriteResults(buffer, solutions);
     formats::ReplaceFile(file, [&](std::ostream &out) { out.write(buffer.data().data(), buffer.size()); });
 }
 
@@ -75,7 +77,7 @@ void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &
 }
 
 Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
-                         const VARNO::Chain *target, formats::StructureFormat format) {
+                         const Chain *target, formats::StructureFormat format) {
     const FitOptions &options = record.options;
     const std::string count = std::to_string(solutions.size()) + " solutions";
     Writer writer;

@@ -10,6 +10,8 @@
 #include <array>
 #include <ostream>
 
+using namespace VARNO;
+
 namespace hosts {
 
 namespace {

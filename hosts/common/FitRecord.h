@@ -25,10 +25,10 @@ struct FitRecord {
     std::string chain; ///< identifier of the chain that was fitted
     std::size_t axes = 0, angles = 0, translations = 0;
     std::size_t axesDone = 0; ///< fewer than `axes` where the fit was stopped
-    Vertex centre;            ///< of the target's start position, Å
-    PoseCounts poses;
+    VARNO::Vertex centre;     ///< of the target's start position, Å
+    search::PoseCounts poses;
     double seconds = 0;
-    PoseSample sample;
+    search::PoseSample sample;
     std::vector<RankedSolution> solutions;
 };
 

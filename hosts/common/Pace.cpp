@@ -7,20 +7,22 @@
 
 #include <algorithm>
 
+using namespace VARNO;
+
 namespace hosts {
 
 namespace {
 
 /// Lets a search run for some time after its identity pass, which also has the search's own preparation in
 /// it.
-class Stopwatch : public FitMonitor {
+class Stopwatch : public search::FitMonitor {
 public:
-    explicit Stopwatch(const PoseCounts &counts)
+    explicit Stopwatch(const search::PoseCounts &counts)
         : m_counts(counts) {}
 
     double Pace() const { return double(m_counts.tried - m_before) / (double(m_nanoseconds) * 1e-9); }
 
-    void Started(const Preparation &) override {}
+    void Started(const fit::Preparation &) override {}
     void IdentityDone(std::size_t) override {
         m_before = m_counts.tried;
         m_timer.start();
@@ -34,7 +36,7 @@ public:
     void Finished() override {}
 
 private:
-    const PoseCounts &m_counts;
+    const search::PoseCounts &m_counts;
     QElapsedTimer m_timer;
     std::uint64_t m_before = 0;
     qint64 m_nanoseconds = 1;
@@ -42,18 +44,18 @@ private:
 
 } // namespace
 
-double MeasurePace(const Survey &survey, const SearchOptions &options) {
+double MeasurePace(const fit::Survey &survey, const search::SearchOptions &options) {
     // Few enough that a single axis does not take long.
     constexpr int mostTranslations = 11;
-    Preparation trial;
+    fit::Preparation trial;
     trial.map = dynamic_cast<const Grid *>(m_Map);
     trial.target = survey.target;
-    trial.axes = RotationAxes(4);
-    trial.offsets = TranslationOffsets(OddCount(std::min(TCount, mostTranslations)), Step);
+    trial.axes = fit::RotationAxes(4);
+    trial.offsets = fit::TranslationOffsets(fit::OddCount(std::min(TCount, mostTranslations)), Step);
     trial.angleStep = Radians(45);
-    PoseCounts counts;
+    search::PoseCounts counts;
     Stopwatch stopwatch(counts);
-    RunSearch(trial, stopwatch, counts, options);
+    search::RunSearch(trial, stopwatch, counts, options);
     Solutions.clear();
     return stopwatch.Pace();
 }

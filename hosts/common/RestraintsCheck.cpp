@@ -12,6 +12,8 @@
 #include <cmath>
 #include <filesystem>
 
+using namespace VARNO;
+
 namespace hosts {
 
 namespace {
@@ -87,16 +89,16 @@ void CheckRestraintsFile(const std::string &file) {
         CheckRecord(file, &words[i], words.size() - i);
 }
 
-std::vector<std::string> UnknownResidues(const std::vector<RestraintRecord> &records, Compound *target) {
+std::vector<std::string> UnknownResidues(const std::vector<fit::RestraintRecord> &records, Compound *target) {
     std::vector<Compound *> nodes;
-    VARNO::GetResidues(target, nodes, true);
+    GetResidues(target, nodes, true);
     QSet<QString> keys;
     for (const Compound *node : nodes)
-        if (const auto *residue = dynamic_cast<const VARNO::Residue *>(node);
+        if (const auto *residue = dynamic_cast<const Residue *>(node);
             residue && residue->GetPosition().IsValid())
-            keys.insert(RestraintKey(*residue));
+            keys.insert(fit::RestraintKey(*residue));
     std::vector<std::string> unknown;
-    for (const RestraintRecord &record : records)
+    for (const fit::RestraintRecord &record : records)
         // White space at the end of the file reads as one more record without a key.
         if (!record.residue.isEmpty() && !keys.contains(record.residue))
             unknown.push_back(record.residue.toStdString());

@@ -13,6 +13,7 @@ namespace hosts {
 void CheckRestraintsFile(const std::string &file);
 
 /// The records' keys that no residue with a position of the target has, in file order.
-std::vector<std::string> UnknownResidues(const std::vector<RestraintRecord> &records, Compound *target);
+std::vector<std::string> UnknownResidues(const std::vector<fit::RestraintRecord> &records,
+                                         VARNO::Compound *target);
 
 } // namespace hosts

@@ -33,7 +33,7 @@ SavedList FromResults(const std::string &file, const std::string &bytes) {
     QByteArray array = QByteArray::fromRawData(bytes.data(), qsizetype(bytes.size()));
     QBuffer buffer(&array);
     buffer.open(QIODevice::ReadOnly);
-    ResultsRead read = ReadResults(buffer);
+    solutions::ResultsRead read = solutions::ReadResults(buffer);
     if (read.solutions.size() == read.doubtful.size())
         throw FileError(file, "", "no line holds the eight numbers of a solution");
     SavedList list{file, {read.solutions.rbegin(), read.solutions.rend()}, true, read.skippedLines, {}};

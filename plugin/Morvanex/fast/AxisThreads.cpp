@@ -4,13 +4,16 @@
 
 #include <system_error>
 
+using namespace VARNO;
+
 namespace fast {
 
-PoseTally ScoreAxis(const Preparation &fit, std::size_t axis, EntryNumber first, CubeScorer &scorer,
+PoseTally ScoreAxis(const fit::Preparation &fit, std::size_t axis, EntryNumber first, CubeScorer &scorer,
                     BestPoses &best, const std::stop_token &stop) {
     PoseTally tally;
     Quaternion rotation;
-    for (double angle = fit.angleStep; angle < fullTurn && !stop.stop_requested(); angle += fit.angleStep) {
+    for (double angle = fit.angleStep; angle < fit::fullTurn && !stop.stop_requested();
+         angle += fit.angleStep) {
         rotation.Set(angle, fit.axes[axis]);
         tally += scorer.Score(rotation, first, best);
         first += fit.offsets.size();
@@ -18,8 +21,8 @@ PoseTally ScoreAxis(const Preparation &fit, std::size_t axis, EntryNumber first,
     return tally;
 }
 
-AxisThreads::AxisThreads(const Preparation &fit, const FastGrids &grids, std::size_t keep, EntryNumber first,
-                         std::uint64_t posesPerAxis, unsigned threads)
+AxisThreads::AxisThreads(const fit::Preparation &fit, const FastGrids &grids, std::size_t keep,
+                         EntryNumber first, std::uint64_t posesPerAxis, unsigned threads)
     : m_fit(fit)
     , m_keep(keep)
     , m_ahead(2 * std::size_t(threads)) // one axis in work for each thread, and one that waits for it

@@ -14,7 +14,7 @@ namespace fast {
 /// Scores every angle about one axis, each at every offset, and adds to `best` what reaches its threshold.
 /// The first pose is entry number `first`. Ends before the next angle, with a tally of no use, once `stop` is
 /// requested.
-PoseTally ScoreAxis(const Preparation &fit, std::size_t axis, EntryNumber first, CubeScorer &scorer,
+PoseTally ScoreAxis(const fit::Preparation &fit, std::size_t axis, EntryNumber first, CubeScorer &scorer,
                     BestPoses &best, const std::stop_token &stop = {});
 
 /// What the scoring of an axis on its own came to.
@@ -33,7 +33,7 @@ public:
     /// The first pose of the first axis is entry number `first`. The references must outlive the object.
     /// Makes do with fewer threads where the machine starts no more; throws std::system_error where it starts
     /// none.
-    AxisThreads(const Preparation &fit, const FastGrids &grids, std::size_t keep, EntryNumber first,
+    AxisThreads(const fit::Preparation &fit, const FastGrids &grids, std::size_t keep, EntryNumber first,
                 std::uint64_t posesPerAxis, unsigned threads);
     ~AxisThreads();
     AxisThreads(const AxisThreads &) = delete;
@@ -48,7 +48,7 @@ private:
     void HandOut();
     void Work(CubeScorer &scorer, const std::stop_token &stop);
 
-    const Preparation &m_fit;
+    const fit::Preparation &m_fit;
     std::size_t m_keep, m_ahead, m_handedOut = 0;
     EntryNumber m_next;
     std::uint64_t m_posesPerAxis;

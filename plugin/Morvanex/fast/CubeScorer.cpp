@@ -9,6 +9,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace VARNO;
+
 namespace fast {
 
 namespace {
@@ -19,7 +21,7 @@ constexpr std::size_t blockRows = 64;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-double StrideInVoxels(const Preparation &fit) {
+double StrideInVoxels(const fit::Preparation &fit) {
     const auto stride = [&fit](const Grid &grid) {
         // A cube of one offset has no stride.
         const double step =
@@ -31,13 +33,13 @@ double StrideInVoxels(const Preparation &fit) {
 
 } // namespace
 
-FastGrids::FastGrids(const Preparation &fit)
+FastGrids::FastGrids(const fit::Preparation &fit)
     : map(*fit.map, fit.target.points.size()) {
     if (fit.keepOut)
         solid.emplace(*fit.keepOut);
 }
 
-CubeScorer::CubeScorer(const Preparation &fit, const FastGrids &grids)
+CubeScorer::CubeScorer(const fit::Preparation &fit, const FastGrids &grids)
     : m_fit(fit)
     , m_grids(grids)
     , m_target(fit)
@@ -223,7 +225,7 @@ void CubeScorer::ScoreOneByOne(const Quaternion &rotation, EntryNumber first, Be
     std::vector<double> noDistances;
     QTextStream noLog;
     for (std::size_t i = 0; i < m_fit.offsets.size(); ++i) {
-        const Vertex translation = TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[i]);
+        const Vertex translation = search::TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[i]);
         const double score = DoScores(rotation, translation, m_fit.map, m_fit.target.points, m_fit.keepOut,
                                       {}, moved, noDistances, noLog, false)
                                  .score;

@@ -9,7 +9,7 @@ namespace fast {
 
 /// The grids of a fit, laid out for the fast search.
 struct FastGrids {
-    explicit FastGrids(const Preparation &fit);
+    explicit FastGrids(const fit::Preparation &fit);
 
     FastMap map;
     std::optional<FastSolid> solid;
@@ -31,11 +31,11 @@ struct PoseTally {
 class CubeScorer {
 public:
     /// Both must outlive it.
-    CubeScorer(const Preparation &fit, const FastGrids &grids);
+    CubeScorer(const fit::Preparation &fit, const FastGrids &grids);
 
     /// Adds to `best` those poses of the rotation that reach its threshold. The pose at the first offset is
     /// entry number `first`, the others follow.
-    PoseTally Score(const Quaternion &rotation, EntryNumber first, BestPoses &best);
+    PoseTally Score(const VARNO::Quaternion &rotation, EntryNumber first, BestPoses &best);
 
 private:
     /// Some x and y offsets, and a unit of z offsets.
@@ -63,9 +63,9 @@ private:
     bool FineLevelsPay(double threshold) const;
     void ListCandidates(const Block &block);
     void ScoreCandidates(EntryNumber first, BestPoses &best);
-    void ScoreOneByOne(const Quaternion &rotation, EntryNumber first, BestPoses &best);
+    void ScoreOneByOne(const VARNO::Quaternion &rotation, EntryNumber first, BestPoses &best);
 
-    const Preparation &m_fit;
+    const fit::Preparation &m_fit;
     const FastGrids &m_grids;
     TurnedTarget m_target;
     OffsetUnits m_units;

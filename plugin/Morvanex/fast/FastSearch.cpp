@@ -10,6 +10,8 @@
 #include <cmath>
 #include <numeric>
 
+using namespace VARNO;
+
 namespace fast {
 
 namespace {
@@ -26,29 +28,29 @@ bool IsTame(const Vertex &v) {
            std::abs(v[2]) <= largestCoordinate;
 }
 
-bool AreTame(const Preparation &fit) {
+bool AreTame(const fit::Preparation &fit) {
     return IsTame(fit.target.centre) && std::ranges::all_of(fit.offsets, IsTame) &&
            std::ranges::all_of(fit.target.points,
                                [](const TaggedPoint &point) { return IsTame(point.first); });
 }
 
 /// Bytes beside the host's own grids.
-double GridBytes(const Preparation &fit) {
+double GridBytes(const fit::Preparation &fit) {
     const double map = double(GridLayout(*fit.map).Size()) * (sizeof(float) + 2);
     return fit.keepOut ? map + double(GridLayout(*fit.keepOut).Size()) : map;
 }
 
-double MayTakeBytes(const Preparation &fit) {
+double MayTakeBytes(const fit::Preparation &fit) {
     return 2.0 * double(fit.map->Values().size_bytes()) + 64.0 * 1024 * 1024;
 }
 
-double PosesPerAxis(const Preparation &fit) {
-    return double(CountAngles(fit.angleStep)) * double(fit.offsets.size());
+double PosesPerAxis(const fit::Preparation &fit) {
+    return double(fit::CountAngles(fit.angleStep)) * double(fit.offsets.size());
 }
 
 /// Bytes that a thread takes at most: its tables and windows, and the entries of the axis in work and of the
 /// one that waits, in vectors that may have grown to twice what they hold.
-double ThreadBytes(const Preparation &fit, std::size_t keep) {
+double ThreadBytes(const fit::Preparation &fit, std::size_t keep) {
     constexpr double tableEntry = 3 * sizeof(std::int32_t), window = 32 + 2 * sizeof(std::int32_t);
     const double side = std::cbrt(double(fit.offsets.size()));
     const double tables = double(Padded(fit.target.points.size())) * side * (tableEntry + window);
@@ -56,17 +58,17 @@ double ThreadBytes(const Preparation &fit, std::size_t keep) {
     return (fit.keepOut ? 2 : 1) * tables + 4 * entries * sizeof(ScoredEntry);
 }
 
-double Rotations(const Preparation &fit) {
-    return 1 + double(fit.axes.size()) * double(CountAngles(fit.angleStep));
+double Rotations(const fit::Preparation &fit) {
+    return 1 + double(fit.axes.size()) * double(fit::CountAngles(fit.angleStep));
 }
 
 /// The rotations by their number in the search's order: the identity, then angle after angle, axis after
 /// axis.
 class RotationWalk {
 public:
-    explicit RotationWalk(const Preparation &fit)
+    explicit RotationWalk(const fit::Preparation &fit)
         : m_fit(fit)
-        , m_angles(CountAngles(fit.angleStep)) {}
+        , m_angles(fit::CountAngles(fit.angleStep)) {}
 
     /// The rotation of that number, which must not be lower than the one before.
     Quaternion At(std::uint64_t number) {
@@ -88,7 +90,7 @@ public:
     }
 
 private:
-    const Preparation &m_fit;
+    const fit::Preparation &m_fit;
     std::uint64_t m_angles, m_axis = 0, m_steps = 0;
     double m_angle = 0;
 };
@@ -107,7 +109,7 @@ void KeepLast(std::vector<EntryNumber> &numbers, std::uint64_t count) {
 
 } // namespace
 
-bool FastSearch::Serves(const Preparation &fit) {
+bool FastSearch::Serves(const fit::Preparation &fit) {
     const std::size_t points = fit.target.points.size();
     if (!fit.map || points == 0 || points > FastMap::mostPoints || fit.offsets.empty() || !AreTame(fit))
         return false;
@@ -122,20 +124,20 @@ bool FastSearch::Serves(const Preparation &fit) {
            std::ranges::all_of(Solutions, [](const SolutionScore &s) { return std::isfinite(s.score); });
 }
 
-unsigned FastSearch::ThreadsWithin(const Preparation &fit, int keep, unsigned threads) {
+unsigned FastSearch::ThreadsWithin(const fit::Preparation &fit, int keep, unsigned threads) {
     const double room = MayTakeBytes(fit) - GridBytes(fit);
     const double fitting = room / ThreadBytes(fit, std::size_t(std::max(keep, 0)));
     return unsigned(std::clamp(fitting, 1.0, double(threads)));
 }
 
-FastSearch::FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts)
+FastSearch::FastSearch(const fit::Preparation &fit, int keep, unsigned threads, search::PoseCounts &counts)
     : m_fit(fit)
     , m_keep(std::size_t(std::max(keep, 0)))
     , m_counts(counts)
     , m_grids(fit)
     , m_scorer(fit, m_grids)
     , m_best(m_keep)
-    , m_angles(CountAngles(fit.angleStep))
+    , m_angles(fit::CountAngles(fit.angleStep))
     , m_earlier(Solutions.size())
     , m_next(m_earlier)
     , m_appended(m_earlier) {
@@ -246,7 +248,7 @@ SolutionScore FastSearch::Solve(const Quaternion &rotation, std::size_t offset) 
     std::vector<TaggedPoint> moved(m_fit.target.points.size());
     std::vector<double> distances(m_fit.target.restraints.size());
     QTextStream noLog;
-    return DoScores(rotation, TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[offset]),
+    return DoScores(rotation, search::TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[offset]),
                     m_fit.map, m_fit.target.points, m_fit.keepOut, m_fit.target.restraints, moved, distances,
                     noLog, false);
 }

@@ -10,18 +10,18 @@ namespace fast {
 
 /// The passes of a search without a log, much faster than pose by pose and with the same results to the last
 /// bit. The pose-by-pose search is the definition; docs/search.md tells how this one works.
-class FastSearch : public SearchPasses {
+class FastSearch : public search::SearchPasses {
 public:
     /// Whether this search can take the place of the pose-by-pose one, and is worth its preparation.
-    static bool Serves(const Preparation &fit);
+    static bool Serves(const fit::Preparation &fit);
 
     /// How many of `threads` may score poses, 1 or more: what they take beside the host's own map stays
     /// within twice that map and 64 MiB.
-    static unsigned ThreadsWithin(const Preparation &fit, int keep, unsigned threads);
+    static unsigned ThreadsWithin(const fit::Preparation &fit, int keep, unsigned threads);
 
     /// Keeps the `keep` best. `counts` is kept up to date from pass to pass; `Solutions` is brought up to
     /// date by `Complete` and `Abandon` alone. More than one thread score the axes beside the caller's.
-    FastSearch(const Preparation &fit, int keep, unsigned threads, PoseCounts &counts);
+    FastSearch(const fit::Preparation &fit, int keep, unsigned threads, search::PoseCounts &counts);
 
     void Identity() override;
     void Axis(std::size_t number) override;
@@ -33,14 +33,14 @@ private:
     std::uint64_t AppendedSinceLastTrim() const;
     bool IsFirstTurnAccepted() const;
     std::vector<EntryNumber> LastAccepted(std::uint64_t count);
-    void KeepLastAccepted(const Quaternion &rotation, std::uint64_t number, std::uint64_t count,
+    void KeepLastAccepted(const VARNO::Quaternion &rotation, std::uint64_t number, std::uint64_t count,
                           std::vector<EntryNumber> &accepted);
-    SolutionScore Solve(const Quaternion &rotation, std::size_t offset) const;
+    SolutionScore Solve(const VARNO::Quaternion &rotation, std::size_t offset) const;
     void List(const std::vector<EntryNumber> &numbers);
 
-    const Preparation &m_fit;
+    const fit::Preparation &m_fit;
     std::size_t m_keep;
-    PoseCounts &m_counts;
+    search::PoseCounts &m_counts;
     FastGrids m_grids;
     CubeScorer m_scorer;
     BestPoses m_best;

@@ -13,11 +13,11 @@ namespace fast {
 /// behind.
 class GridLayout {
 public:
-    explicit GridLayout(const Grid &grid);
+    explicit GridLayout(const VARNO::Grid &grid);
 
     /// Whether the grid's numbers are within what the tables can hold: finite and positive where they have to
     /// be, at most 2^22 voxels along an axis, indices within 31 bits.
-    static bool Holds(const Grid &grid);
+    static bool Holds(const VARNO::Grid &grid);
 
     /// x, y and z.
     const GridAxis &Axis(std::size_t i) const { return m_axes[i]; }
@@ -28,7 +28,7 @@ public:
 
     /// Calls `visit` with each voxel's place in an array and its value.
     template <class Visit>
-    void ForEachVoxel(const Grid &grid, Visit visit) const;
+    void ForEachVoxel(const VARNO::Grid &grid, Visit visit) const;
 
 private:
     GridAxis m_axes[3];
@@ -53,7 +53,7 @@ class FastMap {
 public:
     /// For poses of that many points, at most `mostPoints`: the more points, the coarser the levels, so that
     /// their sum fits into 16 bits.
-    FastMap(const Grid &grid, std::size_t points);
+    FastMap(const VARNO::Grid &grid, std::size_t points);
     static constexpr std::size_t mostPoints = 65535 / 4;
 
     const GridLayout &Layout() const { return m_layout; }
@@ -95,7 +95,7 @@ private:
 /// The keep-out grid for the fast search: level 1 where a point collides, else 0.
 class FastSolid {
 public:
-    explicit FastSolid(const Grid &grid);
+    explicit FastSolid(const VARNO::Grid &grid);
 
     const GridLayout &Layout() const { return m_layout; }
     const std::uint8_t *Levels() const { return m_levels.data() + m_layout.First(); }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace VARNO;
+
 namespace fast {
 
 namespace {
@@ -52,7 +54,7 @@ OffsetUnits CutIntoUnits(std::size_t count, double stride) {
     return cut;
 }
 
-TurnedTarget::TurnedTarget(const Preparation &fit)
+TurnedTarget::TurnedTarget(const fit::Preparation &fit)
     : m_points(fit.target.points.size())
     , m_centre(fit.target.centre)
     , m_offsets(CubeSide(fit.offsets.size())) {
@@ -69,7 +71,7 @@ TurnedTarget::TurnedTarget(const Preparation &fit)
 }
 
 void TurnedTarget::Turn(const Quaternion &rotation) {
-    const VARNO::RotationMatrix matrix(rotation);
+    const RotationMatrix matrix(rotation);
     const auto centring = m_centre - matrix * m_centre;
     for (const unsigned axis : {0u, 1u, 2u})
         for (std::size_t i = 0; i < m_offsets.size(); ++i)

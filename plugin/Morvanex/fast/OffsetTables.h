@@ -23,9 +23,9 @@ OffsetUnits CutIntoUnits(std::size_t count, double stride);
 /// The points of the target, turned, and the translations of one rotation.
 class TurnedTarget {
 public:
-    explicit TurnedTarget(const Preparation &fit);
+    explicit TurnedTarget(const fit::Preparation &fit);
 
-    void Turn(const Quaternion &rotation);
+    void Turn(const VARNO::Quaternion &rotation);
 
     std::size_t Points() const { return m_points; }
     /// Entries of an array with one entry per point.
@@ -39,7 +39,7 @@ public:
 
 private:
     std::size_t m_points;
-    Vertex m_centre;
+    VARNO::Vertex m_centre;
     std::vector<float> m_offsets;
     std::array<std::vector<double>, 3> m_coordinates;
     std::array<std::vector<float>, 3> m_turned, m_translations;

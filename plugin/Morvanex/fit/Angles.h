@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+namespace fit {
+
 /// The sweep about each axis: the angles step, step + step, ... below a full turn, each got by adding the
 /// step to the one before (in double), never as a product. Where the step divides the turn, rounding decides
 /// whether the last sum still lies below it.
@@ -22,3 +24,5 @@ inline std::uint64_t CountAngles(double step) {
         ++count;
     return count;
 }
+
+} // namespace fit

@@ -6,6 +6,8 @@
 #include <limits>
 #include <unordered_set>
 
+using namespace VARNO;
+
 namespace {
 
 constexpr float a = float(0.5257311121191336);
@@ -102,7 +104,7 @@ void Subdivide(const Vertex &u, const Vertex &v, const Vertex &w, int depth, std
     AxisList(axes).Subdivide(u, v, w, depth);
 }
 
-std::vector<Vertex> RotationAxes(int depth) {
+std::vector<Vertex> fit::RotationAxes(int depth) {
     std::vector<Vertex> axes;
     AxisList list(axes);
     for (unsigned i = 0; i < icosahedron.size(); ++i)

@@ -12,6 +12,10 @@
 #include <cmath>
 #include <list>
 
+using namespace VARNO;
+
+namespace fit {
+
 namespace {
 
 /// Bytes that the allocator and a list's links add to a record.
@@ -75,3 +79,5 @@ QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses) 
                  GiB(cost.listBytes), GiB(cost.keepOutBytes), GiB(limit));
     return {};
 }
+
+} // namespace fit

@@ -2,6 +2,8 @@
 
 #include "fit/Preparation.h"
 
+namespace fit {
+
 /// What a fit would take, known before it touches anything. Sums are formed in double: nothing overflows.
 struct FitCost {
     double axes = 0;
@@ -27,3 +29,5 @@ FitCost EstimateCost(const Survey &survey);
 /// `poseLimit` poses (unless `anyNumberOfPoses`), or when it needs more than three quarters of the machine's
 /// memory.
 QString RefuseFit(const FitCost &cost, double angleStep, bool anyNumberOfPoses);
+
+} // namespace fit

@@ -18,8 +18,9 @@
 #include <map>
 #include <sstream>
 
-using VARNO::Residue;
-using VARNO::Space;
+using namespace VARNO;
+
+namespace fit {
 
 namespace {
 
@@ -27,7 +28,7 @@ double Distance(const Vertex &a, const Vertex &b) {
     return std::sqrt(double((a - b).SquaredLength()));
 }
 
-Vertex Mean(const VARNO::Vector<float, 3> &sum, std::size_t count) {
+Vertex Mean(const Vector<float, 3> &sum, std::size_t count) {
     const auto coordinate = [&](unsigned i) { return float(double(sum[i]) / double(count)); };
     return Vertex(coordinate(0), coordinate(1), coordinate(2), false);
 }
@@ -109,8 +110,8 @@ Target CollectTarget(Compound *chain, const std::vector<RestraintRecord> &record
     for (const auto &[key, position] : records)
         preferred[key].push_back(position);
     std::vector<Compound *> nodes;
-    VARNO::GetResidues(chain, nodes, true);
-    VARNO::Vector<float, 3> sum;
+    GetResidues(chain, nodes, true);
+    Vector<float, 3> sum;
     for (const Compound *node : nodes) {
         const auto *residue = dynamic_cast<const Residue *>(node);
         if (!residue)
@@ -170,12 +171,12 @@ KeepOutLayout LayOutKeepOut(const Solid &solid) {
 const Grid *BuildKeepOut(const Solid &solid) {
     if (solid.points.empty())
         return nullptr;
-    const VARNO::DataAdder<Compound> batch(Space::instance());
+    const DataAdder<Compound> batch(Space::instance());
     if (!batch.MayAdd())
         return nullptr;
     const auto [nodes, origin] = LayOutKeepOut(solid);
     constexpr float spacing = KeepOutLayout::spacing;
-    auto *grid = dynamic_cast<Grid *>(VARNO::DataMaker::makeGrid(
+    auto *grid = dynamic_cast<Grid *>(DataMaker::makeGrid(
         Space::instance(), "GridFix", unsigned(nodes[0]), unsigned(nodes[1]), unsigned(nodes[2]), origin[0],
         origin[1], origin[2], spacing, spacing, spacing, 90.0f, 90.0f, 90.0f));
     for (const auto &[position, tag] : solid.points)
@@ -205,7 +206,7 @@ Survey SurveyFit() {
     if (restraints)
         survey.records = ReadRestraints(re_fname);
     survey.target = CollectTarget(m_Target, survey.records);
-    survey.inclusionDistance = VARNO::Config::GetSetting("Morvanex", "Marginal").ToFloat(nullptr);
+    survey.inclusionDistance = Config::GetSetting("Morvanex", "Marginal").ToFloat(nullptr);
     survey.solid = CollectSolid(m_Solid, survey.target.centre, survey.inclusionDistance);
     return survey;
 }
@@ -228,3 +229,5 @@ Preparation PrepareFit(const Survey &survey, const Grid *map) {
     fit.offsets = TranslationOffsets(TCount, Step);
     return fit;
 }
+
+} // namespace fit

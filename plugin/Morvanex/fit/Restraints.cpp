@@ -4,6 +4,10 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+using namespace VARNO;
+
+namespace fit {
+
 std::vector<RestraintRecord> ReadRestraints(const QString &file) {
     std::vector<RestraintRecord> records;
     QFile device(file);
@@ -19,3 +23,5 @@ std::vector<RestraintRecord> ReadRestraints(const QString &file) {
     }
     return records;
 }
+
+} // namespace fit

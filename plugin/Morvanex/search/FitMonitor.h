@@ -3,6 +3,8 @@
 #include "fit/Preparation.h"
 #include "solutions/Solution.h"
 
+namespace search {
+
 /// What a search tells the world, and the one thing it asks: whether to stop. The calls come on the search's
 /// own thread, in this order: Started, then after the identity pass IsCancelled and IdentityDone, then after
 /// each axis IsCancelled and AxisDone, at last Finished; or Cancelled, right after IsCancelled answered true.
@@ -11,7 +13,7 @@ public:
     virtual ~FitMonitor() = default;
 
     /// Everything is prepared and no pose is scored yet. The preparation lives until the search returns.
-    virtual void Started(const Preparation &fit) = 0;
+    virtual void Started(const fit::Preparation &fit) = 0;
     virtual bool IsCancelled() = 0;
     /// The target was scored in its own orientation at every translation.
     virtual void IdentityDone(std::size_t axes) = 0;
@@ -24,3 +26,5 @@ public:
     /// it.
     virtual void LogLost(const QString &reason) { Q_UNUSED(reason); }
 };
+
+} // namespace search

@@ -8,6 +8,10 @@
 
 #include <algorithm>
 
+using namespace VARNO;
+
+namespace search {
+
 namespace {
 
 /// A pose of the search by its place: the angle's index about the axis, counted from 1; the identity is angle
@@ -19,9 +23,9 @@ struct Place {
 };
 
 /// Every pose whose number is a multiple of total / size, rounded down, in the order of their angles.
-std::vector<Place> ChoosePlaces(const Preparation &fit, std::uint64_t size) {
+std::vector<Place> ChoosePlaces(const fit::Preparation &fit, std::uint64_t size) {
     const std::uint64_t offsets = fit.offsets.size();
-    const std::uint64_t angles = CountAngles(fit.angleStep);
+    const std::uint64_t angles = fit::CountAngles(fit.angleStep);
     const std::uint64_t total = offsets * (1 + fit.axes.size() * angles);
     size = std::min(size, total);
     std::vector<Place> places;
@@ -40,7 +44,7 @@ std::vector<Place> ChoosePlaces(const Preparation &fit, std::uint64_t size) {
 }
 
 /// The scores of the poses, in the order of their numbers; a collided pose has -1.0.
-std::vector<double> ScorePlaces(const Preparation &fit, const std::vector<Place> &places) {
+std::vector<double> ScorePlaces(const fit::Preparation &fit, const std::vector<Place> &places) {
     std::vector<double> scores(places.size());
     std::vector<TaggedPoint> moved(fit.target.points.size());
     std::vector<double> noDistances;
@@ -62,9 +66,11 @@ std::vector<double> ScorePlaces(const Preparation &fit, const std::vector<Place>
 
 } // namespace
 
-PoseSample SamplePoses(const Preparation &fit, std::uint64_t size) {
+PoseSample SamplePoses(const fit::Preparation &fit, std::uint64_t size) {
     std::vector<double> scores = ScorePlaces(fit, ChoosePlaces(fit, size));
     std::erase(scores, -1.0);
     const base::Statistics statistics = base::StatisticsOf(scores);
     return {statistics.count, statistics.mean, statistics.SampleDeviation()};
 }
+
+} // namespace search

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace VARNO;
+
 namespace {
 
 /// Sums `term` of the values at the voxels nearest to the points, as a double, in the order of the points.
@@ -17,9 +19,9 @@ double Sum(const std::vector<TaggedPoint> &points, const Grid &grid, Term term) 
     const auto &spacing = grid.Spacing();
     double sum = 0;
     for (const auto &[p, tag] : points) {
-        const unsigned i = NearestVoxel(p[0], origin[0], spacing[0], count[0]);
-        const unsigned j = NearestVoxel(p[1], origin[1], spacing[1], count[1]);
-        const unsigned k = NearestVoxel(p[2], origin[2], spacing[2], count[2]);
+        const unsigned i = search::NearestVoxel(p[0], origin[0], spacing[0], count[0]);
+        const unsigned j = search::NearestVoxel(p[1], origin[1], spacing[1], count[1]);
+        const unsigned k = search::NearestVoxel(p[2], origin[2], spacing[2], count[2]);
         if (i < count[0] && j < count[1] && k < count[2])
             sum += term(grid.GetValue(i, j, k));
     }

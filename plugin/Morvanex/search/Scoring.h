@@ -12,24 +12,17 @@ class QTextStream;
 
 /// Density score: the sum in double, from the first point to the last, of the map's values at the voxels
 /// nearest to the points. A point outside the map counts nothing. See `NearestVoxel` for where the map ends.
-double Score(const std::vector<TaggedPoint> &points, const Grid *map);
+double Score(const std::vector<TaggedPoint> &points, const VARNO::Grid *map);
 
 /// Collision measure: the sum in double of the solid's values greater than 2.0 at the voxels nearest to the
 /// points. With a keep-out grid, whose nodes hold 6.0 minus the distance to the nearest solid point, a node
 /// counts that lies closer than 4.0 Å to a solid point.
-double Collision(const std::vector<TaggedPoint> &points, const Grid *solid);
+double Collision(const std::vector<TaggedPoint> &points, const VARNO::Grid *solid);
 
 /// Restraint distances under a pose: Scores[i] becomes |A - pose·B| in Å for the i-th pair (A, B). `Scores`
 /// is not resized; each pair beyond its end is reported as a broken assertion and skipped.
-void Score(const std::vector<RestraintPair> &restraints, const Transform &pose, std::vector<double> &Scores);
-
-/// The translation that follows a rotation so that `centre` comes back to its place and then moves by
-/// `offset`: (centre - rotation·centre) + offset, in float and in this order.
-inline Vertex TranslationAbout(const Vertex &centre, const Quaternion &rotation, const Vertex &offset) {
-    Vertex translation;
-    translation = (centre - rotation * centre) + offset;
-    return translation;
-}
+void Score(const std::vector<RestraintPair> &restraints, const VARNO::Transform &pose,
+           std::vector<double> &Scores);
 
 /// Scores one pose. It is rejected when the moved points collide with the solid (measure 0.01 or more): the
 /// result then is a default record with score -1.0. Otherwise the result holds the pose, its density score
@@ -38,26 +31,38 @@ inline Vertex TranslationAbout(const Vertex &centre, const Quaternion &rotation,
 /// `map` may be null (score 0), so may `solid` (no collision test). `moved` and `extraScores` are the
 /// caller's scratch arrays, overwritten and never resized: at least as many elements as points, exactly one
 /// per restraint.
-SolutionScore DoScores(const Quaternion &rotation, const Vertex &translation, const Grid *map,
-                       const std::vector<TaggedPoint> &points, const Grid *solid,
-                       const std::vector<RestraintPair> &restraints, std::vector<TaggedPoint> &moved,
-                       std::vector<double> &extraScores, QTextStream &log, bool logging);
+SolutionScore DoScores(const VARNO::Quaternion &rotation, const VARNO::Vertex &translation,
+                       const VARNO::Grid *map, const std::vector<TaggedPoint> &points,
+                       const VARNO::Grid *solid, const std::vector<RestraintPair> &restraints,
+                       std::vector<TaggedPoint> &moved, std::vector<double> &extraScores, QTextStream &log,
+                       bool logging);
 
 /// Moves tagged points by a pose, which must outlive it.
 class ApplyRT {
 public:
-    explicit ApplyRT(const Transform &pose)
+    explicit ApplyRT(const VARNO::Transform &pose)
         : m_pose(pose) {}
     /// The vertex is made from its numbers: copying one whose bytes have just been stored apart takes three
     /// times as long as moving it.
     TaggedPoint operator()(const TaggedPoint &point) const {
-        const Vertex moved = m_pose * point.first;
-        return {Vertex(moved[0], moved[1], moved[2], moved.IsValid()), point.second};
+        const VARNO::Vertex moved = m_pose * point.first;
+        return {VARNO::Vertex(moved[0], moved[1], moved[2], moved.IsValid()), point.second};
     }
 
 private:
-    const Transform &m_pose;
+    const VARNO::Transform &m_pose;
 };
+
+namespace search {
+
+/// The translation that follows a rotation so that `centre` comes back to its place and then moves by
+/// `offset`: (centre - rotation·centre) + offset, in float and in this order.
+inline VARNO::Vertex TranslationAbout(const VARNO::Vertex &centre, const VARNO::Quaternion &rotation,
+                                      const VARNO::Vertex &offset) {
+    VARNO::Vertex translation;
+    translation = (centre - rotation * centre) + offset;
+    return translation;
+}
 
 /// The index along one axis of the voxel nearest to a coordinate, or a number >= `count` when the coordinate
 /// lies outside the grid.
@@ -69,3 +74,5 @@ inline unsigned NearestVoxel(float p, float origin, float spacing, unsigned coun
     const double q = double((p - origin) / spacing) + 0.5;
     return q > -1.0 && q < double(count) ? unsigned(std::int64_t(q)) : count;
 }
+
+} // namespace search

@@ -12,6 +12,10 @@
 
 #include <QElapsedTimer>
 
+using namespace VARNO;
+
+namespace search {
+
 namespace {
 
 bool HasLeftModel(const Compound *node) {
@@ -21,7 +25,7 @@ bool HasLeftModel(const Compound *node) {
 /// The search as it is defined: pose after pose, each scored on its own.
 class PoseByPose : public SearchPasses {
 public:
-    PoseByPose(const Preparation &fit, FitLog &log, PoseCounts &counts)
+    PoseByPose(const fit::Preparation &fit, solutions::FitLog &log, PoseCounts &counts)
         : m_fit(fit)
         , m_log(log)
         , m_counts(counts)
@@ -35,11 +39,11 @@ public:
     }
 
     void Axis(std::size_t number) override {
-        for (double angle = m_fit.angleStep; angle < fullTurn; angle += m_fit.angleStep) {
+        for (double angle = m_fit.angleStep; angle < fit::fullTurn; angle += m_fit.angleStep) {
             Turn(angle, m_fit.axes[number]);
             for (const Vertex &offset : m_fit.offsets) {
                 Evaluate(offset);
-                if (NeedsWeeding(Solutions, top_size))
+                if (solutions::NeedsWeeding(Solutions, top_size))
                     weed(Solutions, top_size);
             }
         }
@@ -70,8 +74,8 @@ private:
         Solutions.push_back(std::move(solution));
     }
 
-    const Preparation &m_fit;
-    FitLog &m_log;
+    const fit::Preparation &m_fit;
+    solutions::FitLog &m_log;
     PoseCounts &m_counts;
     Quaternion m_rotation;
     Vertex m_centring; ///< the translation that brings the turned target's centre back to its place
@@ -82,7 +86,7 @@ private:
 /// One search over all poses of a prepared fit.
 class Search {
 public:
-    Search(const Preparation &fit, FitMonitor &monitor, PoseCounts &counts, const SearchOptions &options)
+    Search(const fit::Preparation &fit, FitMonitor &monitor, PoseCounts &counts, const SearchOptions &options)
         : m_fit(fit)
         , m_monitor(monitor) {
         m_timer.start();
@@ -130,9 +134,9 @@ private:
         return spent / double(done) * double(m_fit.axes.size() - done);
     }
 
-    const Preparation &m_fit;
+    const fit::Preparation &m_fit;
     FitMonitor &m_monitor;
-    FitLog m_log;
+    solutions::FitLog m_log;
     std::unique_ptr<SearchPasses> m_passes;
     QElapsedTimer m_timer;
     qint64 m_startReading = 0;
@@ -142,7 +146,7 @@ private:
 
 bool RunFit(FitMonitor &monitor, PoseCounts *counts, const SearchOptions &options) {
     qDebug("Fit!");
-    const VARNO::RemovalHold hold;
+    const RemovalHold hold;
     const auto *map = dynamic_cast<const Grid *>(m_Map);
     if (!m_Target)
         return false;
@@ -151,18 +155,20 @@ bool RunFit(FitMonitor &monitor, PoseCounts *counts, const SearchOptions &option
             qWarning("The %s is no longer in the model; the fit does not start.", what);
             return false;
         }
-    const Survey survey = SurveyFit();
-    const QString refusal = RefuseFit(EstimateCost(survey), gammaStep, options.anyNumberOfPoses);
+    const fit::Survey survey = fit::SurveyFit();
+    const QString refusal = fit::RefuseFit(fit::EstimateCost(survey), gammaStep, options.anyNumberOfPoses);
     if (!refusal.isEmpty()) {
         qWarning("%s", qPrintable(refusal));
         return false;
     }
-    const Preparation fit = PrepareFit(survey, map);
+    const fit::Preparation fit = fit::PrepareFit(survey, map);
     PoseCounts own;
     return RunSearch(fit, monitor, counts ? *counts : own, options);
 }
 
-bool RunSearch(const Preparation &fit, FitMonitor &monitor, PoseCounts &counts,
+bool RunSearch(const fit::Preparation &fit, FitMonitor &monitor, PoseCounts &counts,
                const SearchOptions &options) {
     return Search(fit, monitor, counts, options).Run();
 }
+
+} // namespace search

@@ -2,6 +2,8 @@
 
 #include "search/FitMonitor.h"
 
+namespace search {
+
 /// How many poses a search tried, and how many of them were accepted.
 struct PoseCounts {
     std::uint64_t tried = 0;
@@ -29,5 +31,7 @@ struct SearchOptions {
 bool RunFit(FitMonitor &monitor, PoseCounts *counts = nullptr, const SearchOptions &options = {});
 
 /// The search alone, on what has been prepared: everything above that comes after the preparation.
-bool RunSearch(const Preparation &fit, FitMonitor &monitor, PoseCounts &counts,
+bool RunSearch(const fit::Preparation &fit, FitMonitor &monitor, PoseCounts &counts,
                const SearchOptions &options = {});
+
+} // namespace search

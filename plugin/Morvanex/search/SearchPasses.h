@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 
+namespace search {
+
 struct PoseCounts;
 
 /// How the poses of a search are scored and `Solutions` is kept. The calls come in this order: the identity,
@@ -23,3 +25,5 @@ public:
     /// behind them what was found since.
     virtual void Abandon() = 0;
 };
+
+} // namespace search

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+namespace solutions {
+
 void FitLog::Open(const QString &file, bool logging) {
     // Opening a pipe that nobody reads would wait for ever.
     std::error_code error;
@@ -21,3 +23,5 @@ bool FitLog::Flush() {
     m_writing = m_stream.status() == QTextStream::Ok && m_file.flush();
     return m_writing;
 }
+
+} // namespace solutions

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QTextStream>
 
+namespace solutions {
+
 /// The log of accepted poses. Its file is emptied by every fit, whether anything is logged or not. A file
 /// that cannot be opened is not reported: the lines are lost.
 class FitLog {
@@ -22,3 +24,5 @@ private:
     QTextStream m_stream;
     bool m_writing = false;
 };
+
+} // namespace solutions

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace solutions {
+
 namespace {
 
 constexpr std::size_t wordsOfARecord = 8;
@@ -46,3 +48,5 @@ ResultsRead ReadResults(QIODevice &device) {
     }
     return read;
 }
+
+} // namespace solutions

@@ -6,6 +6,8 @@
 
 class QIODevice;
 
+namespace solutions {
+
 /// The results file: the comment line, then one line per solution in the order of the list.
 
 /// Writes the list to an open device.
@@ -23,3 +25,5 @@ struct ResultsRead {
 /// Reads every line that does not begin with '#' and has at least eight words. A device that is not open
 /// holds nothing.
 ResultsRead ReadResults(QIODevice &device);
+
+} // namespace solutions

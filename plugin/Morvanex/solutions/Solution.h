@@ -13,8 +13,8 @@
 /// translation's x, y, z in Å (two decimals), the score (three decimals) and n extra scores (two decimals).
 /// The same line stands in results files and in the log.
 struct SolutionScore {
-    Quaternion rotation;
-    Vertex translation;              ///< applied after the rotation, Å
+    VARNO::Quaternion rotation;
+    VARNO::Vertex translation;       ///< applied after the rotation, Å
     double score = -1.0;             ///< sum of the density; -1.0 marks a pose rejected for collision
     std::vector<double> extraScores; ///< one distance per restraint, Å
 

@@ -21,6 +21,6 @@ void weed(std::list<SolutionScore> &list, int size) {
     list.erase(list.begin(), std::prev(list.end(), std::ptrdiff_t(kept)));
 }
 
-bool NeedsWeeding(const std::list<SolutionScore> &list, int size) {
+bool solutions::NeedsWeeding(const std::list<SolutionScore> &list, int size) {
     return list.size() > 2 * Kept(size);
 }

@@ -7,6 +7,10 @@
 /// and that is said on the debug channel. A negative size counts as 0.
 void weed(std::list<SolutionScore> &list, int size);
 
+namespace solutions {
+
 /// Whether the list has grown past twice the number to keep and is due for a trim. A negative number counts
 /// as 0.
 bool NeedsWeeding(const std::list<SolutionScore> &list, int size);
+
+} // namespace solutions

@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace VARNO;
+
 using namespace hosts;
 using nlohmann::json;
 
@@ -75,9 +77,8 @@ public:
     explicit Case(const std::string &name)
         : m_entry(ReadCase(name)) {
         const std::string file = Data(m_entry["target"]["file"]);
-        VARNO::GetResidues(
-            ChooseChain(file, formats::ReadStructure(file), std::string(m_entry["target"]["chain"])),
-            m_residues, true);
+        GetResidues(ChooseChain(file, formats::ReadStructure(file), std::string(m_entry["target"]["chain"])),
+                    m_residues, true);
         m_truths.push_back(TransformOf(m_entry["truth"]["transform"]));
         for (const json &numbers : m_entry["symmetric_truths"])
             m_truths.push_back(TransformOf(numbers));
@@ -98,7 +99,7 @@ public:
     double Rmsd(const SolutionScore &solution, const Transform &truth) const {
         const Transform pose(solution.rotation, solution.translation);
         double squares = 0;
-        for (const VARNO::Compound *residue : m_residues)
+        for (const Compound *residue : m_residues)
             squares += (pose * residue->GetPosition() - truth * residue->GetPosition()).SquaredLength();
         return std::sqrt(squares / double(m_residues.size()));
     }
@@ -129,7 +130,7 @@ public:
 private:
     ModelGuard m_guard;
     json m_entry;
-    std::vector<VARNO::Compound *> m_residues;
+    std::vector<Compound *> m_residues;
     std::vector<Transform> m_truths;
 };
 

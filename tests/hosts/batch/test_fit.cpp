@@ -20,6 +20,8 @@
 #include <fstream>
 #include <sstream>
 
+using namespace VARNO;
+
 using namespace hosts;
 using testing::ContainsRegex;
 using testing::HasSubstr;
@@ -49,8 +51,8 @@ std::vector<SolutionScore> Saved(const std::string &file) {
 }
 
 /// A monitor that lets the search run.
-class Nobody : public FitMonitor {
-    void Started(const Preparation &) override {}
+class Nobody : public search::FitMonitor {
+    void Started(const fit::Preparation &) override {}
     bool IsCancelled() override { return false; }
     void IdentityDone(std::size_t) override {}
     void AxisDone(std::size_t, std::size_t, double) override {}
@@ -65,7 +67,7 @@ std::string EngineResults(const std::string &map, const std::string &model, cons
     const auto *clump = formats::ReadStructure(model);
     m_Target = ChooseChain(model, clump, "A");
     m_Solid.clear();
-    VARNO::GetResidues(ChooseChain(model, clump, "B"), m_Solid, true);
+    GetResidues(ChooseChain(model, clump, "B"), m_Solid, true);
     m_Map = formats::ReadMap(map);
     Axis = 0;
     gammaStep = Radians(30);
@@ -77,10 +79,10 @@ std::string EngineResults(const std::string &map, const std::string &model, cons
     restraints = false;
     Solutions.clear();
     Nobody nobody;
-    ::RunFit(nobody);
+    search::RunFit(nobody);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    WriteResults(buffer, Solutions);
+    solutions::WriteResults(buffer, Solutions);
     Solutions.clear();
     return buffer.data().toStdString();
 }
@@ -156,9 +158,9 @@ TEST_F(Fit, SavesSettingsAndCounts) {
 TEST_F(Fit, MovesTheWholeTargetByThePose) {
     EXPECT_EQ(RunFit({"--json", File("j"), "--models", "2", "--model-prefix", File("m-")}).status, 0);
     const ModelGuard guard;
-    std::vector<VARNO::Compound *> start, model;
-    VARNO::GetAtoms(ChooseChain("", formats::ReadStructure(File("model.pdb")), "A"), start, true);
-    VARNO::GetAtoms(formats::ReadStructure(File("m-2.pdb")), model, true);
+    std::vector<Compound *> start, model;
+    GetAtoms(ChooseChain("", formats::ReadStructure(File("model.pdb")), "A"), start, true);
+    GetAtoms(formats::ReadStructure(File("m-2.pdb")), model, true);
     const SolutionScore second = Saved(File("j"))[1];
     const Transform pose(second.rotation, second.translation);
     ASSERT_EQ(model.size(), start.size());

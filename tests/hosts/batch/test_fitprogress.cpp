@@ -4,14 +4,16 @@
 
 #include <gtest/gtest.h>
 
+using namespace VARNO;
+
 using namespace batch;
 using namespace cli;
 using namespace hosts;
 
 namespace {
 
-Preparation OnePoint() {
-    Preparation fit;
+fit::Preparation OnePoint() {
+    fit::Preparation fit;
     fit.target.points = {{Vertex(1, 2, 3, true), 'A'}};
     fit.target.centre = Vertex(1, 2, 3, false);
     fit.axes = {Vertex(1, 0, 0, false), Vertex(0, 1, 0, false)};

@@ -83,7 +83,7 @@ TEST(UnknownResidues, AreThoseThatNoResidueWithAPositionMatches) {
     };
     add("1", "CA");
     add("2", "CB");
-    const std::vector<RestraintRecord> records{{"ALA1", {}}, {"ALA2", {}}, {"ala1", {}},
-                                               {"GLY9", {}}, {"ALA1", {}}, {"", {}}};
+    const std::vector<fit::RestraintRecord> records{{"ALA1", {}}, {"ALA2", {}}, {"ala1", {}},
+                                                    {"GLY9", {}}, {"ALA1", {}}, {"", {}}};
     EXPECT_THAT(UnknownResidues(records, chain), ElementsAre("ALA2", "ala1", "GLY9"));
 }

@@ -14,6 +14,8 @@
 #include <random>
 #include <sstream>
 
+using namespace VARNO;
+
 using namespace hosts;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -14,8 +14,7 @@
 
 #include <cstdio>
 
-using VARNO::DataMaker;
-using VARNO::Space;
+using namespace VARNO;
 
 namespace {
 
@@ -61,7 +60,7 @@ void ResetEngine() {
 void SetMarginal(const TemporaryFolder &folder, const std::string &text) {
     static int files = 0; // the toolkit keeps a settings file that it has read in memory
     const std::string name = "settings" + std::to_string(++files) + ".ini";
-    VARNO::Config::SetUserFile(folder.Write(name, "[Morvanex]\nMarginal=" + text + "\n"));
+    Config::SetUserFile(folder.Write(name, "[Morvanex]\nMarginal=" + text + "\n"));
 }
 
 Compound *AddChain(const std::vector<PlainResidue> &residues) {
@@ -84,7 +83,7 @@ std::vector<PlainResidue> ResiduesAt(const std::vector<Point> &positions) {
 
 std::vector<Compound *> ResiduesOf(Compound *node) {
     std::vector<Compound *> residues;
-    VARNO::GetResidues(node, residues, true);
+    GetResidues(node, residues, true);
     return residues;
 }
 
@@ -103,7 +102,7 @@ PlainMap ConstantMap(std::array<unsigned, 3> size, float value) {
 
 const Grid *FindGrid(const std::string &name) {
     std::vector<Compound *> grids;
-    VARNO::GetItems<Grid>(Space::instance(), grids, true, nullptr, true);
+    GetItems<Grid>(Space::instance(), grids, true, nullptr, true);
     for (const Compound *grid : grids)
         if (grid->GetName() == name)
             return dynamic_cast<const Grid *>(grid);
@@ -140,7 +139,7 @@ FitOutcome EngineFit(const FitInput &input) {
     outcome.translationCount = TCount;
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    WriteResults(buffer, Solutions);
+    solutions::WriteResults(buffer, Solutions);
     outcome.results = buffer.data().toStdString();
     outcome.log = ReadFile(folder.File("poses.log"));
     outcome.list = FullPrecision(PlainSolutions());
@@ -169,7 +168,7 @@ std::vector<PlainRecord> PlainSolutions() {
     return records;
 }
 
-void RecordingMonitor::Started(const Preparation &prepared) {
+void RecordingMonitor::Started(const fit::Preparation &prepared) {
     calls.push_back("Started");
     fit = prepared;
     if (whenStarting)

@@ -21,16 +21,16 @@ void ResetEngine();
 void SetMarginal(const TemporaryFolder &folder, const std::string &text);
 
 /// Adds clump, molecule and chain with these residues, each with one atom "CA" where it has a position.
-Compound *AddChain(const std::vector<PlainResidue> &residues);
+VARNO::Compound *AddChain(const std::vector<PlainResidue> &residues);
 /// Residues GLY1, GLY2 ... at these positions.
 std::vector<PlainResidue> ResiduesAt(const std::vector<Point> &positions);
 /// The residues below a node.
-std::vector<Compound *> ResiduesOf(Compound *node);
-Grid *AddMap(const PlainMap &map);
+std::vector<VARNO::Compound *> ResiduesOf(VARNO::Compound *node);
+VARNO::Grid *AddMap(const PlainMap &map);
 /// A map of one value everywhere, the voxel (0, 0, 0) at the frame's origin.
 PlainMap ConstantMap(std::array<unsigned, 3> size, float value);
 /// The grid of that name below the root, or null.
-const Grid *FindGrid(const std::string &name);
+const VARNO::Grid *FindGrid(const std::string &name);
 
 /// Adds what the input describes to the model and makes it the engine's parameters and `Solutions`; the
 /// restraints file, the log and the settings file go to the folder.
@@ -46,12 +46,12 @@ std::string TextOfFits(unsigned seeds);
 std::vector<PlainRecord> PlainSolutions();
 
 /// Writes down every call; answers that the search is cancelled when asked for the given time (from 0).
-class RecordingMonitor : public FitMonitor {
+class RecordingMonitor : public search::FitMonitor {
 public:
     explicit RecordingMonitor(std::optional<std::size_t> cancelAt = {})
         : m_cancelAt(cancelAt) {}
 
-    void Started(const Preparation &fit) override;
+    void Started(const fit::Preparation &fit) override;
     bool IsCancelled() override;
     void IdentityDone(std::size_t axes) override;
     void AxisDone(std::size_t done, std::size_t axes, double minutes) override;
@@ -61,7 +61,7 @@ public:
 
     std::vector<std::string> calls;
     std::vector<double> minutes;
-    Preparation fit;                    ///< as it was when the search started
+    fit::Preparation fit;               ///< as it was when the search started
     std::function<void()> duringFit;    ///< called whenever the search asks whether to stop
     std::function<void()> whenStarting; ///< called when everything is prepared
 

@@ -9,6 +9,8 @@
 
 #include <cmath>
 
+using namespace VARNO;
+
 using nlohmann::json;
 
 namespace {
@@ -73,7 +75,7 @@ void RealCase::Load(const TemporaryFolder &folder, const std::string &structure)
     m_Map = formats::ReadMap(data + m_case.at("map").get<std::string>());
     if (!solid.is_null())
         for (const json &chain : solid.at("chains"))
-            VARNO::GetResidues(FindChain(model, chain), m_Solid, true);
+            GetResidues(FindChain(model, chain), m_Solid, true);
     restraints = !m_case.at("restraints").is_null();
     if (restraints)
         re_fname = QString::fromStdString(data + m_case.at("restraints").get<std::string>());
@@ -134,7 +136,7 @@ std::vector<std::string> CaseNames() {
 
 Compound *FindChain(Compound *node, const std::string &identifier) {
     std::vector<Compound *> chains;
-    VARNO::GetPeptides(node, chains, true);
+    GetPeptides(node, chains, true);
     for (Compound *chain : chains)
         if (chain->GetName() == identifier)
             return chain;

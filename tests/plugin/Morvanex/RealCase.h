@@ -12,7 +12,7 @@ struct Motion {
     std::array<double, 3> translation; ///< Å
 };
 
-std::array<double, 3> Apply(const Motion &motion, const Vertex &p);
+std::array<double, 3> Apply(const Motion &motion, const VARNO::Vertex &p);
 
 /// Root mean square distance in Å of the points moved by one motion and by the other.
 double Rmsd(const Motion &a, const Motion &b, const std::vector<TaggedPoint> &points);
@@ -35,7 +35,7 @@ public:
     void Load(const TemporaryFolder &folder, const std::string &structure = {});
     /// Makes these settings ("settings", "settings_quick") the engine's parameters.
     void Set(const TemporaryFolder &folder, const std::string &settings);
-    Transform Truth() const;
+    VARNO::Transform Truth() const;
     Verdict Judge(const std::list<SolutionScore> &solutions, const std::vector<TaggedPoint> &points) const;
 
 private:
@@ -46,4 +46,4 @@ private:
 std::vector<std::string> CaseNames();
 
 /// The polymer chain of that identifier below the node.
-Compound *FindChain(Compound *node, const std::string &identifier);
+VARNO::Compound *FindChain(VARNO::Compound *node, const std::string &identifier);

@@ -24,7 +24,7 @@ namespace {
 std::string ResultsText() {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    WriteResults(buffer, Solutions);
+    solutions::WriteResults(buffer, Solutions);
     return buffer.data().toStdString();
 }
 
@@ -42,7 +42,7 @@ protected:
 class EveryRealFit : public RealFits, public testing::WithParamInterface<std::string> {};
 
 Verdict RealFits::Fit(const RealCase &real, const std::string &settings, const std::string &checkSearch) {
-    PoseCounts counts;
+    search::PoseCounts counts;
     QElapsedTimer timer;
     timer.start();
     EXPECT_TRUE(RunFit(monitor, &counts));

@@ -5,6 +5,8 @@
 #include <limits>
 #include <random>
 
+using namespace VARNO;
+
 namespace {
 
 /// Random numbers that are the same with every standard library.
@@ -86,9 +88,9 @@ std::unique_ptr<Grid> MakeGrid(Dice &dice, unsigned largest, float spacing, doub
             one = float(dice.Uniform(0.4, 4));
     for (unsigned i = 0; i < 3; ++i)
         o[i] = float(place - 0.5 * n[i] * s[i] + (dice.Chance(0.5) ? 0 : dice.Uniform(-5, 5)));
-    return std::make_unique<Grid>(
-        "grid", VARNO::Vector<unsigned, 3>(n[0], n[1], n[2]), VARNO::Vector<float, 3>(o[0], o[1], o[2]),
-        VARNO::Vector<float, 3>(s[0], s[1], s[2]), VARNO::Vector<float, 3>(90, 90, 90));
+    return std::make_unique<Grid>("grid", Vector<unsigned, 3>(n[0], n[1], n[2]),
+                                  Vector<float, 3>(o[0], o[1], o[2]), Vector<float, 3>(s[0], s[1], s[2]),
+                                  Vector<float, 3>(90, 90, 90));
 }
 
 std::unique_ptr<Grid> MakeMap(Dice &dice, double place) {
@@ -140,8 +142,8 @@ int CubeSide(Dice &dice) {
     return dice.OneOf({1, 1, 3, 3, 5, 5, 7, 9, 11, 11, 13});
 }
 
-Target MakeTarget(Dice &dice, double offsets, double place) {
-    Target target;
+fit::Target MakeTarget(Dice &dice, double offsets, double place) {
+    fit::Target target;
     const unsigned count = PointCount(dice, offsets);
     const double size = dice.OneOf({0.0, 1.0, 5.0, 5.0, 12.0, 30.0});
     // Mostly in the map; now and then so far away that the rounding of a coordinate is felt, or beyond
@@ -149,7 +151,7 @@ Target MakeTarget(Dice &dice, double offsets, double place) {
     const double far = dice.Chance(0.9) ? 0 : dice.OneOf({20.0, 1e4, 1e7, 1e18, 1e38});
     Vertex shift;
     shift = RandomVertex(dice, far == 0 ? 2 : far) + Vertex(float(place), float(place), float(place), false);
-    VARNO::Vector<float, 3> sum;
+    Vector<float, 3> sum;
     for (unsigned i = 0; i < count; ++i) {
         const Vertex position = RandomVertex(dice, size);
         Vertex moved;
@@ -185,7 +187,7 @@ RandomSearch::RandomSearch(unsigned seed) {
     const int side = CubeSide(dice);
     const double step = dice.OneOf({0.0, 1e-4, 0.3, 1.0, 1.0, 2.0, 2.0, 3.0, 3.0, 5.0, 20.0, 1e6, -1.5, -4.0,
                                     dice.Chance(0.1) ? std::numeric_limits<double>::infinity() : 2.5});
-    fit.offsets = TranslationOffsets(side, step);
+    fit.offsets = fit::TranslationOffsets(side, step);
     fit.target = MakeTarget(dice, double(fit.offsets.size()), place);
     const double poses = double(fit.offsets.size()) * double(fit.target.points.size());
     const int mostRotations = std::clamp(int(2e5 / poses), 1, 60);

@@ -11,8 +11,8 @@
 struct RandomSearch {
     explicit RandomSearch(unsigned seed);
 
-    std::unique_ptr<Grid> map, keepOut; ///< the keep-out grid may be null
-    Preparation fit;
+    std::unique_ptr<VARNO::Grid> map, keepOut; ///< the keep-out grid may be null
+    fit::Preparation fit;
     std::list<SolutionScore> earlier; ///< what stands in the list before the search
     int keep = 0;
     /// Cancel is answered yes at the n-th question, counted from 0; never if there is none.

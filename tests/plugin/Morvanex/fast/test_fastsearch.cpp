@@ -8,15 +8,17 @@
 
 #include <bit>
 
+using namespace VARNO;
+
 namespace {
 
 /// Answers yes when the search asks for the n-th time whether to stop, and writes down everything it hears.
-class Listener : public FitMonitor {
+class Listener : public search::FitMonitor {
 public:
     explicit Listener(std::optional<std::size_t> cancelAt)
         : m_cancelAt(cancelAt) {}
 
-    void Started(const Preparation &) override { heard.push_back("started"); }
+    void Started(const fit::Preparation &) override { heard.push_back("started"); }
     bool IsCancelled() override {
         heard.push_back("cancelled?");
         return m_asked++ == m_cancelAt;
@@ -57,16 +59,16 @@ struct Outcome {
     std::uint64_t tried = 0, accepted = 0, scoredExactly = 0;
 };
 
-Outcome RunRandom(const RandomSearch &random, const SearchOptions &options) {
+Outcome RunRandom(const RandomSearch &random, const search::SearchOptions &options) {
     Solutions = random.earlier;
     top_size = random.keep;
     logging = false;
     em_fname.clear();
     Listener listener(random.cancelAt);
-    PoseCounts counts;
+    search::PoseCounts counts;
     Outcome outcome;
     const Messages messages;
-    outcome.completed = RunSearch(random.fit, listener, counts, options);
+    outcome.completed = search::RunSearch(random.fit, listener, counts, options);
     for (const SolutionScore &solution : Solutions)
         outcome.solutions.push_back(BitsOf(solution));
     outcome.heard = listener.heard;
@@ -138,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(Threads, ThreadedSearch, testing::Values(2, 3, 8),
 
 TEST(ThreadsOfASearch, AreAsManyAsMemoryHolds) {
     const Grid map("map", {10, 10, 10}, {0, 0, 0}, {1, 1, 1}, {90, 90, 90});
-    Preparation fit;
+    fit::Preparation fit;
     fit.map = &map;
     fit.target.points.resize(375);
     fit.offsets.resize(29791); // 31 along each axis

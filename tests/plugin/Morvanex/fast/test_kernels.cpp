@@ -36,7 +36,7 @@ TEST_P(FastKernelsOn, FindTheVoxelsThatScoringFinds) {
         fast::MapCoordinates(coordinates.data(), coordinates.size(), 0, axis, found.data());
         for (std::size_t i = 0; i < coordinates.size(); ++i) {
             const float p = coordinates[i];
-            const unsigned voxel = NearestVoxel(p, axis.origin, axis.spacing, unsigned(axis.count));
+            const unsigned voxel = search::NearestVoxel(p, axis.origin, axis.spacing, unsigned(axis.count));
             const int index = voxel < unsigned(axis.count) ? int(voxel) : p < axis.origin ? -1 : axis.count;
             ASSERT_EQ(found[i], index * axis.stride) << p << " on an axis of spacing " << axis.spacing;
         }

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <random>
 
+using namespace VARNO;
+
 namespace {
 
 using fast::FastMap;

@@ -9,6 +9,8 @@
 #include <limits>
 #include <numbers>
 
+using namespace VARNO;
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -31,12 +33,12 @@ std::vector<Point> Points(const std::vector<Vertex> &axes) {
 } // namespace
 
 TEST(Axes, DepthZeroGivesTheUpperVerticesOfAnIcosahedron) {
-    EXPECT_THAT(RotationAxes(0),
+    EXPECT_THAT(fit::RotationAxes(0),
                 ElementsAre(V(a, 0, b), V(a, 0, -b), V(0, b, a), V(0, b, -a), V(b, a, 0), V(b, -a, 0)));
 }
 
 TEST(Axes, DepthOneBeginsWithTheFirstFaces) {
-    const std::vector<Vertex> axes = RotationAxes(1);
+    const std::vector<Vertex> axes = fit::RotationAxes(1);
     ASSERT_EQ(axes.size(), 21u);
     EXPECT_NEAR(axes[6][0], 0.309, 0.0005);
     EXPECT_NEAR(axes[6][1], 0.5, 0.0005);
@@ -48,7 +50,7 @@ TEST(Axes, DepthOneBeginsWithTheFirstFaces) {
 TEST(Axes, AreThoseOfAPlainSearchInTheSameOrder) {
     std::size_t count = 6;
     for (int depth = 0; depth <= 5; ++depth) {
-        const std::vector<Point> axes = Points(RotationAxes(depth));
+        const std::vector<Point> axes = Points(fit::RotationAxes(depth));
         EXPECT_EQ(axes.size(), count) << "depth " << depth;
         EXPECT_EQ(axes, PlainAxes(depth)) << "depth " << depth;
         count = 4 * count - 3;
@@ -56,7 +58,7 @@ TEST(Axes, AreThoseOfAPlainSearchInTheSameOrder) {
 }
 
 TEST(Axes, AreUnitVectorsOfOneHalfOfTheSphere) {
-    for (const Vertex &axis : RotationAxes(4)) {
+    for (const Vertex &axis : fit::RotationAxes(4)) {
         EXPECT_NEAR(axis.SquaredLength(), 1, 1e-6);
         EXPECT_FALSE(axis.IsValid());
         const float first = axis[0] != 0 ? axis[0] : axis[1] != 0 ? axis[1] : axis[2];
@@ -66,14 +68,14 @@ TEST(Axes, AreUnitVectorsOfOneHalfOfTheSphere) {
 
 TEST(Axes, TheLowerPoleIsNeverAmongThem) {
     for (int depth = 1; depth < 5; ++depth) {
-        const std::vector<Vertex> axes = RotationAxes(depth);
+        const std::vector<Vertex> axes = fit::RotationAxes(depth);
         EXPECT_EQ(std::ranges::count(axes, V(0, 0, 1)), 1);
         EXPECT_EQ(std::ranges::count(axes, V(0, 0, -1)), 0);
     }
 }
 
 TEST(Axes, ADepthBelowZeroSubdividesNothing) {
-    EXPECT_EQ(RotationAxes(-1).size(), 6u);
+    EXPECT_EQ(fit::RotationAxes(-1).size(), 6u);
 }
 
 TEST(Subdivide, DepthZeroAddsNothing) {
@@ -138,38 +140,39 @@ TEST(Subdivide, AMidpointOfLengthZeroStaysAsItIs) {
 }
 
 TEST(Angles, AQuarterTurnIsTakenThreeTimes) {
-    EXPECT_EQ(CountAngles(std::numbers::pi / 2), 3u);
+    EXPECT_EQ(fit::CountAngles(std::numbers::pi / 2), 3u);
     EXPECT_EQ(PlainAngles(std::numbers::pi / 2).size(), 3u);
 }
 
 TEST(Angles, AWholeTurnOrMoreIsNeverTaken) {
-    EXPECT_EQ(CountAngles(fullTurn), 0u);
-    EXPECT_EQ(CountAngles(7), 0u);
-    EXPECT_EQ(CountAngles(std::nextafter(fullTurn, 0)), 1u);
+    EXPECT_EQ(fit::CountAngles(fit::fullTurn), 0u);
+    EXPECT_EQ(fit::CountAngles(7), 0u);
+    EXPECT_EQ(fit::CountAngles(std::nextafter(fit::fullTurn, 0)), 1u);
 }
 
 TEST(Angles, AreCountedAsTheyAddUp) {
     for (int parts = 1; parts < 1000; ++parts)
-        EXPECT_EQ(CountAngles(fullTurn / parts), PlainAngles(fullTurn / parts).size()) << parts;
+        EXPECT_EQ(fit::CountAngles(fit::fullTurn / parts), PlainAngles(fit::fullTurn / parts).size())
+            << parts;
 }
 
 TEST(Angles, RoundingMayLeaveTheLastStepBelowTheTurn) {
     int beforeTheTurn = 0, atTheTurn = 0;
     for (std::uint64_t parts = 1; parts < 1000; ++parts)
-        ++(CountAngles(fullTurn / double(parts)) == parts ? atTheTurn : beforeTheTurn);
+        ++(fit::CountAngles(fit::fullTurn / double(parts)) == parts ? atTheTurn : beforeTheTurn);
     EXPECT_GT(atTheTurn, 0);
     EXPECT_GT(beforeTheTurn, 0);
 }
 
 TEST(Angles, AStepMustBePositiveAndLargeEnoughToAddUp) {
-    EXPECT_TRUE(GrowsToFullTurn(0.1));
-    EXPECT_TRUE(GrowsToFullTurn(1e-15));
-    EXPECT_TRUE(GrowsToFullTurn(7));
-    EXPECT_FALSE(GrowsToFullTurn(4e-16));
-    EXPECT_FALSE(GrowsToFullTurn(0));
-    EXPECT_FALSE(GrowsToFullTurn(-0.1));
-    EXPECT_FALSE(GrowsToFullTurn(NAN));
-    const double below = std::nextafter(fullTurn, 0);
+    EXPECT_TRUE(fit::GrowsToFullTurn(0.1));
+    EXPECT_TRUE(fit::GrowsToFullTurn(1e-15));
+    EXPECT_TRUE(fit::GrowsToFullTurn(7));
+    EXPECT_FALSE(fit::GrowsToFullTurn(4e-16));
+    EXPECT_FALSE(fit::GrowsToFullTurn(0));
+    EXPECT_FALSE(fit::GrowsToFullTurn(-0.1));
+    EXPECT_FALSE(fit::GrowsToFullTurn(NAN));
+    const double below = std::nextafter(fit::fullTurn, 0);
     EXPECT_GT(below + 1e-15, below);
     EXPECT_EQ(below + 4e-16, below);
 }

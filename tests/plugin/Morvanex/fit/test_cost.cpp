@@ -8,6 +8,8 @@
 
 #include <limits>
 
+using namespace VARNO;
+
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -26,19 +28,19 @@ protected:
         m_Target = AddChain(ResiduesAt({{0, 0, 0}, {2, 4, 6}}));
     }
 
-    FitCost Estimate() const { return EstimateCost(SurveyFit()); }
+    fit::FitCost Estimate() const { return fit::EstimateCost(fit::SurveyFit()); }
 
     const Messages quiet;
 };
 
-std::string Refusal(const FitCost &cost, double angleStep = 0.1, bool anyNumberOfPoses = false) {
-    return RefuseFit(cost, angleStep, anyNumberOfPoses).toStdString();
+std::string Refusal(const fit::FitCost &cost, double angleStep = 0.1, bool anyNumberOfPoses = false) {
+    return fit::RefuseFit(cost, angleStep, anyNumberOfPoses).toStdString();
 }
 
 } // namespace
 
 TEST_F(Cost, CountsWhatTheSearchWillTry) {
-    const FitCost cost = Estimate();
+    const fit::FitCost cost = Estimate();
     EXPECT_EQ(cost.axes, 21);
     EXPECT_EQ(cost.angles, 36);
     EXPECT_EQ(cost.poses, 125 * (1 + 21 * 36));
@@ -54,9 +56,9 @@ TEST_F(Cost, CountsWhatTheSearchWillTry) {
 TEST_F(Cost, AgreesWithTheSearch) {
     for (const double degrees : {45.0, 90.0, 77.0, 360.0, 400.0}) {
         gammaStep = Radians(degrees);
-        const FitCost cost = Estimate();
+        const fit::FitCost cost = Estimate();
         RecordingMonitor monitor;
-        PoseCounts counts;
+        search::PoseCounts counts;
         RunFit(monitor, &counts);
         EXPECT_NEAR(cost.poses, double(counts.tried), 125 * 21) << degrees; // rounding may add an angle
     }
@@ -65,7 +67,7 @@ TEST_F(Cost, AgreesWithTheSearch) {
 TEST_F(Cost, KnowsTheKeepOutGrid) {
     m_Solid = ResiduesOf(AddChain(ResiduesAt({{0, 0, 0}, {20, 30, 40}})));
     const double expected = Estimate().keepOutBytes;
-    const Grid *grid = PrepareFit(SurveyFit(), nullptr).keepOut;
+    const Grid *grid = fit::PrepareFit(fit::SurveyFit(), nullptr).keepOut;
     EXPECT_EQ(expected, double(grid->Values().size_bytes()));
 }
 
@@ -80,7 +82,7 @@ TEST_F(Cost, NegativeNumbersCountAsNothing) {
     Axis = -3;
     TCount = -7;
     top_size = -5;
-    const FitCost cost = Estimate();
+    const fit::FitCost cost = Estimate();
     EXPECT_EQ(cost.axes, 6);
     EXPECT_EQ(cost.poses, 0);
     EXPECT_EQ(cost.offsetBytes, 0);
@@ -93,7 +95,7 @@ TEST_F(Cost, TheLargestNumbersDoNotOverflow) {
     TCount = std::numeric_limits<int>::max();
     top_size = std::numeric_limits<int>::max();
     gammaStep = 1e-300;
-    const FitCost cost = Estimate();
+    const fit::FitCost cost = Estimate();
     EXPECT_EQ(cost.axes, infinity);
     EXPECT_EQ(cost.poses, infinity);
     EXPECT_GT(cost.offsetBytes, 1e29);
@@ -118,7 +120,7 @@ TEST_F(Cost, ARotationStepMustBeLargeEnoughToAddUp) {
 }
 
 TEST_F(Cost, TooManyPosesAreRefusedWithTheFigures) {
-    FitCost cost;
+    fit::FitCost cost;
     cost.axes = 321;
     cost.angles = 35;
     cost.offsetBytes = 1e9 * sizeof(Vertex);
@@ -126,12 +128,12 @@ TEST_F(Cost, TooManyPosesAreRefusedWithTheFigures) {
     EXPECT_EQ(Refusal(cost), "The fit would try 1.1236e+13 poses (321 axes, 35 angles about each, 1e+09 "
                              "translations); the limit is 1e+13. Choose larger steps, fewer translations or "
                              "less recursion.");
-    cost.poses = poseLimit;
+    cost.poses = fit::poseLimit;
     EXPECT_THAT(Refusal(cost), testing::Not(HasSubstr("poses (")));
 }
 
 TEST_F(Cost, TheLimitOnPosesCanBeLifted) {
-    FitCost cost;
+    fit::FitCost cost;
     cost.poses = 1e14;
     EXPECT_NE(Refusal(cost), "");
     EXPECT_EQ(Refusal(cost, 0.1, true), "");
@@ -139,7 +141,7 @@ TEST_F(Cost, TheLimitOnPosesCanBeLifted) {
 
 TEST_F(Cost, WhatMemoryCannotHoldIsRefusedWithTheFigures) {
     constexpr double GiB = 1024.0 * 1024.0 * 1024.0;
-    FitCost cost;
+    fit::FitCost cost;
     cost.axisBytes = 1.5 * GiB;
     cost.offsetBytes = 2 * GiB;
     cost.identityBytes = 3 * GiB;
@@ -154,9 +156,10 @@ TEST_F(Cost, WhatMemoryCannotHoldIsRefusedWithTheFigures) {
 }
 
 TEST_F(Cost, EveryPartOfTheMemoryCounts) {
-    for (double FitCost::*part : {&FitCost::axisBytes, &FitCost::offsetBytes, &FitCost::identityBytes,
-                                  &FitCost::listBytes, &FitCost::keepOutBytes}) {
-        FitCost cost;
+    for (double fit::FitCost::*part :
+         {&fit::FitCost::axisBytes, &fit::FitCost::offsetBytes, &fit::FitCost::identityBytes,
+          &fit::FitCost::listBytes, &fit::FitCost::keepOutBytes}) {
+        fit::FitCost cost;
         cost.*part = 1e18;
         EXPECT_THAT(Refusal(cost), HasSubstr("of memory"));
         cost.*part = infinity;

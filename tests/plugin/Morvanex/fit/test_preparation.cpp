@@ -10,12 +10,13 @@
 #include <cmath>
 #include <limits>
 
+using namespace VARNO;
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-using VARNO::Space;
 
 namespace {
 
@@ -46,23 +47,25 @@ protected:
         restraints = true;
         re_fname = QString::fromStdString(folder.Write("restraints.txt", text));
     }
-    Preparation Prepare() { return PrepareFit(SurveyFit(), nullptr); }
+    fit::Preparation Prepare() { return fit::PrepareFit(fit::SurveyFit(), nullptr); }
 
     const Messages messages;
 };
 
-Target TargetOf(const std::vector<PlainResidue> &residues, const std::vector<RestraintRecord> &records = {}) {
-    return CollectTarget(AddChain(residues), records);
+fit::Target TargetOf(const std::vector<PlainResidue> &residues,
+                     const std::vector<fit::RestraintRecord> &records = {}) {
+    return fit::CollectTarget(AddChain(residues), records);
 }
 
-Solid SolidOf(const std::vector<Point> &positions, const Vertex &centre = V(0, 0, 0), float distance = 1000) {
-    return CollectSolid(ResiduesOf(AddChain(ResiduesAt(positions))), centre, distance);
+fit::Solid SolidOf(const std::vector<Point> &positions, const Vertex &centre = V(0, 0, 0),
+                   float distance = 1000) {
+    return fit::CollectSolid(ResiduesOf(AddChain(ResiduesAt(positions))), centre, distance);
 }
 
 } // namespace
 
 TEST_F(PreparationTest, TargetPointsAreTheResiduesWithAPositionInOrder) {
-    const Target target =
+    const fit::Target target =
         TargetOf({{"ALA", "1", Point{1, 2, 3}}, {"GLY", "2", {}}, {"XYZ", "3", Point{3, 4, 8}}});
     EXPECT_THAT(Positions(target.points), ElementsAre(Point{1, 2, 3}, Point{3, 4, 8}));
     EXPECT_EQ(target.points[0].second, 'A');
@@ -72,33 +75,34 @@ TEST_F(PreparationTest, TargetPointsAreTheResiduesWithAPositionInOrder) {
 }
 
 TEST_F(PreparationTest, TheCentreIsSummedInFloatAndDividedInDouble) {
-    const Target target = TargetOf(ResiduesAt({{16777216, 0.1f, 1}, {1, 0.2f, 1}, {1, 0.4f, 2}}));
+    const fit::Target target = TargetOf(ResiduesAt({{16777216, 0.1f, 1}, {1, 0.2f, 1}, {1, 0.4f, 2}}));
     EXPECT_EQ(target.centre[0], float(16777216.0 / 3)); // in float the ones are lost
     EXPECT_EQ(target.centre[1], float(double(0.1f + 0.2f + 0.4f) / 3));
     EXPECT_EQ(target.centre[2], float(4.0 / 3));
 }
 
 TEST_F(PreparationTest, ARestraintMatchesTheKeyOfItsResidueExactly) {
-    const std::vector<RestraintRecord> records = {
+    const std::vector<fit::RestraintRecord> records = {
         {"ALA12", V(1, 1, 1)}, {"ala12", V(2, 2, 2)}, {"ALA1", V(3, 3, 3)}, {"GLY12A", V(4, 4, 4)}};
-    const Target target = TargetOf({{"ALA", "12", Point{9, 0, 0}}, {"GLY", "12A", Point{8, 0, 0}}}, records);
+    const fit::Target target =
+        TargetOf({{"ALA", "12", Point{9, 0, 0}}, {"GLY", "12A", Point{8, 0, 0}}}, records);
     EXPECT_THAT(target.restraints,
                 ElementsAre(RestraintPair(V(1, 1, 1), V(9, 0, 0)), RestraintPair(V(4, 4, 4), V(8, 0, 0))));
 }
 
 TEST_F(PreparationTest, OnlyTheEndsOfAKeyAreStripped) {
-    const std::vector<RestraintRecord> records = {
+    const std::vector<fit::RestraintRecord> records = {
         {"ALA12", V(1, 1, 1)}, {"ALA 13", V(2, 2, 2)}, {"ALA13", V(3, 3, 3)}};
-    const Target target =
+    const fit::Target target =
         TargetOf({{" ALA", "12\t ", Point{9, 0, 0}}, {"ALA", " 13", Point{8, 0, 0}}}, records);
     EXPECT_THAT(target.restraints,
                 ElementsAre(RestraintPair(V(1, 1, 1), V(9, 0, 0)), RestraintPair(V(2, 2, 2), V(8, 0, 0))));
 }
 
 TEST_F(PreparationTest, EveryMatchIsOnePairInTheOrderOfResiduesThenOfRecords) {
-    const std::vector<RestraintRecord> records = {
+    const std::vector<fit::RestraintRecord> records = {
         {"GLY2", V(1, 0, 0)}, {"ALA1", V(2, 0, 0)}, {"GLY2", V(3, 0, 0)}};
-    const Target target = TargetOf(
+    const fit::Target target = TargetOf(
         {{"ALA", "1", Point{9, 0, 0}}, {"GLY", "2", Point{8, 0, 0}}, {"GLY", "2", Point{7, 0, 0}}}, records);
     EXPECT_THAT(target.restraints,
                 ElementsAre(RestraintPair(V(2, 0, 0), V(9, 0, 0)), RestraintPair(V(1, 0, 0), V(8, 0, 0)),
@@ -111,13 +115,13 @@ TEST_F(PreparationTest, AResidueWithoutAPositionHasNoRestraint) {
 }
 
 TEST_F(PreparationTest, ATargetWithoutAnyPositionHasNoCentre) {
-    const Target target = TargetOf({{"ALA", "1", {}}});
+    const fit::Target target = TargetOf({{"ALA", "1", {}}});
     for (const unsigned i : {0u, 1u, 2u})
         EXPECT_TRUE(std::isnan(target.centre[i]));
 }
 
 TEST_F(PreparationTest, TheSolidIsWhatLiesCloserThanTheInclusionDistance) {
-    const Solid solid = SolidOf({{5, 0, 0}, {0, 3, 4}, {0, 0, 4.5f}, {4.9f, 0, 0}}, V(0, 0, 0), 5);
+    const fit::Solid solid = SolidOf({{5, 0, 0}, {0, 3, 4}, {0, 0, 4.5f}, {4.9f, 0, 0}}, V(0, 0, 0), 5);
     EXPECT_THAT(Positions(solid.points), ElementsAre(Point{0, 0, 4.5f}, Point{4.9f, 0, 0}));
     EXPECT_EQ(solid.points[0].second, 'G');
 }
@@ -130,7 +134,7 @@ TEST_F(PreparationTest, AnInclusionDistanceOfZeroLeavesTheSolidOut) {
 }
 
 TEST_F(PreparationTest, TheSolidsBoxHoldsItsNearResidues) {
-    const Solid solid = SolidOf({{3, -2, 5}, {-1, 4, 6}, {900, 900, 900}}, V(0, 0, 0), 100);
+    const fit::Solid solid = SolidOf({{3, -2, 5}, {-1, 4, 6}, {900, 900, 900}}, V(0, 0, 0), 100);
     EXPECT_EQ(solid.low, V(-1, -2, 5));
     EXPECT_EQ(solid.high, V(3, 4, 6));
 }
@@ -139,7 +143,7 @@ TEST_F(PreparationTest, SolidEntriesThatAreNoResiduesArePassedBy) {
     std::vector<Compound *> nodes = ResiduesOf(AddChain({{"ALA", "1", Point{1, 2, 3}}, {"GLY", "2", {}}}));
     nodes.insert(nodes.begin(), nullptr);
     nodes.push_back(m_Target);
-    const Solid solid = CollectSolid(nodes, V(0, 0, 0), 100);
+    const fit::Solid solid = fit::CollectSolid(nodes, V(0, 0, 0), 100);
     EXPECT_THAT(Positions(solid.points), ElementsAre(Point{1, 2, 3}));
     EXPECT_EQ(solid.invalidResidues, 1u);
 }
@@ -148,13 +152,13 @@ TEST_F(PreparationTest, RemovedResiduesOfTheSolidAreSkipped) {
     Compound *chain = AddChain(ResiduesAt({{1, 2, 3}, {4, 5, 6}}));
     const std::vector<Compound *> residues = ResiduesOf(chain);
     Space::instance()->Remove(residues[0]);
-    EXPECT_THAT(Positions(CollectSolid(residues, V(0, 0, 0), 100).points), ElementsAre(Point{4, 5, 6}));
+    EXPECT_THAT(Positions(fit::CollectSolid(residues, V(0, 0, 0), 100).points), ElementsAre(Point{4, 5, 6}));
     Space::instance()->Remove(chain);
-    EXPECT_THAT(CollectSolid(residues, V(0, 0, 0), 100).points, IsEmpty());
+    EXPECT_THAT(fit::CollectSolid(residues, V(0, 0, 0), 100).points, IsEmpty());
 }
 
 TEST_F(PreparationTest, TheKeepOutGridIsCentredOnTheWidenedBox) {
-    const KeepOutLayout layout = LayOutKeepOut(SolidOf({{0, 10, -7.25f}, {0, 13, 20}}));
+    const fit::KeepOutLayout layout = fit::LayOutKeepOut(SolidOf({{0, 10, -7.25f}, {0, 13, 20}}));
     EXPECT_EQ(layout.nodes[0], 10); // 17 Å: 8 whole steps, 9 spanned
     EXPECT_EQ(layout.nodes[1], 12); // 20 Å: 10 whole steps, 11 spanned
     EXPECT_EQ(layout.nodes[2], 24); // 44.25 Å
@@ -162,7 +166,7 @@ TEST_F(PreparationTest, TheKeepOutGridIsCentredOnTheWidenedBox) {
 }
 
 TEST_F(PreparationTest, KeepOutNodesTellHowDeepTheyLieInTheSolid) {
-    const Grid *grid = BuildKeepOut(SolidOf({{0, 0, 0}, {3, 0, 0}}));
+    const Grid *grid = fit::BuildKeepOut(SolidOf({{0, 0, 0}, {3, 0, 0}}));
     ASSERT_TRUE(grid);
     std::size_t inside = 0;
     for (unsigned k = 0; k < grid->Dimensions()[2]; ++k)
@@ -178,7 +182,7 @@ TEST_F(PreparationTest, KeepOutNodesTellHowDeepTheyLieInTheSolid) {
 }
 
 TEST_F(PreparationTest, ANodeAtASolidPointHoldsSixAndOneSixAwayZero) {
-    const Grid *grid = BuildKeepOut(SolidOf({{-19, -19, -19}, {0, 0, 0}, {19, 19, 19}}));
+    const Grid *grid = fit::BuildKeepOut(SolidOf({{-19, -19, -19}, {0, 0, 0}, {19, 19, 19}}));
     ASSERT_EQ(grid->GetPoint(14, 14, 14), V(0, 0, 0));
     EXPECT_EQ(grid->GetValue(14, 14, 14), 6.0f);
     EXPECT_EQ(grid->GetValue(13, 14, 14), 4.0f);
@@ -189,42 +193,42 @@ TEST_F(PreparationTest, ANodeAtASolidPointHoldsSixAndOneSixAwayZero) {
 }
 
 TEST_F(PreparationTest, TheKeepOutGridIsAddedToTheModelInOneNotice) {
-    const Solid solid = SolidOf({{0, 10, -7}, {0, 13, 20}});
+    const fit::Solid solid = SolidOf({{0, 10, -7}, {0, 13, 20}});
     const Listener listener;
-    const Grid *grid = BuildKeepOut(solid);
+    const Grid *grid = fit::BuildKeepOut(solid);
     ASSERT_THAT(listener.notices, SizeIs(1));
-    EXPECT_EQ(listener.notices[0].action, VARNO::Publisher::Addition);
+    EXPECT_EQ(listener.notices[0].action, Publisher::Addition);
     EXPECT_THAT(listener.notices[0].nodes, ElementsAre(grid));
     EXPECT_EQ(grid->GetParent(), Space::instance());
     EXPECT_EQ(grid->GetName(), "GridFix");
-    EXPECT_EQ(grid->Spacing(), (VARNO::Vector<float, 3>(2, 2, 2)));
-    EXPECT_EQ(grid->Angles(), (VARNO::Vector<float, 3>(90, 90, 90)));
-    EXPECT_EQ(grid->Dimensions(), (VARNO::Vector<unsigned, 3>(10, 12, 24)));
-    EXPECT_EQ(grid->Origin(), (VARNO::Vector<float, 3>(-9, 0.5, -16.5)));
+    EXPECT_EQ(grid->Spacing(), (Vector<float, 3>(2, 2, 2)));
+    EXPECT_EQ(grid->Angles(), (Vector<float, 3>(90, 90, 90)));
+    EXPECT_EQ(grid->Dimensions(), (Vector<unsigned, 3>(10, 12, 24)));
+    EXPECT_EQ(grid->Origin(), (Vector<float, 3>(-9, 0.5, -16.5)));
 }
 
 TEST_F(PreparationTest, WithoutSolidPointsThereIsNoKeepOutGrid) {
-    EXPECT_FALSE(BuildKeepOut(Solid()));
+    EXPECT_FALSE(fit::BuildKeepOut(fit::Solid()));
     EXPECT_FALSE(FindGrid("GridFix"));
 }
 
 TEST_F(PreparationTest, WhereTheModelRefusesAdditionsThereIsNoKeepOutGrid) {
-    const Solid solid = SolidOf({{0, 0, 0}});
+    const fit::Solid solid = SolidOf({{0, 0, 0}});
     Space::instance()->SetReadOnly(true);
-    EXPECT_FALSE(BuildKeepOut(solid));
+    EXPECT_FALSE(fit::BuildKeepOut(solid));
     Space::instance()->SetReadOnly(false);
     {
-        const VARNO::DataAdder<Compound> other(Space::instance());
-        EXPECT_FALSE(BuildKeepOut(solid));
+        const DataAdder<Compound> other(Space::instance());
+        EXPECT_FALSE(fit::BuildKeepOut(solid));
     }
     EXPECT_FALSE(FindGrid("GridFix"));
-    EXPECT_TRUE(BuildKeepOut(solid));
+    EXPECT_TRUE(fit::BuildKeepOut(solid));
 }
 
 TEST_F(PreparationTest, AnyOrdinarySolidStaysWithinItsKeepOutGrid) {
     for (int i = 0; i < 200; ++i) {
         const float shift = float(i) * 0.173f - 17;
-        BuildKeepOut(
+        fit::BuildKeepOut(
             SolidOf({{shift, 50 * shift, -0.01f}, {shift * 1.7f, 3, 12 + shift}}, V(0, 0, 0), 10000));
     }
     EXPECT_THAT(messages.Warnings(), IsEmpty());
@@ -232,16 +236,16 @@ TEST_F(PreparationTest, AnyOrdinarySolidStaysWithinItsKeepOutGrid) {
 
 TEST_F(PreparationTest, ASolidFarBeyondTheReachOfFloatsIsReportedAndHeldInsideTheGrid) {
     const float far = std::numeric_limits<float>::max();
-    BuildKeepOut(SolidOf({{1e10f, 0, 3e9f}}, V(0, 0, 0), far));
+    fit::BuildKeepOut(SolidOf({{1e10f, 0, 3e9f}}, V(0, 0, 0), far));
     EXPECT_THAT(messages.Warnings(), Contains("ASSERT: \"0 < low[ 0 ]\" in Morvanex (703)"));
     EXPECT_THAT(messages.Warnings(), Contains("ASSERT: \"0 < low[ 2 ]\" in Morvanex (703)"));
     EXPECT_THAT(messages.Warnings(), Not(Contains("ASSERT: \"0 < low[ 1 ]\" in Morvanex (703)")));
-    BuildKeepOut(SolidOf({{0, -1e8f, 0}}, V(0, 0, 0), far));
+    fit::BuildKeepOut(SolidOf({{0, -1e8f, 0}}, V(0, 0, 0), far));
     EXPECT_THAT(messages.Warnings(), Contains("ASSERT: \"0 < low[ 1 ]\" in Morvanex (703)"));
 }
 
 TEST_F(PreparationTest, OffsetsFormACubeWithXSlowestAndZFastest) {
-    const std::vector<Vertex> offsets = TranslationOffsets(3, 2.5);
+    const std::vector<Vertex> offsets = fit::TranslationOffsets(3, 2.5);
     ASSERT_EQ(offsets.size(), 27u);
     EXPECT_EQ(offsets[0], V(-2.5, -2.5, -2.5));
     EXPECT_EQ(offsets[1], V(-2.5, -2.5, 0));
@@ -253,29 +257,29 @@ TEST_F(PreparationTest, OffsetsFormACubeWithXSlowestAndZFastest) {
 
 TEST_F(PreparationTest, EachOffsetIsAProductInDouble) {
     EXPECT_NE(float(-3 * 0.3), -3 * 0.3f);
-    EXPECT_EQ(TranslationOffsets(7, 0.3)[0], V(float(-3 * 0.3), float(-3 * 0.3), float(-3 * 0.3)));
+    EXPECT_EQ(fit::TranslationOffsets(7, 0.3)[0], V(float(-3 * 0.3), float(-3 * 0.3), float(-3 * 0.3)));
 }
 
 TEST_F(PreparationTest, OneTranslationIsNone) {
-    EXPECT_THAT(TranslationOffsets(1, 7), ElementsAre(V(0, 0, 0)));
+    EXPECT_THAT(fit::TranslationOffsets(1, 7), ElementsAre(V(0, 0, 0)));
 }
 
 TEST_F(PreparationTest, ANegativeCountGivesNoOffsets) {
-    EXPECT_THAT(TranslationOffsets(-3, 7), IsEmpty());
+    EXPECT_THAT(fit::TranslationOffsets(-3, 7), IsEmpty());
 }
 
 TEST_F(PreparationTest, EvenCountsBecomeTheNextOdd) {
-    EXPECT_EQ(OddCount(4), 5);
-    EXPECT_EQ(OddCount(5), 5);
-    EXPECT_EQ(OddCount(0), 1);
-    EXPECT_EQ(OddCount(-4), -3);
-    EXPECT_EQ(OddCount(-3), -3);
-    EXPECT_EQ(OddCount(std::numeric_limits<int>::max()), std::numeric_limits<int>::max());
+    EXPECT_EQ(fit::OddCount(4), 5);
+    EXPECT_EQ(fit::OddCount(5), 5);
+    EXPECT_EQ(fit::OddCount(0), 1);
+    EXPECT_EQ(fit::OddCount(-4), -3);
+    EXPECT_EQ(fit::OddCount(-3), -3);
+    EXPECT_EQ(fit::OddCount(std::numeric_limits<int>::max()), std::numeric_limits<int>::max());
 }
 
 TEST_F(PreparationTest, AnEvenTranslationCountIsStoredBackOdd) {
     TCount = 4;
-    const Preparation fit = Prepare();
+    const fit::Preparation fit = Prepare();
     EXPECT_EQ(TCount, 5);
     EXPECT_EQ(fit.offsets.size(), 125u);
     EXPECT_EQ(fit.offsets.front(), V(-4, -4, -4));
@@ -286,7 +290,7 @@ TEST_F(PreparationTest, TheSurveyChangesNothing) {
     TCount = 4;
     SetSolid(ResiduesAt({{1, 1, 1}}));
     SetRestraints("GLY1 1 2 3\n");
-    const Survey survey = SurveyFit();
+    const fit::Survey survey = fit::SurveyFit();
     EXPECT_EQ(survey.solid.points.size(), 1u);
     EXPECT_EQ(survey.target.restraints.size(), 1u);
     EXPECT_EQ(TCount, 4);
@@ -298,17 +302,17 @@ TEST_F(PreparationTest, TheSurveyChangesNothing) {
 TEST_F(PreparationTest, TheInclusionDistanceComesFromTheSettings) {
     SetSolid(ResiduesAt({{30, 0, 0}, {40, 0, 0}}));
     SetMarginal(folder, "35.5");
-    EXPECT_EQ(SurveyFit().inclusionDistance, 35.5f);
-    EXPECT_EQ(SurveyFit().solid.points.size(), 1u);
+    EXPECT_EQ(fit::SurveyFit().inclusionDistance, 35.5f);
+    EXPECT_EQ(fit::SurveyFit().solid.points.size(), 1u);
     SetMarginal(folder, "far");
-    EXPECT_EQ(SurveyFit().inclusionDistance, 0.0f);
-    EXPECT_THAT(SurveyFit().solid.points, IsEmpty());
+    EXPECT_EQ(fit::SurveyFit().inclusionDistance, 0.0f);
+    EXPECT_THAT(fit::SurveyFit().solid.points, IsEmpty());
 }
 
 TEST_F(PreparationTest, RestraintsAreReadOnlyWhereTheyAreAskedFor) {
     SetRestraints("GLY1 1 2 3");
     restraints = false;
-    EXPECT_THAT(SurveyFit().records, IsEmpty());
+    EXPECT_THAT(fit::SurveyFit().records, IsEmpty());
 }
 
 TEST_F(PreparationTest, MessagesOfAPlainFit) {
@@ -379,7 +383,7 @@ TEST_F(PreparationTest, WithoutASolidNoBoxIsToldOf) {
 TEST_F(PreparationTest, ATargetWithoutAnyPositionIsReportedAndTheFitGoesOn) {
     m_Target = AddChain({{"ALA", "1", {}}});
     SetSolid(ResiduesAt({{1, 1, 1}}));
-    const Preparation fit = Prepare();
+    const fit::Preparation fit = Prepare();
     EXPECT_THAT(messages.Warnings(), ElementsAre("ASSERT: \"0 < count\" in Morvanex (580)"));
     EXPECT_THAT(fit.target.points, IsEmpty());
     EXPECT_FALSE(fit.keepOut);
@@ -394,7 +398,7 @@ TEST_F(PreparationTest, TheSearchRunsOnWhatWasFound) {
     SetSolid(ResiduesAt({{1, 1, 1}}));
     gammaStep = 0.25;
     const Grid *map = AddMap(ConstantMap({2, 2, 2}, 1));
-    const Preparation fit = PrepareFit(SurveyFit(), map);
+    const fit::Preparation fit = fit::PrepareFit(fit::SurveyFit(), map);
     EXPECT_EQ(fit.map, map);
     EXPECT_EQ(fit.keepOut, FindGrid("GridFix"));
     EXPECT_EQ(fit.target.centre, V(1, 2, 3));

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace {
 
-std::string Text(const RestraintRecord &record) {
+std::string Text(const fit::RestraintRecord &record) {
     std::string text = record.residue.toStdString();
     for (const unsigned i : {0u, 1u, 2u})
         text += ' ' + QString::number(record.position[i]).toStdString();
@@ -21,7 +21,7 @@ std::string Text(const RestraintRecord &record) {
 
 std::vector<std::string> Texts(const std::string &file) {
     std::vector<std::string> texts;
-    for (const RestraintRecord &record : ReadRestraints(QString::fromStdString(file)))
+    for (const fit::RestraintRecord &record : fit::ReadRestraints(QString::fromStdString(file)))
         texts.push_back(Text(record));
     return texts;
 }

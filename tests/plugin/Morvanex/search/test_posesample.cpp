@@ -26,12 +26,12 @@ std::vector<double> AllScores(FitInput input) {
 class PoseSampleTest : public EngineTest {
 protected:
     /// A sample of the search that the input describes.
-    PoseSample Sample(FitInput input, std::uint64_t size) {
+    search::PoseSample Sample(FitInput input, std::uint64_t size) {
         input.cancelAfter = 0;
         LoadFit(input, folder);
         RecordingMonitor monitor(0);
-        PoseSample sample;
-        monitor.whenStarting = [&] { sample = SamplePoses(monitor.fit, size); };
+        search::PoseSample sample;
+        monitor.whenStarting = [&] { sample = search::SamplePoses(monitor.fit, size); };
         RunFit(monitor);
         return sample;
     }
@@ -46,7 +46,7 @@ TEST_F(PoseSampleTest, OfAllPosesIsTheWholeSearch) {
     for (unsigned seed = 0; seed < 40; ++seed) {
         const FitInput input = RandomFit(seed);
         const std::vector<double> scores = AllScores(input);
-        const PoseSample sample = Sample(input, 1000000);
+        const search::PoseSample sample = Sample(input, 1000000);
         double sum = 0, squares = 0;
         for (const double score : scores)
             sum += score;
@@ -69,7 +69,7 @@ TEST_F(PoseSampleTest, OfOneIsTheIdentityPose) {
     input.target = ResiduesAt({{1, 1, 1}});
     input.map = ConstantMap({3, 3, 3}, 0);
     input.map->values[13] = 5; // under the target where it stands
-    const PoseSample sample = Sample(input, 1);
+    const search::PoseSample sample = Sample(input, 1);
     EXPECT_EQ(sample.poses, 1u);
     EXPECT_EQ(sample.mean, 5);
     EXPECT_EQ(sample.deviation, 0);
@@ -82,7 +82,7 @@ TEST_F(PoseSampleTest, IsSpreadOverTheSearch) {
     input.angleStep = 0.5;
     input.map = ConstantMap({3, 3, 3}, 2);
     input.map->values[13] = 5; // under the one pose in 27 that does not move
-    const PoseSample sample = Sample(input, 270);
+    const search::PoseSample sample = Sample(input, 270);
     EXPECT_EQ(sample.poses, 270u);
     EXPECT_GT(sample.mean, 2);
     EXPECT_LT(sample.mean, 3);
@@ -93,7 +93,7 @@ TEST_F(PoseSampleTest, AMeanOfEqualScoresIsThatScore) {
     FitInput input;
     input.target = ResiduesAt({{1, 1, 1}});
     input.map = ConstantMap({3, 3, 3}, 0.1f);
-    const PoseSample sample = Sample(input, 3);
+    const search::PoseSample sample = Sample(input, 3);
     EXPECT_EQ(sample.mean, double(0.1f));
     EXPECT_EQ(sample.deviation, 0);
 }

@@ -11,6 +11,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace VARNO;
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -54,48 +56,48 @@ protected:
 } // namespace
 
 TEST(NearestVoxel, APointOnTheOriginIsVoxelZero) {
-    EXPECT_EQ(NearestVoxel(-4, -4, 2, 3), 0u);
+    EXPECT_EQ(search::NearestVoxel(-4, -4, 2, 3), 0u);
 }
 
 TEST(NearestVoxel, ReachesOneAndAHalfSpacingsBelowTheOrigin) {
-    EXPECT_EQ(NearestVoxel(-0.6f, 0, 1, 3), 0u);
-    EXPECT_EQ(NearestVoxel(-1.4f, 0, 1, 3), 0u);
-    EXPECT_EQ(NearestVoxel(std::nextafter(-1.5f, 0.0f), 0, 1, 3), 0u);
-    EXPECT_GE(NearestVoxel(-1.5f, 0, 1, 3), 3u);
-    EXPECT_GE(NearestVoxel(-1.6f, 0, 1, 3), 3u);
+    EXPECT_EQ(search::NearestVoxel(-0.6f, 0, 1, 3), 0u);
+    EXPECT_EQ(search::NearestVoxel(-1.4f, 0, 1, 3), 0u);
+    EXPECT_EQ(search::NearestVoxel(std::nextafter(-1.5f, 0.0f), 0, 1, 3), 0u);
+    EXPECT_GE(search::NearestVoxel(-1.5f, 0, 1, 3), 3u);
+    EXPECT_GE(search::NearestVoxel(-1.6f, 0, 1, 3), 3u);
 }
 
 TEST(NearestVoxel, EndsHalfASpacingAboveTheLastVoxel) {
-    EXPECT_EQ(NearestVoxel(3 - 0.6f, 0, 1, 3), 2u);
-    EXPECT_GE(NearestVoxel(3 - 0.5f, 0, 1, 3), 3u);
-    EXPECT_GE(NearestVoxel(30, 0, 1, 3), 3u);
+    EXPECT_EQ(search::NearestVoxel(3 - 0.6f, 0, 1, 3), 2u);
+    EXPECT_GE(search::NearestVoxel(3 - 0.5f, 0, 1, 3), 3u);
+    EXPECT_GE(search::NearestVoxel(30, 0, 1, 3), 3u);
 }
 
 TEST(NearestVoxel, HalvesGoUp) {
-    EXPECT_EQ(NearestVoxel(0.5f, 0, 1, 3), 1u);
-    EXPECT_EQ(NearestVoxel(std::nextafter(0.5f, 0.0f), 0, 1, 3), 0u);
-    EXPECT_EQ(NearestVoxel(10 + 3 * 1.5f, 10, 3, 5), 2u);
+    EXPECT_EQ(search::NearestVoxel(0.5f, 0, 1, 3), 1u);
+    EXPECT_EQ(search::NearestVoxel(std::nextafter(0.5f, 0.0f), 0, 1, 3), 0u);
+    EXPECT_EQ(search::NearestVoxel(10 + 3 * 1.5f, 10, 3, 5), 2u);
 }
 
 TEST(NearestVoxel, TheDifferenceAndTheQuotientAreFormedInFloat) {
     // Exactly, both lie below the half.
-    EXPECT_EQ(NearestVoxel(std::nextafter(0.5f, 0.0f), -2e-8f, 1, 5), 1u);
-    EXPECT_EQ(NearestVoxel(std::nextafter(1.5f, 2.0f), 0, std::nextafter(1.0f, 2.0f), 5), 2u);
+    EXPECT_EQ(search::NearestVoxel(std::nextafter(0.5f, 0.0f), -2e-8f, 1, 5), 1u);
+    EXPECT_EQ(search::NearestVoxel(std::nextafter(1.5f, 2.0f), 0, std::nextafter(1.0f, 2.0f), 5), 2u);
 }
 
 TEST(NearestVoxel, TheHalfIsAddedInDouble) {
-    EXPECT_EQ(NearestVoxel(std::nextafter(0.5f, 0.0f), 0, 1, 5), 0u); // in float the sum would be 1
+    EXPECT_EQ(search::NearestVoxel(std::nextafter(0.5f, 0.0f), 0, 1, 5), 0u); // in float the sum would be 1
 }
 
 TEST(NearestVoxel, WhatIsNoNumberOrDoesNotFitIsOutside) {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     for (const float p :
          {NAN, infinity, -infinity, 3e38f, -3e38f, 1e19f, -1e19f, 4294967296.0f, -4294967296.0f})
-        EXPECT_GE(NearestVoxel(p, 0, 1, 3), 3u) << p;
-    EXPECT_GE(NearestVoxel(0, 0, 0, 3), 3u);
-    EXPECT_GE(NearestVoxel(1, 0, 0, 3), 3u);
-    EXPECT_GE(NearestVoxel(1e30f, 0, 1e-30f, 3), 3u);
-    EXPECT_GE(NearestVoxel(0, 0, 1, 0), 0u);
+        EXPECT_GE(search::NearestVoxel(p, 0, 1, 3), 3u) << p;
+    EXPECT_GE(search::NearestVoxel(0, 0, 0, 3), 3u);
+    EXPECT_GE(search::NearestVoxel(1, 0, 0, 3), 3u);
+    EXPECT_GE(search::NearestVoxel(1e30f, 0, 1e-30f, 3), 3u);
+    EXPECT_GE(search::NearestVoxel(0, 0, 1, 0), 0u);
 }
 
 TEST_F(Scoring, SumsTheVoxelsUnderThePoints) {
@@ -239,6 +241,6 @@ TEST_F(Scoring, ScratchArraysAreNeverResized) {
 
 TEST_F(Scoring, ARemovedMapHasNoVoxels) {
     Grid *map = AddMap(ConstantMap({3, 3, 3}, 1));
-    VARNO::Space::instance()->Remove(map);
+    Space::instance()->Remove(map);
     EXPECT_EQ(Score({At(1, 1, 1)}, map), 0);
 }

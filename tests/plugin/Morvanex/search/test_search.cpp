@@ -14,12 +14,13 @@
 #include <numbers>
 #include <thread>
 
+using namespace VARNO;
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
-using VARNO::Space;
 
 namespace {
 
@@ -88,7 +89,7 @@ protected:
 
     Messages messages;
     RecordingMonitor monitor;
-    PoseCounts counts;
+    search::PoseCounts counts;
     std::string log;
 };
 

@@ -24,7 +24,7 @@ protected:
 
     const Messages messages;
     const TemporaryFolder folder;
-    FitLog log;
+    solutions::FitLog log;
 };
 
 } // namespace

@@ -12,15 +12,15 @@ namespace {
 std::string Written(const std::list<SolutionScore> &solutions) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    WriteResults(buffer, solutions);
+    solutions::WriteResults(buffer, solutions);
     return buffer.data().toStdString();
 }
 
-ResultsRead ReadText(const std::string &text) {
+solutions::ResultsRead ReadText(const std::string &text) {
     QBuffer buffer;
     buffer.setData(QByteArray::fromStdString(text));
     buffer.open(QIODevice::ReadOnly);
-    return ReadResults(buffer);
+    return solutions::ReadResults(buffer);
 }
 
 std::vector<double> Scores(const std::list<SolutionScore> &solutions) {
@@ -52,13 +52,13 @@ TEST(ResultsFile, ReadsBackWhatWasWritten) {
     std::list<SolutionScore> solutions(3);
     solutions.front().score = 3;
     solutions.back().score = 0.5;
-    const ResultsRead read = ReadText(Written(solutions));
+    const solutions::ResultsRead read = ReadText(Written(solutions));
     EXPECT_THAT(Scores(read.solutions), ElementsAre(3, -1, 0.5));
     EXPECT_THAT(read.skippedLines, IsEmpty());
 }
 
 TEST(ResultsFile, SkipsLinesThatBeginWithAHash) {
-    const ResultsRead read =
+    const solutions::ResultsRead read =
         ReadText("# 1 2 3 4 5 6 7 8.5\n1 0 0 0 0 0 0 5.5\n#\n1 0 0 0 0 0 0 6.5 # word\n");
     EXPECT_THAT(Scores(read.solutions), ElementsAre(5.5, 6.5));
     EXPECT_THAT(read.skippedLines, IsEmpty());
@@ -69,7 +69,8 @@ TEST(ResultsFile, AHashBehindABlankIsNoComment) {
 }
 
 TEST(ResultsFile, LinesWithFewerThanEightWordsAreSkippedAndNumbered) {
-    const ResultsRead read = ReadText("#\n\n1 0 0 0 0 0 5.5\n1 0 0 0 0 0 0 5.5\n    \n1 0 0 0 0 0 0 5\n");
+    const solutions::ResultsRead read =
+        ReadText("#\n\n1 0 0 0 0 0 5.5\n1 0 0 0 0 0 0 5.5\n    \n1 0 0 0 0 0 0 5\n");
     EXPECT_THAT(Scores(read.solutions), ElementsAre(5.5));
     EXPECT_THAT(read.skippedLines, ElementsAre(2, 3, 5, 6)); // the last one for its one-letter last word
 }
@@ -80,16 +81,16 @@ TEST(ResultsFile, ReadsFilesOfOtherSystemsAndWithoutALastLineEnd) {
 }
 
 TEST(ResultsFile, AFileOfAnotherKindHoldsNothing) {
-    const ResultsRead read = ReadText(std::string("\x7f"
-                                                  "ELF\0\0\xff\xfe\n\0\1\2",
-                                                  13));
+    const solutions::ResultsRead read = ReadText(std::string("\x7f"
+                                                             "ELF\0\0\xff\xfe\n\0\1\2",
+                                                             13));
     EXPECT_THAT(read.solutions, IsEmpty());
     EXPECT_THAT(read.skippedLines, ElementsAre(1, 2));
 }
 
 TEST(ResultsFile, ADeviceThatIsNotOpenHoldsNothing) {
     QBuffer buffer;
-    const ResultsRead read = ReadResults(buffer);
+    const solutions::ResultsRead read = solutions::ReadResults(buffer);
     EXPECT_THAT(read.solutions, IsEmpty());
     EXPECT_THAT(read.skippedLines, IsEmpty());
 }

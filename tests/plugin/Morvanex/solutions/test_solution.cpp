@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace VARNO;
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 

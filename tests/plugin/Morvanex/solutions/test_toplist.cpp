@@ -6,6 +6,8 @@
 
 #include <limits>
 
+using namespace VARNO;
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -105,18 +107,18 @@ TEST(Weed, ScoresThatAreNoNumbersDoNoHarm) {
 }
 
 TEST(NeedsWeeding, WhenTheListHasGrownPastTwiceTheSize) {
-    EXPECT_FALSE(NeedsWeeding(List({1, 2, 3, 4}), 2));
-    EXPECT_TRUE(NeedsWeeding(List({1, 2, 3, 4, 5}), 2));
-    EXPECT_FALSE(NeedsWeeding({}, 0));
-    EXPECT_TRUE(NeedsWeeding(List({1}), 0));
+    EXPECT_FALSE(solutions::NeedsWeeding(List({1, 2, 3, 4}), 2));
+    EXPECT_TRUE(solutions::NeedsWeeding(List({1, 2, 3, 4, 5}), 2));
+    EXPECT_FALSE(solutions::NeedsWeeding({}, 0));
+    EXPECT_TRUE(solutions::NeedsWeeding(List({1}), 0));
 }
 
 TEST(NeedsWeeding, ANegativeSizeCountsAsZero) {
-    EXPECT_FALSE(NeedsWeeding({}, -3));
-    EXPECT_TRUE(NeedsWeeding(List({1}), -3));
-    EXPECT_TRUE(NeedsWeeding(List({1}), std::numeric_limits<int>::min()));
+    EXPECT_FALSE(solutions::NeedsWeeding({}, -3));
+    EXPECT_TRUE(solutions::NeedsWeeding(List({1}), -3));
+    EXPECT_TRUE(solutions::NeedsWeeding(List({1}), std::numeric_limits<int>::min()));
 }
 
 TEST(NeedsWeeding, TwiceTheLargestSizeDoesNotOverflow) {
-    EXPECT_FALSE(NeedsWeeding(List({1}), std::numeric_limits<int>::max()));
+    EXPECT_FALSE(solutions::NeedsWeeding(List({1}), std::numeric_limits<int>::max()));
 }
