@@ -1,0 +1,110 @@
+#pragma once
+
+#include <cstddef>
+
+/// Every fixed number of the method, each with its reason. What follows from theory stands where it is used;
+/// docs/placement.md tells what half and twice these values do. Lengths in units of the resolution are
+/// written as such: "resolutions".
+
+namespace placement {
+
+// The map's spectrum and the filter
+
+/// Padding between opposite faces of the box, resolutions: farther than the filter's kernel reaches.
+constexpr double padding = 0.8;
+/// Part of the strongest shell's power that is added to all before whitening: 50 dB, below which a shell
+/// holds rounding, not density.
+constexpr double powerFloor = 1e-5;
+/// SSNR 1/3 at the stated resolution is FSC 0.143: C = 1 / (1 + 3) there (Rosenthal & Henderson 2003).
+constexpr double noisePerSignal = 3;
+/// How steeply the signal falls off about the stated resolution, in the exponent of C: a Gaussian envelope.
+constexpr double signalFallOff = 3;
+/// Wavenumbers, in 1/resolution, between which the filter is let down to 0. Real maps hold information beyond
+/// the resolution that they state.
+constexpr double cutBegin = 1.3, cutEnd = 1.6;
+/// Where the map itself is let down to 0 before its faces are joined, in 1/resolution: beyond the filter, so
+/// that noise of cut faces stays out.
+constexpr double bandBegin = 1.6, bandEnd = 1.8;
+/// Voxels that hold the band, resolutions: 1 / (2 · 1.8), and a little to spare.
+constexpr double bandVoxel = 0.27;
+/// Part of the Nyquist frequency up to which a map's waves are used: interpolation of whoever made the map
+/// spoils the last ones.
+constexpr double usableNyquist = 0.93;
+/// Least power of a model's points in a shell, of that of independent points: a sum over few points may
+/// vanish by chance.
+constexpr double leastModelPower = 0.05;
+/// Share of a map's power beyond the filter's end above which nothing is said of confidence: sharpened
+/// without a low-pass. Sane maps have 0.04 and less.
+constexpr double mostSharpShare = 0.5;
+
+// The levels of the search
+
+/// Width (standard deviation) of the finest level, resolutions: the filter as it is.
+constexpr double finestWidth = 0.3;
+/// Width of the coarse level and its voxels, scan resolutions: the widest that still tells poses apart.
+constexpr double coarseWidth = 0.45, coarseVoxel = 0.45;
+/// Voxels of the levels in between and of the finest one, of the level's width: linear interpolation between
+/// them costs the finest no hundredth of its score.
+constexpr double levelVoxel = 0.83, finestVoxel = 0.67;
+/// Levels wider than this, Å, see no more than the scan's points; residues are 3.8 Å apart.
+constexpr double pointWidth = 1.6;
+/// Each level is this much narrower than the one before: a maximum stays within the next one's reach.
+constexpr double levelRatio = 0.6;
+/// A scan at a resolution r costs r^-6, so that it is never finer than this, Å …
+constexpr double finestScan = 10;
+/// … nor than this part of the radius of gyration (large models are found by their shape) …
+constexpr double scanPerRadius = 0.25;
+/// … but small models need more than a handful of cells: at least 100 in the volume of a protein, of 135 Å³
+/// for each residue.
+constexpr double scanCells = 100, residueVolume = 135;
+
+// The scan
+
+/// Step of the rotation set: a point at the radius of gyration moves by this many widths of the level.
+constexpr double rotationStep = 1.8;
+/// Its bounds, degrees: small models still need every turn, and large ones are capped in cost.
+constexpr double leastRotationStep = 4, mostRotationStep = 30;
+/// Points that the scan sums, at most; 25 lose cases, 50 do not.
+constexpr std::size_t scanPoints = 80;
+/// Levels of a voxel, and the deviations from the mean at which they end: 17 of them fit a byte.
+constexpr unsigned scanLevels = 15;
+constexpr double scanClip = 2;
+/// Centres lie where the map, smoothed by the larger of these (scan resolutions, radii of gyration), …
+constexpr double maskWidth = 0.3, maskWidthPerRadius = 0.4;
+/// … lies this part of the way from its lowest tenth to its maximum. True ones lie at 0.58 and above.
+constexpr double maskHeight = 0.15, maskBase = 0.1;
+/// Pairs of rotation and place that the scan keeps, and distinct poses that are refined.
+constexpr std::size_t keptCandidates = 30000, refinedPoses = 1000;
+
+// Distinct places and the refinement
+
+/// Two poses are the same where their RMSD is below this, resolutions.
+constexpr double samePlace = 0.5;
+/// Poses that fell into one another while they were refined, widths of the level and resolutions.
+constexpr double mergedAtLevel = 0.5, mergedAtEnd = 0.25;
+/// Part of the poses that outlives each level.
+constexpr double survivors = 0.6;
+/// Steps of the minimiser on a level, and at the end.
+constexpr int levelSteps = 8, finalSteps = 25;
+/// Length of the first step and of the longest one, of the width of the level before; at the end,
+/// resolutions.
+constexpr double firstLevelStep = 0.35, longestLevelStep = 1;
+constexpr double firstFinalStep = 0.05, longestFinalStep = 0.3;
+/// Poses that are refined to the end; ninety distinct ones of them make the background.
+constexpr std::size_t finalPoses = 150;
+
+// The confidence
+
+/// Distinct places that the tail of the wrong ones is fitted to: from the `tailFrom`-th to the
+/// `backgroundPlaces`-th, so that up to 29 equal copies do no harm.
+constexpr std::size_t backgroundPlaces = 90, tailFrom = 30;
+/// p = 1 / (1 + 3·E).
+constexpr double wrongPerExpected = 3;
+/// Centres of other turns in the same hole lie within this many radii of gyration.
+constexpr double sameHole = 0.7;
+/// The probability from which a place is called found.
+constexpr double declared = 0.95;
+/// Other turns weigh this much while the place itself is sure: the place is told, the turn is not.
+constexpr double unsureTurn = 0.05;
+
+} // namespace placement

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "placement/PointModel.h"
+#include "placement/Refinement.h"
+
+#include <cstdint>
+#include <unordered_map>
+
+namespace placement {
+
+/// Square of the root mean square distance between a model's points in two poses, Å²: by its covariance C,
+/// |a - b|² + 2·(tr C - tr(Ra·C·Rbᵀ)), whatever the number of points.
+double SquaredRmsd(const PointModel &model, const Pose &a, const Pose &b);
+
+/// Poses that differ from one another by more than an RMSD.
+class DistinctPlaces {
+public:
+    DistinctPlaces(const PointModel &model, double rmsd);
+
+    /// Takes the pose unless one that was taken before lies within the RMSD of it.
+    bool Add(const Pose &pose);
+    std::size_t Size() const { return m_poses.size(); }
+
+private:
+    using Cell = std::array<std::int32_t, 3>;
+    struct CellHash {
+        std::size_t operator()(const Cell &cell) const;
+    };
+
+    const PointModel &m_model;
+    double m_rmsd;
+    std::vector<Pose> m_poses;
+    std::unordered_map<Cell, std::vector<std::size_t>, CellHash> m_cells; ///< by centre, one RMSD wide
+};
+
+/// The first poses that are distinct, in their order, at most `most`.
+std::vector<Pose> Distinct(const PointModel &model, std::span<const Pose> poses, double rmsd,
+                           std::size_t most);
+
+/// Likewise of scored poses, best first.
+std::vector<ScoredPose> DistinctBest(const PointModel &model, std::vector<ScoredPose> poses, double rmsd,
+                                     std::size_t most);
+
+} // namespace placement

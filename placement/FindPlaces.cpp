@@ -1,0 +1,193 @@
+#include "placement/FindPlaces.h"
+
+#include "placement/Constants.h"
+#include "placement/Filter.h"
+#include "placement/Forecast.h"
+#include "placement/Parallel.h"
+#include "placement/Rotations.h"
+
+#include <algorithm>
+#include <atomic>
+#include <numbers>
+#include <stdexcept>
+
+namespace placement {
+
+namespace {
+
+/// Shares of the whole work at which its parts end, about as they take time.
+constexpr double transformEnd = 0.05, scanEnd = 0.5;
+
+/// Shows a part of the work its place in the whole.
+class PartMonitor : public Monitor {
+public:
+    PartMonitor(Monitor &whole, double begin, double end)
+        : m_whole(whole)
+        , m_begin(begin)
+        , m_end(end) {}
+
+    void Advance(double share) override { m_whole.Advance(m_begin + share * (m_end - m_begin)); }
+    bool IsCancelled() override { return m_whole.IsCancelled(); }
+
+private:
+    Monitor &m_whole;
+    double m_begin, m_end;
+};
+
+double ScanResolution(const PointModel &model, double resolution) {
+    const double finest = std::max(finestScan, scanPerRadius * model.gyration);
+    const double bySize = 2 * std::cbrt(residueVolume * double(model.residues) / scanCells);
+    return std::max(resolution, std::min(finest, bySize));
+}
+
+double RotationStep(const PointModel &model, double scanResolution) {
+    constexpr double degree = std::numbers::pi / 180;
+    const double step = rotationStep * coarseWidth * scanResolution / std::max(model.gyration, 1.0);
+    return std::clamp(step, leastRotationStep * degree, mostRotationStep * degree);
+}
+
+/// The widths of the levels between the scan's and the finest, each narrower than the one before; the finest
+/// comes last.
+std::vector<double> LevelWidths(double coarsest, double finest) {
+    std::vector<double> widths;
+    // A level hardly wider than the finest would add nothing.
+    for (double width = coarsest * levelRatio; width > 1.15 * finest; width *= levelRatio)
+        widths.push_back(width);
+    widths.push_back(finest);
+    return widths;
+}
+
+class Search {
+public:
+    Search(const Volume &map, const std::vector<ModelAtom> &atoms, const PlacementParameters &parameters,
+           Monitor &monitor)
+        : m_parameters(parameters)
+        , m_monitor(monitor)
+        , m_model(MakePointModel(atoms))
+        , m_spectrum(TransformMap(map, parameters.resolution, parameters.threads))
+        , m_points(m_model.points, m_model.weights) {}
+
+    PlacementResult Run() {
+        const double resolution = m_parameters.resolution;
+        m_result.predictedSignal = PredictedSignal(m_model.atoms, resolution);
+        m_result.sharpShare = m_spectrum.sharpShare;
+        if (m_spectrum.strongest > 0) {
+            m_monitor.Advance(transformEnd);
+            const std::vector<Pose> candidates = Scan();
+            RefineAll(Distinct(m_model, candidates, samePlace * resolution, refinedPoses));
+        }
+        m_result.cancelled = m_monitor.IsCancelled();
+        return std::move(m_result);
+    }
+
+private:
+    std::vector<Pose> Scan() {
+        const double scan = ScanResolution(m_model, m_parameters.resolution);
+        m_result.scanResolution = scan;
+        m_coarsest = coarseWidth * scan;
+        const Volume level = MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan);
+        const double smoothing = std::max(maskWidth * scan, maskWidthPerRadius * m_model.gyration);
+        const Volume smoothed = MakeLevel(GaussianFilter(m_spectrum, smoothing), coarseVoxel * scan);
+        std::array<std::size_t, 3> inBox;
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            inBox[axis] = std::min(level.count[axis],
+                                   std::size_t(std::ceil(m_spectrum.box[axis] / level.spacing[axis])));
+        m_result.rotationStep = RotationStep(m_model, scan);
+        m_result.rotations = RotationsForStep(m_result.rotationStep);
+        const std::vector<Matrix> rotations = SpreadRotations(m_result.rotations);
+        PartMonitor monitor(m_monitor, transformEnd, scanEnd);
+        return CoarseSearch({.level = level,
+                             .places = DensePlaces(smoothed, inBox, m_parameters.allowed),
+                             .inBox = inBox,
+                             .points = m_model.scanPoints,
+                             .rotations = rotations},
+                            m_parameters.threads, monitor);
+    }
+
+    Volume MakeLevel(const RadialCurve &filter, double voxel) const {
+        return Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads);
+    }
+
+    void RefineAll(const std::vector<Pose> &starts) {
+        const double resolution = m_parameters.resolution;
+        std::vector<ScoredPose> poses;
+        for (const Pose &start : starts)
+            poses.push_back({start, 0});
+        const std::vector<double> widths = LevelWidths(m_coarsest, finestWidth * resolution);
+        const std::vector<double> equal(m_model.scanPoints.size(), 1);
+        const WeightedPoints scanned(m_model.scanPoints, equal);
+        double before = m_coarsest;
+        for (const double width : widths) {
+            const RefinementSteps steps{levelSteps, firstLevelStep * before, longestLevelStep * before};
+            if (width == widths.back())
+                break;
+            const Volume level = MakeLevel(LevelFilter(m_spectrum, width), levelVoxel * width);
+            RefineList(poses, level, width > pointWidth ? scanned : m_points, steps);
+            poses = DistinctBest(m_model, std::move(poses), mergedAtLevel * width,
+                                 std::size_t(survivors * double(refinedPoses)));
+            before = width;
+        }
+        const RadialCurve power = DebyePower(m_model, cutEnd / resolution, m_spectrum.power.step / 2);
+        Volume finest = MakeLevel(MatchedFilter(m_spectrum, power), finestVoxel * finestWidth * resolution);
+        ScaleToUnitPower(finest);
+        RefineList(poses, finest, m_points, {levelSteps, firstLevelStep * before, longestLevelStep * before});
+        poses = DistinctBest(m_model, std::move(poses), mergedAtEnd * resolution, finalPoses);
+        RefineList(poses, finest, m_points,
+                   {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution});
+        Judge(DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses));
+    }
+
+    /// Refines each pose; those that a cancelled search did not come to are left out.
+    void RefineList(std::vector<ScoredPose> &poses, const Volume &level, const WeightedPoints &points,
+                    const RefinementSteps &steps) {
+        ForEach(poses.size(), m_parameters.threads, [&](std::size_t i, unsigned) {
+            poses[i] = Refine(level, points, m_model.gyration, poses[i].pose, steps);
+        });
+    }
+
+    void Judge(const std::vector<ScoredPose> &distinct) {
+        if (distinct.empty())
+            return;
+        std::vector<double> scores;
+        for (const ScoredPose &pose : distinct)
+            scores.push_back(pose.score);
+        const WrongTail tail = FitWrongTail(scores);
+        m_result.confidence = ConfidenceOf(m_model, distinct, tail);
+        for (const ScoredPose &pose : distinct)
+            m_result.places.push_back({.pose = pose.pose,
+                                       .translation = pose.pose.centre - pose.pose.rotation * m_model.centre,
+                                       .score = pose.score,
+                                       .probability = tail.Probability(pose.score),
+                                       .logExpected = tail.LogExpected(pose.score)});
+        m_result.verdict = VerdictOf(m_result.confidence);
+    }
+
+    Verdict VerdictOf(const Confidence &confidence) const {
+        if (m_result.sharpShare > mostSharpShare)
+            return Verdict::NotJudged;
+        if (confidence.probability >= declared)
+            return Verdict::Placed;
+        if (confidence.place >= declared && confidence.otherTurns > unsureTurn)
+            return Verdict::TurnUnsure;
+        return Verdict::NothingFound;
+    }
+
+    const PlacementParameters &m_parameters;
+    Monitor &m_monitor;
+    PointModel m_model;
+    Spectrum m_spectrum;
+    WeightedPoints m_points;
+    double m_coarsest = 0; ///< width of the scan's level, Å
+    PlacementResult m_result;
+};
+
+} // namespace
+
+PlacementResult FindPlaces(const Volume &map, const std::vector<ModelAtom> &atoms,
+                           const PlacementParameters &parameters, Monitor &monitor) {
+    if (!(parameters.resolution > 0) || !std::isfinite(parameters.resolution))
+        throw std::invalid_argument("the resolution is not a positive number of Å");
+    return Search(map, atoms, parameters, monitor).Run();
+}
+
+} // namespace placement

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "placement/CoarseSearch.h"
+#include "placement/Confidence.h"
+
+namespace placement {
+
+/// What a search is asked to do.
+struct PlacementParameters {
+    double resolution = 0; ///< of the map, Å
+    unsigned threads = 1;  ///< at least 1; the result does not depend on it
+    PlaceFilter allowed;   ///< where the model's centre may lie; anywhere where it is not set
+};
+
+/// One place that a search found.
+struct Place {
+    Pose pose;              ///< about the model's centre
+    Point translation;      ///< x' = rotation·x + translation acts on the coordinates as they were given
+    double score = 0;       ///< the log-likelihood ratio's sum, on a scale of the map's own
+    double probability = 0; ///< that a wrong place does not score as well; turns in the same hole left out
+    double logExpected = 0; ///< ln of the number of wrong places that are expected to score as well
+};
+
+enum class Verdict {
+    Placed,       ///< the best place is right, with the stated probability
+    TurnUnsure,   ///< the place is right, but other turns about its centre score as well
+    NothingFound, ///< no place stands out
+    NotJudged,    ///< the map is sharpened so much that its scores say nothing of chance
+    NoDensity,    ///< the map is constant, or has no density where the model may lie
+};
+
+struct PlacementResult {
+    Verdict verdict = Verdict::NoDensity;
+    Confidence confidence;      ///< of the first place
+    std::vector<Place> places;  ///< distinct ones, best first
+    double predictedSignal = 0; ///< what was to be expected before the search, see Forecast.h
+    double sharpShare = 0;      ///< part of the map's power beyond its resolution
+    double scanResolution = 0;  ///< Å
+    std::size_t rotations = 0;  ///< that were scanned
+    double rotationStep = 0;    ///< between them, radians
+    bool cancelled = false;
+};
+
+/// Finds where a model belongs in a map, without a start: everywhere in the map and in every turn.
+///
+/// The steps: the map's spectrum and the filter (Spectrum.h, Filter.h), a scan of a coarse level
+/// (CoarseSearch.h), refinement through finer ones (Refinement.h), distinct places and what chance has to say
+/// of the best (DistinctPlaces.h, Confidence.h). A model larger than the map is no error: what lies outside
+/// scores nothing. Throws std::invalid_argument for a model without atoms or a resolution that is not
+/// positive, std::bad_alloc where memory does not suffice.
+PlacementResult FindPlaces(const Volume &map, const std::vector<ModelAtom> &atoms,
+                           const PlacementParameters &parameters, Monitor &monitor);
+
+} // namespace placement

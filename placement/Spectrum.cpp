@@ -1,0 +1,194 @@
+#include "placement/Spectrum.h"
+
+#include "placement/Constants.h"
+
+#include <algorithm>
+#include <numbers>
+
+namespace placement {
+
+namespace {
+
+double Squared(double x) {
+    return x * x;
+}
+
+/// 1 up to `begin`, then half a cosine down to 0 at `end`.
+double LetDown(double x, double begin, double end) {
+    if (x <= begin)
+        return 1;
+    return x >= end ? 0 : 0.5 * (1 + std::cos(std::numbers::pi * (x - begin) / (end - begin)));
+}
+
+RowSource RowsOf(const Volume &volume) {
+    return [&volume](std::size_t j, std::size_t k, float *row) {
+        std::copy_n(volume.values.begin() + std::ptrdiff_t(volume.Index(0, j, k)), volume.count[0], row);
+    };
+}
+
+/// Calls visit(k, |F|², weight) for each wave; one that stands for its conjugate too weighs 2.
+template <class Visit>
+void ForEachWave(const Waves &waves, Visit visit) {
+    const std::complex<float> *wave = waves.values.data();
+    for (std::size_t section = 0; section < waves.Rows(2); ++section) {
+        const double kz = double(waves.Frequency(section, 2)) / waves.length[2];
+        for (std::size_t row = 0; row < waves.Rows(1); ++row) {
+            const double ky = double(waves.Frequency(row, 1)) / waves.length[1];
+            for (std::size_t h = 0; h <= waves.band[0]; ++h) {
+                const double kx = double(h) / waves.length[0];
+                visit(std::sqrt(kx * kx + ky * ky + kz * kz), double(std::norm(*wave++)), h > 0 ? 2.0 : 1.0);
+            }
+        }
+    }
+}
+
+/// Mean square of the values about their mean.
+double Variance(const std::vector<float> &values) {
+    double mean = 0, squares = 0;
+    for (const float value : values)
+        mean += double(value);
+    mean /= double(values.size());
+    for (const float value : values)
+        squares += Squared(double(value) - mean);
+    return squares / double(values.size());
+}
+
+/// Part of the map's power that lies beyond k, its mean left out.
+double PowerBeyond(const Waves &waves, const Volume &map, double end) {
+    const double all = Variance(map.values);
+    if (all == 0)
+        return 0;
+    double within = 0;
+    ForEachWave(waves, [&](double k, double power, double weight) {
+        if (k > 0 && k <= end)
+            within += weight * power;
+    });
+    return std::max(0.0, 1 - within / all);
+}
+
+/// Mean of the values on the six faces.
+double BorderMean(const Volume &map) {
+    const auto [nx, ny, nz] = map.count;
+    double sum = 0;
+    std::size_t number = 0;
+    for (std::size_t k = 0; k < nz; ++k)
+        for (std::size_t j = 0; j < ny; ++j) {
+            const bool whole = k == 0 || k + 1 == nz || j == 0 || j + 1 == ny;
+            for (std::size_t i = 0; i < nx; i += whole || nx == 1 ? 1 : nx - 1) {
+                sum += double(map.values[map.Index(i, j, k)]);
+                ++number;
+            }
+        }
+    return sum / double(number);
+}
+
+/// A sample of the padded axis as a mixture of two samples of the map: behind the last one follows a smooth
+/// step to the first.
+struct Mixture {
+    std::size_t first, second;
+    float share; ///< of the second
+};
+
+Mixture MixtureAt(std::size_t i, std::size_t count, std::size_t padded) {
+    if (i < count)
+        return {i, i, 0};
+    const double w = double(i - count + 1) / double(padded - count + 1);
+    return {count - 1, 0, float(w * w * (3 - 2 * w))};
+}
+
+/// The rows of the padded map.
+RowSource PaddedRows(const Volume &map, const std::array<std::size_t, 3> &padded, float border) {
+    return [&map, padded, border](std::size_t j, std::size_t k, float *row) {
+        const std::size_t nx = map.count[0];
+        std::fill_n(row, nx, -border);
+        const auto add = [&](std::size_t y, std::size_t z, float weight) {
+            const float *values = map.values.data() + map.Index(0, y, z);
+            for (std::size_t i = 0; weight != 0 && i < nx; ++i)
+                row[i] += weight * values[i];
+        };
+        const Mixture y = MixtureAt(j, map.count[1], padded[1]), z = MixtureAt(k, map.count[2], padded[2]);
+        add(y.first, z.first, (1 - y.share) * (1 - z.share));
+        add(y.second, z.first, y.share * (1 - z.share));
+        add(y.first, z.second, (1 - y.share) * z.share);
+        add(y.second, z.second, y.share * z.share);
+        for (std::size_t i = nx; i < padded[0]; ++i) {
+            const Mixture x = MixtureAt(i, nx, padded[0]);
+            row[i] = (1 - x.share) * row[x.first] + x.share * row[x.second];
+        }
+    };
+}
+
+Waves TransformPadded(const Volume &map, double resolution, unsigned threads) {
+    std::array<std::size_t, 3> padded;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        padded[axis] =
+            TransformSize(map.count[axis] + std::size_t(std::ceil(padding * resolution / map.spacing[axis])));
+    return Transform(padded, map.spacing, map.origin, PaddedRows(map, padded, float(BorderMean(map))),
+                     bandEnd / resolution, threads);
+}
+
+double Smallest(const std::array<double, 3> &v) {
+    return *std::ranges::min_element(v);
+}
+
+double Largest(const std::array<double, 3> &v) {
+    return *std::ranges::max_element(v);
+}
+
+void Smooth(std::vector<double> &values) {
+    const std::vector<double> old = values;
+    const auto logarithm = [&](std::size_t i) { return std::log(old[i] + 1e-300); };
+    // The first shells hold the box's shape rather than the spectrum and stay as they are.
+    for (std::size_t i = 2; i + 1 < values.size(); ++i)
+        values[i] = std::exp(0.25 * logarithm(i - 1) + 0.5 * logarithm(i) + 0.25 * logarithm(i + 1));
+}
+
+} // namespace
+
+RadialCurve RadialPower(const Waves &waves, double end) {
+    RadialCurve power{1 / Smallest(waves.length), {}};
+    power.values.resize(std::size_t(end / power.step) + 3);
+    std::vector<double> weights(power.values.size());
+    ForEachWave(waves, [&](double k, double square, double weight) {
+        const auto shell = std::size_t(k / power.step + 0.5);
+        if (shell < weights.size()) {
+            power.values[shell] += weight * square;
+            weights[shell] += weight;
+        }
+    });
+    for (std::size_t i = 0; i < weights.size(); ++i)
+        power.values[i] = weights[i] > 0 ? power.values[i] / weights[i] : i > 0 ? power.values[i - 1] : 0;
+    Smooth(power.values);
+    Smooth(power.values);
+    return power;
+}
+
+Spectrum TransformMap(const Volume &map, double resolution, unsigned threads) {
+    Spectrum spectrum;
+    spectrum.resolution = resolution;
+    spectrum.nyquist = 0.5 / Largest(map.spacing);
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        spectrum.box[axis] = double(map.count[axis]) * map.spacing[axis];
+    const bool holdsMore = 0.5 / Smallest(map.spacing) > bandBegin / resolution;
+    if (holdsMore) {
+        Waves own = Transform(map.count, map.spacing, map.origin, RowsOf(map), bandEnd / resolution, threads);
+        spectrum.sharpShare = PowerBeyond(own, map, cutEnd / resolution);
+        const RadialCurve band = Sample(bandEnd / resolution, 0.01 / resolution, [&](double k) {
+            return LetDown(k * resolution, bandBegin, bandEnd);
+        });
+        const double voxel = std::max(Smallest(map.spacing), bandVoxel * resolution);
+        const Volume limited = Synthesise(own, band, voxel, threads);
+        own = {};
+        spectrum.waves = TransformPadded(limited, resolution, threads);
+    } else {
+        spectrum.waves = TransformPadded(map, resolution, threads);
+    }
+    spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution);
+    // Rounding leaves waves of a constant map that are not quite 0.
+    const auto [lowest, highest] = std::ranges::minmax_element(map.values);
+    if (*lowest < *highest)
+        spectrum.strongest = *std::ranges::max_element(spectrum.power.values);
+    return spectrum;
+}
+
+} // namespace placement

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "placement/Fourier.h"
+
+namespace placement {
+
+/// A map in reciprocal space, up to where the filter ends.
+struct Spectrum {
+    Waves waves;                 ///< of the padded box, the border's mean subtracted
+    RadialCurve power;           ///< S(k): mean of |F|² over shells, smoothed
+    double strongest = 0;        ///< the largest value of S
+    double nyquist = 0;          ///< of the map's widest voxel, 1/Å
+    double resolution = 0;       ///< Å
+    double sharpShare = 0;       ///< part of the map's power beyond `cutEnd` / resolution
+    std::array<double, 3> box{}; ///< lengths of the map itself, Å
+};
+
+/// Transforms a map. Its own box is low-passed first, so that the noise of faces that cut through density
+/// does not spread; then the box is padded by 0.8 resolutions over which opposite faces are joined by a
+/// smooth step: density that the box cuts makes no edge, and so no false peaks.
+///
+/// A map whose values are all equal gives a spectrum with `strongest` 0.
+Spectrum TransformMap(const Volume &map, double resolution, unsigned threads);
+
+/// S(k) of some waves: the mean of |F|² over shells of 1/(shortest edge), smoothed twice by [1 2 1]/4 in the
+/// logarithm.
+RadialCurve RadialPower(const Waves &waves, double end);
+
+} // namespace placement

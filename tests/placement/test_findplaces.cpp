@@ -1,0 +1,141 @@
+#include "placement/FindPlaces.h"
+
+#include "SyntheticModel.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace placement;
+
+namespace {
+
+/// A complex of a model and another one beside it, and the motion that brings the model into its place.
+struct Complex {
+    std::vector<ModelAtom> model = RandomModel(150, 1), placed, all;
+    Matrix rotation = RotationBy({1.1, -0.7, 2});
+    Point translation{40, -25, 60};
+
+    Complex() {
+        placed = Moved(model, rotation, translation);
+        all = placed;
+        for (const ModelAtom &atom :
+             Moved(RandomModel(150, 2), RotationBy({}), translation + Point{38, 0, 0}))
+            all.push_back(atom);
+    }
+
+    /// RMSD of a place from the truth, Å.
+    double Error(const Place &place) const {
+        double squares = 0;
+        for (const ModelAtom &atom : model) {
+            const Point d = place.pose.rotation * atom.position + place.translation -
+                            (rotation * atom.position + translation);
+            squares += Dot(d, d);
+        }
+        return std::sqrt(squares / double(model.size()));
+    }
+};
+
+PlacementResult Find(const Volume &map, const std::vector<ModelAtom> &atoms, double resolution,
+                     unsigned threads = 1) {
+    Monitor silent;
+    return FindPlaces(map, atoms, {.resolution = resolution, .threads = threads, .allowed = {}}, silent);
+}
+
+} // namespace
+
+TEST(FindPlaces, AModelIsFoundWithoutAStart) {
+    const Complex complex;
+    const PlacementResult result = Find(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model, 8);
+    ASSERT_FALSE(result.places.empty());
+    EXPECT_LT(complex.Error(result.places.front()), 0.5);
+    EXPECT_EQ(result.verdict, Verdict::Placed);
+    EXPECT_GT(result.confidence.probability, 0.95);
+    EXPECT_FALSE(result.cancelled);
+}
+
+TEST(FindPlaces, NoiseAndUnequalVoxelsDoNoHarm) {
+    const Complex complex;
+    Volume map = DensityOf(complex.all, 8, {1.7, 2.2, 2}, 10);
+    AddNoise(map, 1, 3);
+    const PlacementResult result = Find(map, complex.model, 8);
+    EXPECT_LT(complex.Error(result.places.front()), 1);
+}
+
+TEST(FindPlaces, ThreadsGiveTheSameBytes) {
+    const Complex complex;
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    const PlacementResult one = Find(map, complex.model, 8, 1), three = Find(map, complex.model, 8, 3);
+    ASSERT_EQ(one.places.size(), three.places.size());
+    for (std::size_t i = 0; i < one.places.size(); ++i) {
+        EXPECT_EQ(one.places[i].score, three.places[i].score);
+        EXPECT_EQ(one.places[i].pose.rotation, three.places[i].pose.rotation);
+        EXPECT_EQ(one.places[i].translation.x, three.places[i].translation.x);
+    }
+    EXPECT_EQ(one.confidence.logExpected, three.confidence.logExpected);
+}
+
+TEST(FindPlaces, AnotherModelIsNotDeclared) {
+    const Complex complex;
+    Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    AddNoise(map, 0.5, 1);
+    for (const unsigned seed : {11, 12, 13})
+        EXPECT_NE(Find(map, RandomModel(150, seed), 8).verdict, Verdict::Placed) << seed;
+}
+
+TEST(FindPlaces, AConstantMapHasNoPlace) {
+    const Volume map{{30, 30, 30}, {2, 2, 2}, {}, std::vector<float>(27000, 1.5f)};
+    const PlacementResult result = Find(map, RandomModel(50, 1), 8);
+    EXPECT_EQ(result.verdict, Verdict::NoDensity);
+    EXPECT_TRUE(result.places.empty());
+}
+
+TEST(FindPlaces, NoiseAloneIsNoPlace) {
+    Volume map{{36, 36, 36}, {2, 2, 2}, {}, std::vector<float>(46656)};
+    std::mt19937 random(1);
+    std::normal_distribution<float> normal;
+    for (float &value : map.values)
+        value = normal(random);
+    const Verdict verdict = Find(map, RandomModel(80, 1), 8).verdict;
+    EXPECT_TRUE(verdict == Verdict::NothingFound || verdict == Verdict::NotJudged);
+}
+
+TEST(FindPlaces, AModelLargerThanTheMapIsNoError) {
+    const std::vector<ModelAtom> atoms = RandomModel(400, 1);
+    Volume map = DensityOf(atoms, 8, {2, 2, 2}, -10);
+    const PlacementResult result = Find(map, atoms, 8);
+    EXPECT_FALSE(result.places.empty());
+}
+
+TEST(FindPlaces, OneResidueAndAMapOfFewVoxelsAreNoError) {
+    const Complex complex;
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    EXPECT_NE(Find(map, RandomModel(1, 1), 8).verdict, Verdict::Placed);
+    EXPECT_NE(Find(map, {{{0, 0, 0}, 6, 0, 0, true}}, 8).verdict, Verdict::Placed);
+    const Volume tiny{{2, 1, 3}, {2, 2, 2}, {}, {0, 1, 2, 3, 4, 5}};
+    EXPECT_NE(Find(tiny, complex.model, 8).verdict, Verdict::Placed);
+}
+
+TEST(FindPlaces, AResolutionFinerThanTheVoxelsIsNoError) {
+    const Complex complex;
+    const PlacementResult result = Find(DensityOf(complex.all, 10, {4, 4, 4}, 10), complex.model, 5);
+    EXPECT_LT(complex.Error(result.places.front()), 1);
+}
+
+TEST(FindPlaces, ItIsCancelledAtOnce) {
+    struct Cancelled : Monitor {
+        bool IsCancelled() override { return true; }
+    } cancelled;
+    const Complex complex;
+    const PlacementResult result = FindPlaces(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model,
+                                              {.resolution = 8, .threads = 1, .allowed = {}}, cancelled);
+    EXPECT_TRUE(result.cancelled);
+    EXPECT_NE(result.verdict, Verdict::Placed);
+}
+
+TEST(FindPlaces, RefusesWhatHasNoMeaning) {
+    const Volume map{{4, 4, 4}, {2, 2, 2}, {}, std::vector<float>(64)};
+    EXPECT_THROW(Find(map, {}, 8), std::invalid_argument);
+    EXPECT_THROW(Find(map, RandomModel(5, 1), 0), std::invalid_argument);
+    EXPECT_THROW(Find(map, RandomModel(5, 1), NAN), std::invalid_argument);
+}
