@@ -67,7 +67,7 @@ fit::Preparation PrepareFew(const Case &searched, int offsets) {
     fit::Preparation fit = Prepare(searched, offsets);
     const double rotations =
         std::ceil(plainLookUps / (double(fit.offsets.size()) * double(fit.target.points.size())));
-    const double axes = std::ceil(rotations / double(fit::CountAngles(fit.angleStep)));
+    const double axes = std::ceil(rotations / double(fit::Angles(fit.angleStep).Count()));
     if (axes < double(fit.axes.size()))
         fit.axes.resize(std::size_t(axes));
     if (axes <= 1)

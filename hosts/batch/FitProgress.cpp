@@ -14,7 +14,7 @@ FitProgress::FitProgress(FitRecord &record, bool quiet)
 
 void FitProgress::Started(const fit::Preparation &fit) {
     m_record.axes = fit.axes.size();
-    m_record.angles = fit::CountAngles(fit.angleStep);
+    m_record.angles = fit::Angles(fit.angleStep).Count();
     m_record.translations = fit.offsets.size();
     m_record.centre = fit.target.centre;
     m_record.sample = search::SamplePoses(fit);

@@ -1,6 +1,6 @@
 #include "fast/AxisThreads.h"
 
-#include "fit/Angles.h"
+#include "fit/Rotations.h"
 
 #include <system_error>
 
@@ -11,17 +11,16 @@ namespace fast {
 PoseTally ScoreAxis(const fit::Preparation &fit, std::size_t axis, EntryNumber first, CubeScorer &scorer,
                     BestPoses &best, const std::stop_token &stop) {
     PoseTally tally;
-    Quaternion rotation;
-    for (double angle = fit.angleStep; angle < fit::fullTurn && !stop.stop_requested();
-         angle += fit.angleStep) {
-        rotation.Set(angle, fit.axes[axis]);
-        tally += scorer.Score(rotation, first, best);
+    for (const double angle : fit::Angles(fit.angleStep)) {
+        if (stop.stop_requested())
+            break;
+        tally += scorer.Score(fit::RotationAbout(fit.axes[axis], angle), first, best);
         first += fit.offsets.size();
     }
     return tally;
 }
 
-AxisThreads::AxisThreads(const fit::Preparation &fit, const FastGrids &grids, std::size_t keep,
+AxisThreads::AxisThreads(const fit::Preparation &fit, const LevelGrids &grids, std::size_t keep,
                          EntryNumber first, std::uint64_t posesPerAxis, unsigned threads)
     : m_fit(fit)
     , m_keep(keep)

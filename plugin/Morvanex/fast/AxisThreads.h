@@ -33,7 +33,7 @@ public:
     /// The first pose of the first axis is entry number `first`. The references must outlive the object.
     /// Makes do with fewer threads where the machine starts no more; throws std::system_error where it starts
     /// none.
-    AxisThreads(const fit::Preparation &fit, const FastGrids &grids, std::size_t keep, EntryNumber first,
+    AxisThreads(const fit::Preparation &fit, const LevelGrids &grids, std::size_t keep, EntryNumber first,
                 std::uint64_t posesPerAxis, unsigned threads);
     ~AxisThreads();
     AxisThreads(const AxisThreads &) = delete;

@@ -1,9 +1,5 @@
 #include "fast/CubeScorer.h"
 
-#include "search/Scoring.h"
-
-#include <QTextStream>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -33,31 +29,26 @@ double StrideInVoxels(const fit::Preparation &fit) {
 
 } // namespace
 
-FastGrids::FastGrids(const fit::Preparation &fit)
-    : map(*fit.map, fit.target.points.size()) {
-    if (fit.keepOut)
-        solid.emplace(*fit.keepOut);
-}
-
-CubeScorer::CubeScorer(const fit::Preparation &fit, const FastGrids &grids)
+CubeScorer::CubeScorer(const fit::Preparation &fit, const LevelGrids &grids)
     : m_fit(fit)
     , m_grids(grids)
     , m_target(fit)
     , m_units(CutIntoUnits(m_target.Offsets(), StrideInVoxels(fit)))
-    , m_mapTables(grids.map.Layout(), m_target, m_units) {
-    if (grids.solid)
-        m_solidTables.emplace(grids.solid->Layout(), m_target, m_units);
+    , m_mapTables(grids.map.Layout(), m_target, m_units)
+    , m_poseScorer(fit) {
+    if (grids.collisions)
+        m_keepOutTables.emplace(grids.collisions->Layout(), m_target, m_units);
 }
 
 PoseTally CubeScorer::Score(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
     m_tally = {};
-    m_target.Turn(rotation);
+    m_target.Rotate(rotation);
     m_mapTables.MapXY();
-    if (m_solidTables)
-        m_solidTables->MapXY();
+    if (m_keepOutTables)
+        m_keepOutTables->MapXY();
     if (m_target.Offsets() == 1)
         ScoreSinglePose(first, best);
-    else if (m_mapTables.MapWindows() && (!m_solidTables || m_solidTables->MapWindows()))
+    else if (m_mapTables.MapWindows() && (!m_keepOutTables || m_keepOutTables->MapWindows()))
         ScoreSlabs(first, best);
     else
         ScoreOneByOne(rotation, first, best);
@@ -66,11 +57,11 @@ PoseTally CubeScorer::Score(const Quaternion &rotation, EntryNumber first, BestP
 
 /// With one offset there is nothing to share: the mapping of the points is the work.
 void CubeScorer::ScoreSinglePose(EntryNumber first, BestPoses &best) {
-    if (m_solidTables) {
-        m_solidTables->MapZ();
-        const PoseIndices pose{m_solidTables->Indices(0, 0), m_solidTables->Indices(1, 0),
-                               m_solidTables->Indices(2, 0)};
-        if (Touches(m_grids.solid->Levels(), m_target.Points(), pose))
+    if (m_keepOutTables) {
+        m_keepOutTables->MapZ();
+        const PoseIndices pose{m_keepOutTables->Indices(0, 0), m_keepOutTables->Indices(1, 0),
+                               m_keepOutTables->Indices(2, 0)};
+        if (Touches(m_grids.collisions->Levels(), m_target.Points(), pose))
             return best.Advance(first + 1, 0);
     }
     m_tally.accepted = 1;
@@ -95,7 +86,7 @@ void CubeScorer::ScoreSlabs(EntryNumber first, BestPoses &best) {
 
 void CubeScorer::ScoreBlock(const Block &block, EntryNumber first, BestPoses &best) {
     ListRows(block);
-    if (m_solidTables)
+    if (m_keepOutTables)
         DropCollidingRows(block);
     for (const Row &row : m_rows)
         m_tally.accepted += std::uint64_t(std::popcount(row.open));
@@ -116,14 +107,14 @@ void CubeScorer::ListRows(const Block &block) {
 }
 
 void CubeScorer::DropCollidingRows(const Block &block) {
-    SumLevels(*m_solidTables, m_grids.solid->Levels(), block, m_sums);
-    MarkSums(m_sums.data(), LookUps(), {1, 65535}, {}, m_marks.data());
+    SumLevels(*m_keepOutTables, m_grids.collisions->Levels(), block, m_sums);
+    MarkSums(m_sums, {1, 65535}, {}, m_marks);
     for (std::size_t row = 0; row < m_rows.size(); ++row)
         m_rows[row].open &= ~Marks(row);
     std::erase_if(m_rows, [](const Row &row) { return row.open == 0; });
 }
 
-void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block,
+void CubeScorer::SumLevels(OffsetTables &tables, const GridValues<std::uint8_t> &levels, const Block &block,
                            std::vector<std::uint16_t> &sums) {
     m_xs.clear();
     m_ys.clear();
@@ -135,10 +126,9 @@ void CubeScorer::SumLevels(OffsetTables &tables, const std::uint8_t *levels, con
             m_ys.push_back(tables.Indices(1, m_rows[row].y));
         m_rowsBegin.push_back(std::uint32_t(row));
     }
-    sums.resize(LookUps() * lookUpOffsets);
-    m_marks.resize(LookUps());
-    SumRows({levels, m_target.PaddedPoints(), tables.WindowsOf(block.unit), m_xs.data(), m_rowsBegin.data(),
-             m_xs.size(), m_ys.data(), sums.data()});
+    sums.resize(m_rows.size() * m_units.shape.MaxOffsets());
+    m_marks.resize(m_rows.size() * m_units.shape.lookUps);
+    SumRows({levels, m_target.Points(), tables.WindowsOf(block.unit), m_xs, m_rowsBegin, m_ys, sums});
 }
 
 /// A bit per offset of the row's unit.
@@ -151,13 +141,14 @@ unsigned CubeScorer::Marks(std::size_t row) const {
 }
 
 /// Closes the poses that score too low for the list, and drops the rows without others. Poses that may score
-/// exactly -1.0 stay open, where there are any: that score marks a rejected pose, so that they are not
-/// accepted.
+/// exactly what marks a rejected pose stay open, where there are any: they are not accepted.
 void CubeScorer::CloseLowRows(double threshold) {
-    const FastMap &map = m_grids.map;
-    const SumRange rejectable = map.HasNegativeVoxels() ? map.SumsBetween(-1.0, -1.0) : SumRange();
-    MarkSums(m_sums.data(), LookUps(), map.SumsBetween(threshold, infinity), rejectable, m_marks.data());
-    const std::size_t rowSums = m_units.shape.MostOffsets();
+    const LevelMap &map = m_grids.map;
+    const SumRange rejectable = map.HasNegativeVoxels()
+                                    ? map.SumsBetween(SolutionScore::rejected, SolutionScore::rejected)
+                                    : SumRange();
+    MarkSums(m_sums, map.SumsBetween(threshold, infinity), rejectable, m_marks);
+    const std::size_t rowSums = m_units.shape.MaxOffsets();
     std::size_t kept = 0;
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
         m_rows[i].open &= Marks(i);
@@ -180,11 +171,13 @@ bool CubeScorer::FineLevelsPay(double threshold) const {
 }
 
 void CubeScorer::CloseByFineLevels(const Block &block, double threshold) {
-    const FastMap &map = m_grids.map;
+    const LevelMap &map = m_grids.map;
     SumLevels(m_mapTables, map.FineLevels(), block, m_fineSums);
-    const FineRange rejectable = map.HasNegativeVoxels() ? map.FineSumsBetween(-1.0, -1.0) : FineRange();
-    MarkFineSums(m_sums.data(), m_fineSums.data(), map.FineSteps(), LookUps(),
-                 map.FineSumsBetween(threshold, infinity), rejectable, m_marks.data());
+    const FineRange rejectable = map.HasNegativeVoxels()
+                                     ? map.FineSumsBetween(SolutionScore::rejected, SolutionScore::rejected)
+                                     : FineRange();
+    MarkFineSums(std::span(m_sums).first(m_fineSums.size()), m_fineSums, map.FineSteps(),
+                 map.FineSumsBetween(threshold, infinity), rejectable, m_marks);
     for (std::size_t i = 0; i < m_rows.size(); ++i)
         m_rows[i].open &= Marks(i);
 }
@@ -210,31 +203,25 @@ void CubeScorer::ScoreCandidates(EntryNumber first, BestPoses &best) {
                                       m_mapTables.Indices(1, offset / side % side),
                                       m_mapTables.Indices(2, offset % side)});
     m_scores.resize(m_candidates.size());
-    ScorePoses(m_grids.map.Voxels(), m_target.Points(), m_candidateIndices.data(), m_candidates.size(),
-               m_scores.data());
+    ScorePoses(m_grids.map.Voxels(), m_target.Points(), m_candidateIndices, m_scores);
     m_tally.scoredExactly += m_candidates.size();
     for (std::size_t i = 0; i < m_candidates.size(); ++i)
-        if (m_scores[i] == -1.0)
+        if (m_scores[i] == SolutionScore::rejected)
             --m_tally.accepted;
         else if (m_scores[i] >= best.Threshold())
             best.Add(m_scores[i], first + m_candidates[i]);
 }
 
 void CubeScorer::ScoreOneByOne(const Quaternion &rotation, EntryNumber first, BestPoses &best) {
-    std::vector<TaggedPoint> moved(m_fit.target.points.size());
-    std::vector<double> noDistances;
-    QTextStream noLog;
+    m_poseScorer.Rotate(rotation);
     for (std::size_t i = 0; i < m_fit.offsets.size(); ++i) {
-        const Vertex translation = search::TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[i]);
-        const double score = DoScores(rotation, translation, m_fit.map, m_fit.target.points, m_fit.keepOut,
-                                      {}, moved, noDistances, noLog, false)
-                                 .score;
+        const SolutionScore solution = m_poseScorer.Score(m_fit.offsets[i]);
         ++m_tally.scoredExactly;
-        if (score == -1.0)
+        if (!solution.IsAccepted())
             continue;
         ++m_tally.accepted;
-        if (score >= best.Threshold())
-            best.Add(score, first + i);
+        if (solution.score >= best.Threshold())
+            best.Add(solution.score, first + i);
     }
     best.Advance(first + m_fit.offsets.size(), m_tally.accepted);
 }

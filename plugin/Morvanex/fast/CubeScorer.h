@@ -1,19 +1,13 @@
 #pragma once
 
 #include "fast/BestPoses.h"
+#include "fast/LevelGrids.h"
 #include "fast/OffsetTables.h"
+#include "search/PoseScorer.h"
 
 #include <optional>
 
 namespace fast {
-
-/// The grids of a fit, laid out for the fast search.
-struct FastGrids {
-    explicit FastGrids(const fit::Preparation &fit);
-
-    FastMap map;
-    std::optional<FastSolid> solid;
-};
 
 /// What the scoring of some poses came to.
 struct PoseTally {
@@ -31,7 +25,7 @@ struct PoseTally {
 class CubeScorer {
 public:
     /// Both must outlive it.
-    CubeScorer(const fit::Preparation &fit, const FastGrids &grids);
+    CubeScorer(const fit::Preparation &fit, const LevelGrids &grids);
 
     /// Adds to `best` those poses of the rotation that reach its threshold. The pose at the first offset is
     /// entry number `first`, the others follow.
@@ -53,10 +47,8 @@ private:
     void ScoreBlock(const Block &block, EntryNumber first, BestPoses &best);
     void ListRows(const Block &block);
     void DropCollidingRows(const Block &block);
-    void SumLevels(OffsetTables &tables, const std::uint8_t *levels, const Block &block,
+    void SumLevels(OffsetTables &tables, const GridValues<std::uint8_t> &levels, const Block &block,
                    std::vector<std::uint16_t> &sums);
-    /// The look-ups of the rows that are left.
-    std::size_t LookUps() const { return m_rows.size() * m_units.shape.lookUps; }
     unsigned Marks(std::size_t row) const;
     void CloseLowRows(double threshold);
     void CloseByFineLevels(const Block &block, double threshold);
@@ -66,11 +58,12 @@ private:
     void ScoreOneByOne(const VARNO::Quaternion &rotation, EntryNumber first, BestPoses &best);
 
     const fit::Preparation &m_fit;
-    const FastGrids &m_grids;
-    TurnedTarget m_target;
+    const LevelGrids &m_grids;
+    RotatedTarget m_target;
     OffsetUnits m_units;
     OffsetTables m_mapTables;
-    std::optional<OffsetTables> m_solidTables;
+    std::optional<OffsetTables> m_keepOutTables;
+    search::PoseScorer m_poseScorer;
     PoseTally m_tally; ///< of the current rotation
 
     // What one block needs, kept to be used again.

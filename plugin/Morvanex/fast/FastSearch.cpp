@@ -1,10 +1,7 @@
 #include "fast/FastSearch.h"
 
-#include "fit/Angles.h"
-#include "search/Scoring.h"
+#include "fit/Rotations.h"
 #include "solutions/TopList.h"
-
-#include <QTextStream>
 
 #include <algorithm>
 #include <cmath>
@@ -17,21 +14,21 @@ namespace fast {
 namespace {
 
 /// Coordinates up to this keep every sum and difference of the mapping finite.
-constexpr float largestCoordinate = 1e15f;
+constexpr float maxCoordinate = 1e15f;
 
 bool AreFinite(std::span<const float> values) {
     return std::ranges::all_of(values, [](float value) { return std::isfinite(value); });
 }
 
-bool IsTame(const Vertex &v) {
-    return std::abs(v[0]) <= largestCoordinate && std::abs(v[1]) <= largestCoordinate &&
-           std::abs(v[2]) <= largestCoordinate;
+bool IsInRange(const Vertex &v) {
+    return std::abs(v[0]) <= maxCoordinate && std::abs(v[1]) <= maxCoordinate &&
+           std::abs(v[2]) <= maxCoordinate;
 }
 
-bool AreTame(const fit::Preparation &fit) {
-    return IsTame(fit.target.centre) && std::ranges::all_of(fit.offsets, IsTame) &&
+bool AreInRange(const fit::Preparation &fit) {
+    return IsInRange(fit.target.centre) && std::ranges::all_of(fit.offsets, IsInRange) &&
            std::ranges::all_of(fit.target.points,
-                               [](const TaggedPoint &point) { return IsTame(point.first); });
+                               [](const TaggedPoint &point) { return IsInRange(point.first); });
 }
 
 /// Bytes beside the host's own grids.
@@ -40,12 +37,12 @@ double GridBytes(const fit::Preparation &fit) {
     return fit.keepOut ? map + double(GridLayout(*fit.keepOut).Size()) : map;
 }
 
-double MayTakeBytes(const fit::Preparation &fit) {
+double MemoryAllowance(const fit::Preparation &fit) {
     return 2.0 * double(fit.map->Values().size_bytes()) + 64.0 * 1024 * 1024;
 }
 
 double PosesPerAxis(const fit::Preparation &fit) {
-    return double(fit::CountAngles(fit.angleStep)) * double(fit.offsets.size());
+    return double(fit::Rotations(fit).PerAxis()) * double(fit.offsets.size());
 }
 
 /// Bytes that a thread takes at most: its tables and windows, and the entries of the axis in work and of the
@@ -53,47 +50,11 @@ double PosesPerAxis(const fit::Preparation &fit) {
 double ThreadBytes(const fit::Preparation &fit, std::size_t keep) {
     constexpr double tableEntry = 3 * sizeof(std::int32_t), window = 32 + 2 * sizeof(std::int32_t);
     const double side = std::cbrt(double(fit.offsets.size()));
-    const double tables = double(Padded(fit.target.points.size())) * side * (tableEntry + window);
+    const double tables =
+        double(PaddedPoints(fit.target.points.size()).Entries()) * side * (tableEntry + window);
     const double entries = std::min(2 * double(keep) + 4096, PosesPerAxis(fit));
     return (fit.keepOut ? 2 : 1) * tables + 4 * entries * sizeof(ScoredEntry);
 }
-
-double Rotations(const fit::Preparation &fit) {
-    return 1 + double(fit.axes.size()) * double(fit::CountAngles(fit.angleStep));
-}
-
-/// The rotations by their number in the search's order: the identity, then angle after angle, axis after
-/// axis.
-class RotationWalk {
-public:
-    explicit RotationWalk(const fit::Preparation &fit)
-        : m_fit(fit)
-        , m_angles(fit::CountAngles(fit.angleStep)) {}
-
-    /// The rotation of that number, which must not be lower than the one before.
-    Quaternion At(std::uint64_t number) {
-        Quaternion rotation;
-        if (number == 0) {
-            rotation.Set(0.0, Vertex(1, 0, 0, false));
-            return rotation;
-        }
-        const std::uint64_t axis = (number - 1) / m_angles, steps = (number - 1) % m_angles + 1;
-        if (axis != m_axis) {
-            m_axis = axis;
-            m_steps = 0;
-            m_angle = 0;
-        }
-        for (; m_steps < steps; ++m_steps)
-            m_angle += m_fit.angleStep;
-        rotation.Set(m_angle, m_fit.axes[axis]);
-        return rotation;
-    }
-
-private:
-    const fit::Preparation &m_fit;
-    std::uint64_t m_angles, m_axis = 0, m_steps = 0;
-    double m_angle = 0;
-};
 
 std::vector<EntryNumber> Numbers(const std::vector<ScoredEntry> &entries) {
     std::vector<EntryNumber> numbers;
@@ -111,22 +72,22 @@ void KeepLast(std::vector<EntryNumber> &numbers, std::uint64_t count) {
 
 bool FastSearch::Serves(const fit::Preparation &fit) {
     const std::size_t points = fit.target.points.size();
-    if (!fit.map || points == 0 || points > FastMap::mostPoints || fit.offsets.empty() || !AreTame(fit))
+    if (!fit.map || points == 0 || points > LevelMap::maxPoints || fit.offsets.empty() || !AreInRange(fit))
         return false;
     // Laying the grids out costs about as much as looking up as many points.
-    const double lookUps = Rotations(fit) * double(fit.offsets.size()) * double(points);
+    const double lookUps = double(fit::Rotations(fit).Count()) * double(fit.offsets.size()) * double(points);
     if (lookUps < 2 * double(fit.map->Values().size()) || lookUps > 0x1p62)
         return false;
     for (const Grid *grid : {fit.map, fit.keepOut})
         if (grid && !(GridLayout::Holds(*grid) && AreFinite(grid->Values())))
             return false;
-    return GridBytes(fit) <= MayTakeBytes(fit) &&
+    return GridBytes(fit) <= MemoryAllowance(fit) &&
            std::ranges::all_of(Solutions, [](const SolutionScore &s) { return std::isfinite(s.score); });
 }
 
 unsigned FastSearch::ThreadsWithin(const fit::Preparation &fit, int keep, unsigned threads) {
-    const double room = MayTakeBytes(fit) - GridBytes(fit);
-    const double fitting = room / ThreadBytes(fit, std::size_t(std::max(keep, 0)));
+    const double available = MemoryAllowance(fit) - GridBytes(fit);
+    const double fitting = available / ThreadBytes(fit, std::size_t(std::max(keep, 0)));
     return unsigned(std::clamp(fitting, 1.0, double(threads)));
 }
 
@@ -137,7 +98,8 @@ FastSearch::FastSearch(const fit::Preparation &fit, int keep, unsigned threads, 
     , m_grids(fit)
     , m_scorer(fit, m_grids)
     , m_best(m_keep)
-    , m_angles(fit::CountAngles(fit.angleStep))
+    , m_poseScorer(fit)
+    , m_rotations(fit)
     , m_earlier(Solutions.size())
     , m_next(m_earlier)
     , m_appended(m_earlier) {
@@ -146,17 +108,17 @@ FastSearch::FastSearch(const fit::Preparation &fit, int keep, unsigned threads, 
         m_best.Add(solution.score, number++);
     m_best.Advance(m_earlier, m_earlier);
     if (const unsigned many = ThreadsWithin(fit, keep, threads); many > 1)
-        m_threads.emplace(fit, m_grids, m_keep, m_next + fit.offsets.size(), m_angles * fit.offsets.size(),
-                          many);
+        m_threads.emplace(fit, m_grids, m_keep, m_next + fit.offsets.size(),
+                          m_rotations.PerAxis() * fit.offsets.size(), many);
 }
 
 void FastSearch::Identity() {
-    Count(m_fit.offsets.size(), m_scorer.Score(RotationWalk(m_fit).At(0), m_next, m_best));
+    Count(m_fit.offsets.size(), m_scorer.Score(fit::Rotations::Identity(), m_next, m_best));
     m_appendedByIdentity = m_appended;
 }
 
 void FastSearch::Axis(std::size_t number) {
-    const std::uint64_t poses = m_angles * m_fit.offsets.size();
+    const std::uint64_t poses = m_rotations.PerAxis() * m_fit.offsets.size();
     if (m_threads) {
         const auto [tally, entries] = m_threads->Take(m_best.Threshold());
         for (const auto &[score, entry] : entries)
@@ -203,18 +165,19 @@ void FastSearch::Abandon() {
     List(numbers);
 }
 
-/// The list is trimmed after the first turned pose if the identity pass has left more than twice the number
+/// The list is trimmed after the first rotated pose if the identity pass has left more than twice the number
 /// to keep, and whenever it has grown beyond that: after each keep + 1 more.
-std::uint64_t FastSearch::AppendedSinceLastTrim() const {
-    const bool turned = m_next > m_earlier + m_fit.offsets.size();
+std::uint64_t FastSearch::AppendedSinceLastTrim() {
+    const bool rotated = m_next > m_earlier + m_fit.offsets.size();
     std::uint64_t first = 2 * m_keep + 1;
-    if (turned && m_appendedByIdentity >= first)
-        first = m_appendedByIdentity + IsFirstTurnAccepted();
-    return turned && m_appended >= first ? (m_appended - first) % (m_keep + 1) : m_appended;
+    if (rotated && m_appendedByIdentity >= first)
+        first = m_appendedByIdentity + IsFirstRotatedPoseAccepted();
+    return rotated && m_appended >= first ? (m_appended - first) % (m_keep + 1) : m_appended;
 }
 
-bool FastSearch::IsFirstTurnAccepted() const {
-    return Solve(RotationWalk(m_fit).At(1), 0).score != -1.0;
+bool FastSearch::IsFirstRotatedPoseAccepted() {
+    m_poseScorer.Rotate(m_rotations.At(1));
+    return m_poseScorer.Score(m_fit.offsets.front()).IsAccepted();
 }
 
 /// The numbers of the poses accepted last, found by scoring pass after pass again from the last one on.
@@ -222,11 +185,10 @@ std::vector<EntryNumber> FastSearch::LastAccepted(std::uint64_t count) {
     std::vector<EntryNumber> accepted;
     for (std::size_t pass = m_axesDone + 1; pass-- > 0 && accepted.size() < count;) {
         std::vector<EntryNumber> ofPass;
-        RotationWalk walk(m_fit);
-        const std::uint64_t begin = pass == 0 ? 0 : 1 + (pass - 1) * m_angles;
-        const std::uint64_t end = pass == 0 ? 1 : begin + m_angles;
+        const std::uint64_t begin = pass == 0 ? 0 : 1 + (pass - 1) * m_rotations.PerAxis();
+        const std::uint64_t end = pass == 0 ? 1 : begin + m_rotations.PerAxis();
         for (std::uint64_t rotation = begin; rotation < end; ++rotation)
-            KeepLastAccepted(walk.At(rotation), rotation, count, ofPass);
+            KeepLastAccepted(rotation, count, ofPass);
         accepted.insert(accepted.begin(), ofPass.begin(), ofPass.end());
     }
     KeepLast(accepted, count);
@@ -234,23 +196,14 @@ std::vector<EntryNumber> FastSearch::LastAccepted(std::uint64_t count) {
 }
 
 /// Adds the rotation's accepted poses to those found and keeps the last `count`.
-void FastSearch::KeepLastAccepted(const Quaternion &rotation, std::uint64_t number, std::uint64_t count,
+void FastSearch::KeepLastAccepted(std::uint64_t rotation, std::uint64_t count,
                                   std::vector<EntryNumber> &accepted) {
     BestPoses all(std::numeric_limits<std::uint32_t>::max());
-    m_scorer.Score(rotation, m_earlier + number * m_fit.offsets.size(), all);
+    m_scorer.Score(m_rotations.At(rotation), m_earlier + rotation * m_fit.offsets.size(), all);
     std::vector<EntryNumber> numbers = Numbers(all.Entries());
     std::ranges::sort(numbers);
     accepted.insert(accepted.end(), numbers.begin(), numbers.end());
     KeepLast(accepted, count);
-}
-
-SolutionScore FastSearch::Solve(const Quaternion &rotation, std::size_t offset) const {
-    std::vector<TaggedPoint> moved(m_fit.target.points.size());
-    std::vector<double> distances(m_fit.target.restraints.size());
-    QTextStream noLog;
-    return DoScores(rotation, search::TranslationAbout(m_fit.target.centre, rotation, m_fit.offsets[offset]),
-                    m_fit.map, m_fit.target.points, m_fit.keepOut, m_fit.target.restraints, moved, distances,
-                    noLog, false);
 }
 
 /// Makes `Solutions` consist of these entries, in this order.
@@ -261,7 +214,6 @@ void FastSearch::List(const std::vector<EntryNumber> &numbers) {
     std::vector<SolutionScore> solutions(numbers.size());
     auto earlier = Solutions.begin();
     EntryNumber reached = 0;
-    RotationWalk walk(m_fit);
     for (const std::size_t i : order) {
         if (numbers[i] < m_earlier) {
             std::advance(earlier, numbers[i] - reached);
@@ -269,7 +221,8 @@ void FastSearch::List(const std::vector<EntryNumber> &numbers) {
             solutions[i] = std::move(*earlier);
         } else {
             const EntryNumber pose = numbers[i] - m_earlier;
-            solutions[i] = Solve(walk.At(pose / m_fit.offsets.size()), pose % m_fit.offsets.size());
+            m_poseScorer.Rotate(m_rotations.At(pose / m_fit.offsets.size()));
+            solutions[i] = m_poseScorer.Score(m_fit.offsets[pose % m_fit.offsets.size()]);
         }
     }
     Solutions.assign(std::move_iterator(solutions.begin()), std::move_iterator(solutions.end()));

@@ -2,6 +2,8 @@
 
 #include "fast/AxisThreads.h"
 #include "fast/BestPoses.h"
+#include "fit/Rotations.h"
+#include "search/PoseScorer.h"
 #include "search/Search.h"
 #include "search/SearchPasses.h"
 #include "solutions/Solution.h"
@@ -30,21 +32,20 @@ public:
 
 private:
     void Count(std::uint64_t tried, const PoseTally &tally);
-    std::uint64_t AppendedSinceLastTrim() const;
-    bool IsFirstTurnAccepted() const;
+    std::uint64_t AppendedSinceLastTrim();
+    bool IsFirstRotatedPoseAccepted();
     std::vector<EntryNumber> LastAccepted(std::uint64_t count);
-    void KeepLastAccepted(const VARNO::Quaternion &rotation, std::uint64_t number, std::uint64_t count,
-                          std::vector<EntryNumber> &accepted);
-    SolutionScore Solve(const VARNO::Quaternion &rotation, std::size_t offset) const;
+    void KeepLastAccepted(std::uint64_t rotation, std::uint64_t count, std::vector<EntryNumber> &accepted);
     void List(const std::vector<EntryNumber> &numbers);
 
     const fit::Preparation &m_fit;
     std::size_t m_keep;
     search::PoseCounts &m_counts;
-    FastGrids m_grids;
+    LevelGrids m_grids;
     CubeScorer m_scorer;
     BestPoses m_best;
-    std::uint64_t m_angles;  ///< about each axis
+    search::PoseScorer m_poseScorer;
+    fit::Rotations m_rotations;
     std::uint64_t m_earlier; ///< solutions that stood in the list before
     EntryNumber m_next;      ///< the number of the next pose
     std::size_t m_axesDone = 0;

@@ -1,8 +1,7 @@
 #include "fast/Kernels.h"
 
-// The emulated target stands in where the machine has none of the others. Highway leaves it out for compilers
-// that miscompile its MulHigh, which is not used here.
-#define HWY_BROKEN_EMU128 0
+#include "fast/InstructionSets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "fast/Kernels.cpp"
 #include <hwy/foreach_target.h>
@@ -10,25 +9,27 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <cassert>
 
 HWY_BEFORE_NAMESPACE();
 namespace fast::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Floats = hn::CappedTag<float, pointBlock>;
+using Floats = hn::CappedTag<float, PaddedPoints::block>;
 using Indices = hn::RebindToSigned<Floats>;
 
-void RotatePoints(const double *m, const double *const *p, std::size_t padded, float *const *out) {
-    const hn::CappedTag<double, pointBlock / 2> d;
+void RotatePoints(const std::array<double, 9> &m, const CoordinateArrays<const double> &p,
+                  PaddedPoints points, const CoordinateArrays<float> &rotated) {
+    const hn::CappedTag<double, PaddedPoints::block / 2> d;
     const hn::Rebind<float, decltype(d)> rounded;
-    for (std::size_t i = 0; i < padded; i += hn::Lanes(d)) {
+    for (std::size_t i = 0; i < points.Entries(); i += hn::Lanes(d)) {
         const auto x = hn::LoadU(d, p[0] + i), y = hn::LoadU(d, p[1] + i), z = hn::LoadU(d, p[2] + i);
         for (std::size_t row = 0; row < 3; ++row) {
             const auto xy =
                 hn::Add(hn::Mul(hn::Set(d, m[3 * row]), x), hn::Mul(hn::Set(d, m[3 * row + 1]), y));
             const auto sum = hn::Add(xy, hn::Mul(hn::Set(d, m[3 * row + 2]), z));
-            hn::StoreU(hn::DemoteTo(rounded, sum), rounded, out[row] + i);
+            hn::StoreU(hn::DemoteTo(rounded, sum), rounded, rotated[row] + i);
         }
     }
 }
@@ -49,15 +50,15 @@ HWY_INLINE auto NearestIndex(V p, const GridAxis &axis) {
     return hn::Add(index, hn::VecFromMask(di, hn::RebindMask(di, hn::Le(q, hn::Set(d, -1.5f)))));
 }
 
-void MapCoordinates(const float *coordinates, std::size_t padded, float translation, const GridAxis &axis,
-                    std::int32_t *out) {
+void MapCoordinates(const float *coordinates, PaddedPoints points, float translation, const GridAxis &axis,
+                    std::int32_t *indices) {
     const Floats d;
     const Indices di;
     const auto shift = hn::Set(d, translation);
     const auto stride = hn::Set(di, axis.stride);
-    for (std::size_t i = 0; i < padded; i += hn::Lanes(d)) {
+    for (std::size_t i = 0; i < points.Entries(); i += hn::Lanes(d)) {
         const auto index = NearestIndex(hn::Add(hn::LoadU(d, coordinates + i), shift), axis);
-        hn::StoreU(hn::Mul(index, stride), di, out + i);
+        hn::StoreU(hn::Mul(index, stride), di, indices + i);
     }
 }
 
@@ -80,33 +81,31 @@ SplitPositions(std::uint8_t *patterns, hn::Vec<hn::FixedTag<std::uint8_t, 16>> l
     return hn::Max(largest, position);
 }
 
-bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
+bool MapWindows(const float *coordinates, PaddedPoints points, const UnitTranslations &translations,
                 std::size_t count, const GridAxis &axis, const Windows &windows) {
     const Floats d;
     const Indices di;
     const hn::Rebind<std::uint8_t, Indices> bytes;
     const std::size_t lanes = hn::Lanes(d);
-    GridAxis ends = axis;
-    ends.stride = 1;
-    HWY_NAMESPACE::MapCoordinates(coordinates, padded, translations[0], ends, windows.starts);
-    HWY_NAMESPACE::MapCoordinates(coordinates, padded, translations[count - 1], ends, windows.scratch);
-    for (std::size_t i = 0; i < padded; i += lanes)
+    HWY_NAMESPACE::MapCoordinates(coordinates, points, translations[0], axis, windows.starts);
+    HWY_NAMESPACE::MapCoordinates(coordinates, points, translations[count - 1], axis, windows.scratch);
+    for (std::size_t i = 0; i < points.Entries(); i += lanes)
         hn::StoreU(hn::Min(hn::LoadU(di, windows.starts + i), hn::LoadU(di, windows.scratch + i)), di,
                    windows.starts + i);
     const std::size_t window = windows.shape.bytes;
-    for (std::size_t i = 0; i < points; ++i) {
+    for (std::size_t i = 0; i < points.Points(); ++i) {
         const auto p = hn::Set(d, coordinates[i]);
         const auto start = hn::Set(di, windows.starts[i]);
         std::uint8_t *pattern = windows.patterns + i * windows.shape.PatternBytes();
         for (std::size_t k = 0; k < count; k += lanes) {
-            const auto index = NearestIndex(hn::Add(p, hn::LoadU(d, translations + k)), axis);
+            const auto index = NearestIndex(hn::Add(p, hn::LoadU(d, translations.data() + k)), axis);
             hn::StoreU(hn::DemoteTo(bytes, hn::Sub(index, start)), bytes,
                        pattern + k / lookUpOffsets * window + k % lookUpOffsets);
         }
     }
     const hn::FixedTag<std::uint8_t, 16> d8;
     auto largest = hn::Zero(d8);
-    for (std::size_t i = 0; i < points * windows.shape.lookUps; ++i) {
+    for (std::size_t i = 0; i < points.Points() * windows.shape.lookUps; ++i) {
         std::uint8_t *pattern = windows.patterns + i * window;
         largest = window == 32 ? SplitPositions(pattern, largest) : hn::Max(largest, hn::LoadU(d8, pattern));
     }
@@ -160,8 +159,9 @@ void SumRowsOf(const RowSums &job) {
     const hn::FixedTag<std::uint8_t, windowBytes> d;
     constexpr std::size_t rowSums = lookUps * lookUpOffsets, pattern = lookUps * windowBytes;
     constexpr std::size_t second = pattern - windowBytes; // the first where there is no other
-    std::fill_n(job.sums, rowSums * job.rowsBegin[job.xCount], std::uint16_t(0));
-    for (std::size_t point = 0; point < job.padded; point += levelGroup) {
+    const std::uint8_t *levels = job.levels.First();
+    std::ranges::fill(job.sums, std::uint16_t(0));
+    for (std::size_t point = 0; point < job.points.Entries(); point += levelGroup) {
         const std::uint8_t *p0 = job.windows.patterns + point * pattern, *p1 = p0 + pattern,
                            *p2 = p1 + pattern, *p3 = p2 + pattern;
         const auto first0 = hn::LoadU(d, p0), first1 = hn::LoadU(d, p1), first2 = hn::LoadU(d, p2),
@@ -169,15 +169,13 @@ void SumRowsOf(const RowSums &job) {
         const auto second0 = hn::LoadU(d, p0 + second), second1 = hn::LoadU(d, p1 + second),
                    second2 = hn::LoadU(d, p2 + second), second3 = hn::LoadU(d, p3 + second);
         const std::int32_t *starts = job.windows.starts + point;
-        std::uint16_t *sums = job.sums;
-        const std::int32_t *const *row = job.ys;
-        for (std::size_t x = 0; x < job.xCount; ++x) {
+        std::uint16_t *sums = job.sums.data();
+        const std::int32_t *const *row = job.ys.data();
+        for (std::size_t x = 0; x < job.xs.size(); ++x) {
             const std::int32_t *xs = job.xs[x] + point;
-            const std::uint8_t *slab0 = job.levels + xs[0] + starts[0],
-                               *slab1 = job.levels + xs[1] + starts[1],
-                               *slab2 = job.levels + xs[2] + starts[2],
-                               *slab3 = job.levels + xs[3] + starts[3];
-            for (const auto end = job.ys + job.rowsBegin[x + 1]; row != end; ++row) {
+            const std::uint8_t *slab0 = levels + xs[0] + starts[0], *slab1 = levels + xs[1] + starts[1],
+                               *slab2 = levels + xs[2] + starts[2], *slab3 = levels + xs[3] + starts[3];
+            for (const auto end = job.ys.data() + job.rowsBegin[x + 1]; row != end; ++row) {
                 const std::int32_t *ys = *row + point;
                 const auto row0 = hn::LoadU(d, slab0 + ys[0]), row1 = hn::LoadU(d, slab1 + ys[1]),
                            row2 = hn::LoadU(d, slab2 + ys[2]), row3 = hn::LoadU(d, slab3 + ys[3]);
@@ -196,7 +194,7 @@ void SumRowsOf(const RowSums &job) {
     if (job.windows.shape.lookUps == 1)
         SumRowsOf<windowBytes, 1>(job);
     else
-        SumRowsOf<windowBytes, mostLookUps>(job);
+        SumRowsOf<windowBytes, maxLookUps>(job);
 }
 
 void SumRows(const RowSums &job) {
@@ -206,14 +204,14 @@ void SumRows(const RowSums &job) {
     SumRowsOf<16>(job);
 }
 
-void MarkSums(const std::uint16_t *sums, std::size_t lookUps, SumRange a, SumRange b, std::uint16_t *marks) {
+void MarkSums(std::span<const std::uint16_t> sums, SumRange a, SumRange b, std::span<std::uint16_t> marks) {
     const Sums d;
     const auto aFirst = hn::Set(d, a.first), aLast = hn::Set(d, a.last);
     const auto bFirst = hn::Set(d, b.first), bLast = hn::Set(d, b.last);
-    for (std::size_t i = 0; i < lookUps; ++i) {
+    for (std::size_t i = 0; i < marks.size(); ++i) {
         std::uint8_t bits[8] = {};
         for (std::size_t k = 0; k < lookUpOffsets; k += sumLanes) {
-            const auto sum = hn::LoadU(d, sums + i * lookUpOffsets + k);
+            const auto sum = hn::LoadU(d, sums.data() + i * lookUpOffsets + k);
             const auto inA = hn::And(hn::Eq(hn::Max(sum, aFirst), sum), hn::Eq(hn::Min(sum, aLast), sum));
             const auto inB = hn::And(hn::Eq(hn::Max(sum, bFirst), sum), hn::Eq(hn::Min(sum, bLast), sum));
             hn::StoreMaskBits(d, hn::Or(inA, inB), bits + k / 8);
@@ -222,8 +220,8 @@ void MarkSums(const std::uint16_t *sums, std::size_t lookUps, SumRange a, SumRan
     }
 }
 
-void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
-                  std::size_t lookUps, FineRange a, FineRange b, std::uint16_t *marks) {
+void MarkFineSums(std::span<const std::uint16_t> sums, std::span<const std::uint16_t> fineSums,
+                  std::int32_t fineSteps, FineRange a, FineRange b, std::span<std::uint16_t> marks) {
     const hn::CappedTag<std::int32_t, 8> d;
     const hn::Rebind<std::uint16_t, decltype(d)> d16;
     // Highway has no >= for whole numbers here.
@@ -231,12 +229,12 @@ void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std:
         return hn::And(hn::Eq(hn::Max(sum, hn::Set(d, range.first)), sum),
                        hn::Eq(hn::Min(sum, hn::Set(d, range.last)), sum));
     };
-    for (std::size_t i = 0; i < lookUps; ++i) {
+    for (std::size_t i = 0; i < marks.size(); ++i) {
         unsigned bits = 0;
         for (std::size_t k = 0; k < lookUpOffsets; k += hn::Lanes(d)) {
             const std::size_t at = i * lookUpOffsets + k;
-            const auto levels = hn::PromoteTo(d, hn::LoadU(d16, sums + at));
-            const auto fine = hn::PromoteTo(d, hn::LoadU(d16, fineSums + at));
+            const auto levels = hn::PromoteTo(d, hn::LoadU(d16, sums.data() + at));
+            const auto fine = hn::PromoteTo(d, hn::LoadU(d16, fineSums.data() + at));
             const auto sum = hn::Sub(hn::Mul(levels, hn::Set(d, fineSteps)), fine);
             std::uint8_t lanes[8] = {};
             hn::StoreMaskBits(d, hn::Or(within(sum, a), within(sum, b)), lanes);
@@ -246,22 +244,23 @@ void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std:
     }
 }
 
-/// The voxels' indices under `pointBlock` points of a pose.
+/// The voxels' indices under `PaddedPoints::block` points of a pose.
 HWY_INLINE void FindVoxels(const PoseIndices &pose, std::size_t point, std::int32_t *at) {
     const Indices d;
-    for (std::size_t i = 0; i < pointBlock; i += hn::Lanes(d)) {
+    for (std::size_t i = 0; i < PaddedPoints::block; i += hn::Lanes(d)) {
         const auto xy = hn::Add(hn::LoadU(d, pose.x + point + i), hn::LoadU(d, pose.y + point + i));
         hn::StoreU(hn::Add(xy, hn::LoadU(d, pose.z + point + i)), d, at + i);
     }
 }
 
-bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose) {
+bool Touches(const GridValues<std::uint8_t> &levels, PaddedPoints points, const PoseIndices &pose) {
+    const std::uint8_t *first = levels.First();
     unsigned touched = 0;
-    for (std::size_t point = 0; point < points && touched == 0; point += pointBlock) {
-        HWY_ALIGN std::int32_t at[pointBlock];
+    for (std::size_t point = 0; point < points.Points() && touched == 0; point += PaddedPoints::block) {
+        HWY_ALIGN std::int32_t at[PaddedPoints::block];
         FindVoxels(pose, point, at);
-        for (std::size_t i = 0; i < std::min(pointBlock, points - point); ++i)
-            touched |= levels[at[i]];
+        for (std::size_t i = 0; i < std::min(PaddedPoints::block, points.Points() - point); ++i)
+            touched |= first[at[i]];
     }
     return touched != 0;
 }
@@ -270,11 +269,11 @@ bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &
 template <std::size_t side>
 void ScorePosesBy(const float *voxels, std::size_t points, const PoseIndices *poses, double *scores) {
     double sums[side] = {};
-    for (std::size_t point = 0; point < points; point += pointBlock) {
-        HWY_ALIGN std::int32_t at[side][pointBlock];
+    for (std::size_t point = 0; point < points; point += PaddedPoints::block) {
+        HWY_ALIGN std::int32_t at[side][PaddedPoints::block];
         for (std::size_t c = 0; c < side; ++c)
             FindVoxels(poses[c], point, at[c]);
-        const std::size_t end = std::min(pointBlock, points - point);
+        const std::size_t end = std::min(PaddedPoints::block, points - point);
         for (std::size_t i = 0; i < end; ++i)
             for (std::size_t c = 0; c < side; ++c)
                 sums[c] += double(voxels[at[c][i]]);
@@ -282,13 +281,13 @@ void ScorePosesBy(const float *voxels, std::size_t points, const PoseIndices *po
     std::copy_n(sums, side, scores);
 }
 
-void ScorePoses(const float *voxels, std::size_t points, const PoseIndices *poses, std::size_t count,
-                double *scores) {
+void ScorePoses(const GridValues<float> &voxels, PaddedPoints points, std::span<const PoseIndices> poses,
+                std::span<double> scores) {
     std::size_t first = 0;
-    for (; first + 4 <= count; first += 4)
-        ScorePosesBy<4>(voxels, points, poses + first, scores + first);
-    for (; first < count; ++first)
-        ScorePosesBy<1>(voxels, points, poses + first, scores + first);
+    for (; first + 4 <= poses.size(); first += 4)
+        ScorePosesBy<4>(voxels.First(), points.Points(), &poses[first], &scores[first]);
+    for (; first < poses.size(); ++first)
+        ScorePosesBy<1>(voxels.First(), points.Points(), &poses[first], &scores[first]);
 }
 
 } // namespace fast::HWY_NAMESPACE
@@ -307,36 +306,87 @@ HWY_EXPORT(MarkFineSums);
 HWY_EXPORT(Touches);
 HWY_EXPORT(ScorePoses);
 
-void RotatePoints(const double *matrix, const double *const *p, std::size_t padded, float *const *out) {
-    HWY_DYNAMIC_DISPATCH(RotatePoints)(matrix, p, padded, out);
+namespace {
+
+// What the kernels assume, for debug builds.
+
+[[maybe_unused]] bool IsPossible(const WindowShape &shape) {
+    return (shape.bytes == 16 || shape.bytes == LargestWindow()) && shape.lookUps >= 1 &&
+           shape.lookUps <= maxLookUps;
 }
-void MapCoordinates(const float *coordinates, std::size_t padded, float translation, const GridAxis &axis,
-                    std::int32_t *out) {
-    HWY_DYNAMIC_DISPATCH(MapCoordinates)(coordinates, padded, translation, axis, out);
+
+[[maybe_unused]] bool IsUnit(const UnitTranslations &translations, std::size_t count) {
+    const auto end = translations.begin() + std::ptrdiff_t(count);
+    return (std::is_sorted(translations.begin(), end) ||
+            std::is_sorted(translations.begin(), end, std::greater())) &&
+           std::all_of(end, translations.end(), [end](float t) { return t == end[-1]; });
+}
+
+[[maybe_unused]] bool HoldsWindows(const RowSums &job) {
+    for (std::size_t x = 0; x < job.xs.size(); ++x)
+        for (std::size_t row = job.rowsBegin[x]; row < job.rowsBegin[x + 1]; ++row)
+            for (std::size_t i = 0; i < job.points.Entries(); ++i) {
+                const auto index = std::int64_t(job.xs[x][i]) + job.ys[row][i] + job.windows.starts[i];
+                if (!job.levels.Holds(index, job.windows.shape.bytes))
+                    return false;
+            }
+    return true;
+}
+
+template <class T>
+[[maybe_unused]] bool HoldsPose(const GridValues<T> &grid, PaddedPoints points, const PoseIndices &pose) {
+    for (std::size_t i = 0; i < points.Points(); ++i)
+        if (!grid.Holds(std::int64_t(pose.x[i]) + pose.y[i] + pose.z[i], 1))
+            return false;
+    return true;
+}
+
+} // namespace
+
+void RotatePoints(const std::array<double, 9> &matrix, const CoordinateArrays<const double> &p,
+                  PaddedPoints points, const CoordinateArrays<float> &rotated) {
+    HWY_DYNAMIC_DISPATCH(RotatePoints)(matrix, p, points, rotated);
+}
+void MapCoordinates(const float *coordinates, PaddedPoints points, float translation, const GridAxis &axis,
+                    std::int32_t *indices) {
+    assert(axis.spacing > 0 && axis.count <= GridAxis::maxCount);
+    HWY_DYNAMIC_DISPATCH(MapCoordinates)(coordinates, points, translation, axis, indices);
 }
 std::size_t LargestWindow() {
     return HWY_DYNAMIC_DISPATCH(LargestWindow)();
 }
-bool MapWindows(const float *coordinates, std::size_t points, std::size_t padded, const float *translations,
+bool MapWindows(const float *coordinates, PaddedPoints points, const UnitTranslations &translations,
                 std::size_t count, const GridAxis &axis, const Windows &windows) {
-    return HWY_DYNAMIC_DISPATCH(MapWindows)(coordinates, points, padded, translations, count, axis, windows);
+    assert(axis.spacing > 0 && axis.count <= GridAxis::maxCount && axis.stride == 1);
+    assert(IsPossible(windows.shape) && count >= 1 && count <= windows.shape.MaxOffsets());
+    assert(IsUnit(translations, count));
+    return HWY_DYNAMIC_DISPATCH(MapWindows)(coordinates, points, translations, count, axis, windows);
 }
 void SumRows(const RowSums &job) {
+    assert(IsPossible(job.windows.shape) && job.rowsBegin.size() == job.xs.size() + 1);
+    assert(job.rowsBegin.front() == 0 && job.rowsBegin.back() == job.ys.size());
+    assert(job.sums.size() == job.ys.size() * job.windows.shape.MaxOffsets());
+    assert(HoldsWindows(job));
     HWY_DYNAMIC_DISPATCH(SumRows)(job);
 }
-void MarkSums(const std::uint16_t *sums, std::size_t lookUps, SumRange a, SumRange b, std::uint16_t *marks) {
-    HWY_DYNAMIC_DISPATCH(MarkSums)(sums, lookUps, a, b, marks);
+void MarkSums(std::span<const std::uint16_t> sums, SumRange a, SumRange b, std::span<std::uint16_t> marks) {
+    assert(sums.size() == marks.size() * lookUpOffsets);
+    HWY_DYNAMIC_DISPATCH(MarkSums)(sums, a, b, marks);
 }
-void MarkFineSums(const std::uint16_t *sums, const std::uint16_t *fineSums, std::int32_t fineSteps,
-                  std::size_t lookUps, FineRange a, FineRange b, std::uint16_t *marks) {
-    HWY_DYNAMIC_DISPATCH(MarkFineSums)(sums, fineSums, fineSteps, lookUps, a, b, marks);
+void MarkFineSums(std::span<const std::uint16_t> sums, std::span<const std::uint16_t> fineSums,
+                  std::int32_t fineSteps, FineRange a, FineRange b, std::span<std::uint16_t> marks) {
+    assert(sums.size() == marks.size() * lookUpOffsets && fineSums.size() == sums.size());
+    HWY_DYNAMIC_DISPATCH(MarkFineSums)(sums, fineSums, fineSteps, a, b, marks);
 }
-bool Touches(const std::uint8_t *levels, std::size_t points, const PoseIndices &pose) {
+bool Touches(const GridValues<std::uint8_t> &levels, PaddedPoints points, const PoseIndices &pose) {
+    assert(HoldsPose(levels, points, pose));
     return HWY_DYNAMIC_DISPATCH(Touches)(levels, points, pose);
 }
-void ScorePoses(const float *voxels, std::size_t points, const PoseIndices *poses, std::size_t count,
-                double *scores) {
-    HWY_DYNAMIC_DISPATCH(ScorePoses)(voxels, points, poses, count, scores);
+void ScorePoses(const GridValues<float> &voxels, PaddedPoints points, std::span<const PoseIndices> poses,
+                std::span<double> scores) {
+    assert(scores.size() == poses.size());
+    assert(std::ranges::all_of(poses, [&](const auto &pose) { return HoldsPose(voxels, points, pose); }));
+    HWY_DYNAMIC_DISPATCH(ScorePoses)(voxels, points, poses, scores);
 }
 
 } // namespace fast

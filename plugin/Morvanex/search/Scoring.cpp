@@ -35,7 +35,7 @@ double Score(const std::vector<TaggedPoint> &points, const Grid *map) {
 }
 
 double Collision(const std::vector<TaggedPoint> &points, const Grid *solid) {
-    return Sum(points, *solid, [](float value) { return value > 2.0f ? double(value) : 0.0; });
+    return Sum(points, *solid, [](float value) { return search::Touches(value) ? double(value) : 0.0; });
 }
 
 void Score(const std::vector<RestraintPair> &restraints, const Transform &pose, std::vector<double> &Scores) {
@@ -56,7 +56,7 @@ SolutionScore DoScores(const Quaternion &rotation, const Vertex &translation, co
     SolutionScore result;
     const Transform pose(rotation, translation);
     std::transform(points.begin(), points.end(), moved.begin(), ApplyRT(pose));
-    if (solid && !(Collision(moved, solid) < 0.01))
+    if (solid && !(Collision(moved, solid) < search::collisionLimit))
         return result;
 
     result.rotation = rotation;

@@ -14,9 +14,8 @@ class QTextStream;
 /// nearest to the points. A point outside the map counts nothing. See `NearestVoxel` for where the map ends.
 double Score(const std::vector<TaggedPoint> &points, const VARNO::Grid *map);
 
-/// Collision measure: the sum in double of the solid's values greater than 2.0 at the voxels nearest to the
-/// points. With a keep-out grid, whose nodes hold 6.0 minus the distance to the nearest solid point, a node
-/// counts that lies closer than 4.0 Å to a solid point.
+/// Collision measure: the sum in double of the solid's values that touch (`search::Touches`) at the voxels
+/// nearest to the points.
 double Collision(const std::vector<TaggedPoint> &points, const VARNO::Grid *solid);
 
 /// Restraint distances under a pose: Scores[i] becomes |A - pose·B| in Å for the i-th pair (A, B). `Scores`
@@ -24,9 +23,10 @@ double Collision(const std::vector<TaggedPoint> &points, const VARNO::Grid *soli
 void Score(const std::vector<RestraintPair> &restraints, const VARNO::Transform &pose,
            std::vector<double> &Scores);
 
-/// Scores one pose. It is rejected when the moved points collide with the solid (measure 0.01 or more): the
-/// result then is a default record with score -1.0. Otherwise the result holds the pose, its density score
-/// and one distance per restraint, and its line is written to `log` if `logging`.
+/// Scores one pose. It is rejected when the moved points collide with the solid (measure
+/// `search::collisionLimit` or more): the result then is a default record, with `SolutionScore::rejected`.
+/// Otherwise the result holds the pose, its density score and one distance per restraint, and its line is
+/// written to `log` if `logging`.
 ///
 /// `map` may be null (score 0), so may `solid` (no collision test). `moved` and `extraScores` are the
 /// caller's scratch arrays, overwritten and never resized: at least as many elements as points, exactly one
@@ -55,14 +55,15 @@ private:
 
 namespace search {
 
-/// The translation that follows a rotation so that `centre` comes back to its place and then moves by
-/// `offset`: (centre - rotation·centre) + offset, in float and in this order.
-inline VARNO::Vertex TranslationAbout(const VARNO::Vertex &centre, const VARNO::Quaternion &rotation,
-                                      const VARNO::Vertex &offset) {
-    VARNO::Vertex translation;
-    translation = (centre - rotation * centre) + offset;
-    return translation;
+/// Whether a value of the solid's grid means that a point there touches the solid. The nodes of a keep-out
+/// grid hold 6.0 minus the distance to the nearest solid point: one that lies closer than 4.0 Å touches.
+inline bool Touches(float value) {
+    constexpr float touching = 2.0f;
+    return value > touching;
 }
+
+/// A pose collides when the values that touch sum to this or more; a single one is enough.
+constexpr double collisionLimit = 0.01;
 
 /// The index along one axis of the voxel nearest to a coordinate, or a number >= `count` when the coordinate
 /// lies outside the grid.

@@ -2,9 +2,9 @@
 
 #include "Parameters.h"
 #include "fast/FastSearch.h"
-#include "fit/Angles.h"
 #include "fit/Cost.h"
-#include "search/Scoring.h"
+#include "fit/Rotations.h"
+#include "search/PoseScorer.h"
 #include "solutions/FitLog.h"
 #include "solutions/TopList.h"
 
@@ -29,18 +29,17 @@ public:
         : m_fit(fit)
         , m_log(log)
         , m_counts(counts)
-        , m_moved(fit.target.points.size())
-        , m_distances(fit.target.restraints.size()) {}
+        , m_scorer(fit) {}
 
     void Identity() override {
-        Turn(0.0, Vertex(1, 0, 0, false));
+        m_scorer.Rotate(fit::Rotations::Identity());
         for (const Vertex &offset : m_fit.offsets)
             Evaluate(offset);
     }
 
     void Axis(std::size_t number) override {
-        for (double angle = m_fit.angleStep; angle < fit::fullTurn; angle += m_fit.angleStep) {
-            Turn(angle, m_fit.axes[number]);
+        for (const double angle : fit::Angles(m_fit.angleStep)) {
+            m_scorer.Rotate(fit::RotationAbout(m_fit.axes[number], angle));
             for (const Vertex &offset : m_fit.offsets) {
                 Evaluate(offset);
                 if (solutions::NeedsWeeding(Solutions, top_size))
@@ -53,22 +52,12 @@ public:
     void Abandon() override {}
 
 private:
-    /// Makes the rotation by `angle` about `axis` through the target's centre the current one.
-    void Turn(double angle, const Vertex &axis) {
-        m_rotation.Set(angle, axis);
-        m_centring = m_fit.target.centre - m_rotation * m_fit.target.centre;
-    }
-
     /// Scores the current rotation at one offset.
     void Evaluate(const Vertex &offset) {
-        Vertex translation;
-        translation = m_centring + offset;
-        SolutionScore solution =
-            DoScores(m_rotation, translation, m_fit.map, m_fit.target.points, m_fit.keepOut,
-                     m_fit.target.restraints, m_moved, m_distances, m_log.Stream(), m_log.IsWriting());
+        SolutionScore solution = m_scorer.Score(offset, m_log);
         ++m_counts.tried;
         ++m_counts.scoredExactly;
-        if (solution.score == -1.0)
+        if (!solution.IsAccepted())
             return;
         ++m_counts.accepted;
         Solutions.push_back(std::move(solution));
@@ -77,10 +66,7 @@ private:
     const fit::Preparation &m_fit;
     solutions::FitLog &m_log;
     PoseCounts &m_counts;
-    Quaternion m_rotation;
-    Vertex m_centring; ///< the translation that brings the turned target's centre back to its place
-    std::vector<TaggedPoint> m_moved;
-    std::vector<double> m_distances;
+    PoseScorer m_scorer;
 };
 
 /// One search over all poses of a prepared fit.

@@ -13,10 +13,16 @@
 /// translation's x, y, z in Å (two decimals), the score (three decimals) and n extra scores (two decimals).
 /// The same line stands in results files and in the log.
 struct SolutionScore {
+    /// The score that marks a pose as rejected for collision. One whose density sums to exactly that is
+    /// dropped the same way.
+    static constexpr double rejected = -1.0;
+
     VARNO::Quaternion rotation;
     VARNO::Vertex translation;       ///< applied after the rotation, Å
-    double score = -1.0;             ///< sum of the density; -1.0 marks a pose rejected for collision
+    double score = rejected;         ///< sum of the density
     std::vector<double> extraScores; ///< one distance per restraint, Å
+
+    bool IsAccepted() const { return score != rejected; }
 
     /// The record as one line, without a line end.
     QString getLine() const;

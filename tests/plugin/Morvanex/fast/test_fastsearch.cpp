@@ -1,5 +1,5 @@
-#include "InstructionSets.h"
 #include "Messages.h"
+#include "OnlyTarget.h"
 #include "Parameters.h"
 #include "RandomSearch.h"
 #include "fast/FastSearch.h"

@@ -11,10 +11,10 @@ using namespace VARNO;
 
 namespace {
 
-using fast::FastMap;
+using fast::LevelMap;
 
 /// A voxel's place in the arrays of a fast map, or that of one of the border.
-std::ptrdiff_t Place(const FastMap &map, int x, int y, int z) {
+std::ptrdiff_t Place(const LevelMap &map, int x, int y, int z) {
     const auto &layout = map.Layout();
     return std::ptrdiff_t(x) * layout.Axis(0).stride + std::ptrdiff_t(y) * layout.Axis(1).stride +
            std::ptrdiff_t(z) * layout.Axis(2).stride;
@@ -23,7 +23,7 @@ std::ptrdiff_t Place(const FastMap &map, int x, int y, int z) {
 /// Places as the points of a pose may lie: anywhere in the map and about it, or all at its extremes.
 class PosesIn {
 public:
-    PosesIn(const FastMap &map, unsigned seed)
+    PosesIn(const LevelMap &map, unsigned seed)
         : m_map(map)
         , m_random(seed)
         , m_lowest(Anywhere())
@@ -33,9 +33,9 @@ public:
             for (int y = 0; y < layout.Axis(1).count; ++y)
                 for (int z = 0; z < layout.Axis(2).count; ++z) {
                     const std::ptrdiff_t place = Place(map, x, y, z);
-                    if (map.Voxels()[place] < map.Voxels()[m_lowest])
+                    if (map.Voxels().First()[place] < map.Voxels().First()[m_lowest])
                         m_lowest = place;
-                    if (map.Voxels()[place] > map.Voxels()[m_highest])
+                    if (map.Voxels().First()[place] > map.Voxels().First()[m_highest])
                         m_highest = place;
                 }
     }
@@ -61,18 +61,18 @@ private:
         return Place(m_map, index[0], index[1], index[2]);
     }
 
-    const FastMap &m_map;
+    const LevelMap &m_map;
     std::mt19937 m_random;
     std::ptrdiff_t m_lowest, m_highest;
 };
 
-void ExpectBoundsOf(const FastMap &map, const std::vector<std::ptrdiff_t> &pose) {
+void ExpectBoundsOf(const LevelMap &map, const std::vector<std::ptrdiff_t> &pose) {
     double score = 0;
     std::int64_t levels = 0, fineLevels = 0;
     for (const std::ptrdiff_t place : pose) {
-        score += double(map.Voxels()[place]);
-        levels += map.Levels()[place];
-        fineLevels += map.FineLevels()[place];
+        score += double(map.Voxels().First()[place]);
+        levels += map.Levels().First()[place];
+        fineLevels += map.FineLevels().First()[place];
     }
     const fast::SumRange range = map.SumsBetween(score, score);
     ASSERT_LE(levels, 65535);
@@ -94,8 +94,8 @@ bool IsFinite(const Grid &grid) {
 
 } // namespace
 
-TEST(FastMap, LevelsBoundTheScoreOfEveryPose) {
-    constexpr std::size_t counts[] = {1, 2, 63, 375, 1040, 1041, 5000, FastMap::mostPoints};
+TEST(LevelMap, LevelsBoundTheScoreOfEveryPose) {
+    constexpr std::size_t counts[] = {1, 2, 63, 375, 1040, 1041, 5000, LevelMap::maxPoints};
     unsigned maps = 0;
     for (unsigned seed = 0; seed < 300; ++seed) {
         const RandomSearch random(seed);
@@ -104,7 +104,7 @@ TEST(FastMap, LevelsBoundTheScoreOfEveryPose) {
         ++maps;
         const std::size_t points = counts[seed % std::size(counts)];
         SCOPED_TRACE("seed " + std::to_string(seed) + ", " + std::to_string(points) + " points");
-        const FastMap map(*random.map, points);
+        const LevelMap map(*random.map, points);
         PosesIn poses(map, seed);
         for (unsigned kind = 0; kind < PosesIn::kinds; ++kind)
             for (int repeat = 0; repeat < 3; ++repeat)
@@ -113,25 +113,22 @@ TEST(FastMap, LevelsBoundTheScoreOfEveryPose) {
     EXPECT_GT(maps, 200u);
 }
 
-TEST(FastMap, FourLevelsFitIntoAByte) {
+TEST(LevelMap, FourLevelsFitIntoAByte) {
     for (unsigned seed = 0; seed < 100; ++seed) {
         const RandomSearch random(seed);
         if (!IsFinite(*random.map))
             continue;
-        const FastMap map(*random.map, 1);
-        const auto &layout = map.Layout();
-        const std::uint8_t *first = map.Levels() - layout.First();
-        EXPECT_LE(*std::max_element(first, first + layout.Size()), 63) << "seed " << seed;
-        const std::uint8_t *firstFine = map.FineLevels() - layout.First();
-        EXPECT_LE(*std::max_element(firstFine, firstFine + layout.Size()), 63) << "seed " << seed;
+        const LevelMap map(*random.map, 1);
+        EXPECT_LE(std::ranges::max(map.Levels().all), 63) << "seed " << seed;
+        EXPECT_LE(std::ranges::max(map.FineLevels().all), 63) << "seed " << seed;
     }
 }
 
-TEST(FastMap, HoldsTheVoxelsWithABorderOfNothing) {
+TEST(LevelMap, HoldsTheVoxelsWithABorderOfNothing) {
     const RandomSearch random(1);
     const Grid &grid = *random.map;
     const auto &n = grid.Dimensions();
-    const FastMap map(grid, 100);
+    const LevelMap map(grid, 100);
     for (int x = -1; x <= int(n[0]); ++x)
         for (int y = -1; y <= int(n[1]); ++y)
             for (int z = -1; z <= int(n[2]); ++z) {
@@ -141,22 +138,22 @@ TEST(FastMap, HoldsTheVoxelsWithABorderOfNothing) {
                     inside ? grid.Values()[std::size_t(x) +
                                            n[0] * (std::size_t(y) + std::size_t(n[1]) * std::size_t(z))]
                            : 0.0f;
-                ASSERT_EQ(map.Voxels()[Place(map, x, y, z)], expected) << x << ' ' << y << ' ' << z;
+                ASSERT_EQ(map.Voxels().First()[Place(map, x, y, z)], expected) << x << ' ' << y << ' ' << z;
             }
 }
 
-TEST(FastMap, KnowsWhetherAVoxelIsNegative) {
+TEST(LevelMap, KnowsWhetherAVoxelIsNegative) {
     for (unsigned seed = 0; seed < 100; ++seed) {
         const RandomSearch random(seed);
         if (!IsFinite(*random.map))
             continue;
         const auto values = random.map->Values();
         const bool negative = std::ranges::any_of(values, [](float value) { return value < 0; });
-        EXPECT_EQ(FastMap(*random.map, 100).HasNegativeVoxels(), negative) << "seed " << seed;
+        EXPECT_EQ(LevelMap(*random.map, 100).HasNegativeVoxels(), negative) << "seed " << seed;
     }
     // Far less than a level below 0, but a thousand of them score -1.0.
     Grid grid("map", {2, 1, 1}, {0, 0, 0}, {1, 1, 1}, {90, 90, 90});
     grid.Values()[0] = 1000;
     grid.Values()[1] = -0.001f;
-    EXPECT_TRUE(FastMap(grid, 1000).HasNegativeVoxels());
+    EXPECT_TRUE(LevelMap(grid, 1000).HasNegativeVoxels());
 }

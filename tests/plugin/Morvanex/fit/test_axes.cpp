@@ -140,26 +140,26 @@ TEST(Subdivide, AMidpointOfLengthZeroStaysAsItIs) {
 }
 
 TEST(Angles, AQuarterTurnIsTakenThreeTimes) {
-    EXPECT_EQ(fit::CountAngles(std::numbers::pi / 2), 3u);
+    EXPECT_EQ(fit::Angles(std::numbers::pi / 2).Count(), 3u);
     EXPECT_EQ(PlainAngles(std::numbers::pi / 2).size(), 3u);
 }
 
 TEST(Angles, AWholeTurnOrMoreIsNeverTaken) {
-    EXPECT_EQ(fit::CountAngles(fit::fullTurn), 0u);
-    EXPECT_EQ(fit::CountAngles(7), 0u);
-    EXPECT_EQ(fit::CountAngles(std::nextafter(fit::fullTurn, 0)), 1u);
+    EXPECT_EQ(fit::Angles(fit::fullTurn).Count(), 0u);
+    EXPECT_EQ(fit::Angles(7).Count(), 0u);
+    EXPECT_EQ(fit::Angles(std::nextafter(fit::fullTurn, 0)).Count(), 1u);
 }
 
 TEST(Angles, AreCountedAsTheyAddUp) {
     for (int parts = 1; parts < 1000; ++parts)
-        EXPECT_EQ(fit::CountAngles(fit::fullTurn / parts), PlainAngles(fit::fullTurn / parts).size())
+        EXPECT_EQ(fit::Angles(fit::fullTurn / parts).Count(), PlainAngles(fit::fullTurn / parts).size())
             << parts;
 }
 
 TEST(Angles, RoundingMayLeaveTheLastStepBelowTheTurn) {
     int beforeTheTurn = 0, atTheTurn = 0;
     for (std::uint64_t parts = 1; parts < 1000; ++parts)
-        ++(fit::CountAngles(fit::fullTurn / double(parts)) == parts ? atTheTurn : beforeTheTurn);
+        ++(fit::Angles(fit::fullTurn / double(parts)).Count() == parts ? atTheTurn : beforeTheTurn);
     EXPECT_GT(atTheTurn, 0);
     EXPECT_GT(beforeTheTurn, 0);
 }

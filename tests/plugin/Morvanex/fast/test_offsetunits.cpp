@@ -1,5 +1,5 @@
-#include "InstructionSets.h"
-#include "fast/OffsetTables.h"
+#include "OnlyTarget.h"
+#include "fast/OffsetUnits.h"
 
 #include <gmock/gmock.h>
 
@@ -36,7 +36,7 @@ TEST_P(OffsetUnitsOn, TakeAllOffsetsInTheirOrderAndFitIntoTheirWindows) {
             for (const auto &unit : cut.units) {
                 EXPECT_EQ(unit.first, next);
                 EXPECT_GE(unit.count, 1u);
-                EXPECT_LE(unit.count, cut.shape.MostOffsets());
+                EXPECT_LE(unit.count, cut.shape.MaxOffsets());
                 // The first offset's byte, the distance to the last, and one for rounding.
                 if (unit.count > 1) {
                     EXPECT_LE(double(unit.count - 1) * stride + 2, double(cut.shape.bytes));

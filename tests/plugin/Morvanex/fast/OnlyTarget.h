@@ -1,6 +1,8 @@
 #pragma once
 
-#include <hwy/highway.h>
+#include "fast/InstructionSets.h"
+
+#include <hwy/targets.h>
 
 #include <gtest/gtest.h>
 
@@ -22,10 +24,12 @@ private:
     }
 };
 
-/// The instruction sets that this machine can run, the emulated one among them.
+/// The instruction sets that the kernels are compiled for and this machine can run, the emulated one among
+/// them: not only the best, which the program chooses.
 inline std::vector<std::int64_t> Targets() {
     std::vector<std::int64_t> targets;
-    for (std::int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1)
+    for (std::int64_t rest = (hwy::SupportedTargets() | HWY_EMU128) & HWY_TARGETS; rest != 0;
+         rest &= rest - 1)
         targets.push_back(rest & -rest);
     return targets;
 }
