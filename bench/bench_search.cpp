@@ -3,12 +3,10 @@
 
 #include "Cases.h"
 #include "Parameters.h"
-#include "fit/Angles.h"
 #include "fit/Axes.h"
-#include "search/Scoring.h"
+#include "fit/Rotations.h"
+#include "search/PoseScorer.h"
 #include "search/Search.h"
-
-#include <QTextStream>
 
 #include <benchmark/benchmark.h>
 
@@ -78,20 +76,14 @@ fit::Preparation PrepareFew(const Case &searched, int offsets) {
 /// What scoring a pose on its own costs, with nothing around it.
 void MeasureScoring(benchmark::State &state, const Case &searched, int offsets) {
     const fit::Preparation fit = Prepare(searched, offsets);
-    const std::vector<TaggedPoint> &points = fit.target.points;
-    std::vector<TaggedPoint> moved = points;
-    std::vector<double> noDistances;
-    QTextStream noLog;
-    Quaternion rotation;
-    rotation.Set(0.5, Vertex(0.6f, 0, 0.8f, false));
+    search::PoseScorer scorer(fit);
+    scorer.Rotate(fit::RotationAbout(Vertex(0.6f, 0, 0.8f, false), 0.5));
     for (auto _ : state)
         for (const Vertex &offset : fit.offsets)
-            benchmark::DoNotOptimize(
-                DoScores(rotation, search::TranslationAbout(fit.target.centre, rotation, offset), fit.map,
-                         points, nullptr, {}, moved, noDistances, noLog, false));
+            benchmark::DoNotOptimize(scorer.Score(offset));
     const double poses = double(state.iterations()) * double(fit.offsets.size());
     state.counters["poses"] = benchmark::Counter(poses, benchmark::Counter::kIsRate);
-    state.counters["point"] = benchmark::Counter(poses * double(points.size()),
+    state.counters["point"] = benchmark::Counter(poses * double(fit.target.points.size()),
                                                  benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 

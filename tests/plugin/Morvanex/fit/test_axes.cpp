@@ -1,5 +1,4 @@
 #include "PlainFit.h"
-#include "fit/Angles.h"
 #include "fit/Axes.h"
 
 #include <gmock/gmock.h>
@@ -137,42 +136,4 @@ TEST(Subdivide, AMidpointOfLengthZeroStaysAsItIs) {
     std::vector<Vertex> axes;
     Subdivide(V(1, 0, 0), V(-1, 0, 0), V(1, 0, 0), 1, axes);
     EXPECT_THAT(axes, ElementsAre(V(0, 0, 0), V(1, 0, 0)));
-}
-
-TEST(Angles, AQuarterTurnIsTakenThreeTimes) {
-    EXPECT_EQ(fit::Angles(std::numbers::pi / 2).Count(), 3u);
-    EXPECT_EQ(PlainAngles(std::numbers::pi / 2).size(), 3u);
-}
-
-TEST(Angles, AWholeTurnOrMoreIsNeverTaken) {
-    EXPECT_EQ(fit::Angles(fit::fullTurn).Count(), 0u);
-    EXPECT_EQ(fit::Angles(7).Count(), 0u);
-    EXPECT_EQ(fit::Angles(std::nextafter(fit::fullTurn, 0)).Count(), 1u);
-}
-
-TEST(Angles, AreCountedAsTheyAddUp) {
-    for (int parts = 1; parts < 1000; ++parts)
-        EXPECT_EQ(fit::Angles(fit::fullTurn / parts).Count(), PlainAngles(fit::fullTurn / parts).size())
-            << parts;
-}
-
-TEST(Angles, RoundingMayLeaveTheLastStepBelowTheTurn) {
-    int beforeTheTurn = 0, atTheTurn = 0;
-    for (std::uint64_t parts = 1; parts < 1000; ++parts)
-        ++(fit::Angles(fit::fullTurn / double(parts)).Count() == parts ? atTheTurn : beforeTheTurn);
-    EXPECT_GT(atTheTurn, 0);
-    EXPECT_GT(beforeTheTurn, 0);
-}
-
-TEST(Angles, AStepMustBePositiveAndLargeEnoughToAddUp) {
-    EXPECT_TRUE(fit::GrowsToFullTurn(0.1));
-    EXPECT_TRUE(fit::GrowsToFullTurn(1e-15));
-    EXPECT_TRUE(fit::GrowsToFullTurn(7));
-    EXPECT_FALSE(fit::GrowsToFullTurn(4e-16));
-    EXPECT_FALSE(fit::GrowsToFullTurn(0));
-    EXPECT_FALSE(fit::GrowsToFullTurn(-0.1));
-    EXPECT_FALSE(fit::GrowsToFullTurn(NAN));
-    const double below = std::nextafter(fit::fullTurn, 0);
-    EXPECT_GT(below + 1e-15, below);
-    EXPECT_EQ(below + 4e-16, below);
 }
