@@ -1,8 +1,7 @@
 #include "placement/Kernels.h"
 
-// The emulated target stands in where the machine has none of the others. Highway leaves it out for compilers
-// that miscompile its MulHigh, which is not used here.
-#define HWY_BROKEN_EMU128 0
+#include "base/InstructionSets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "placement/Kernels.cpp"
 #include <hwy/foreach_target.h>

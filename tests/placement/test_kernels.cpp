@@ -1,6 +1,6 @@
 #include "placement/Kernels.h"
 
-#include "InstructionSets.h"
+#include "OnlyTarget.h"
 #include "SyntheticModel.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "fast/Kernels.h"
 
-#include "fast/InstructionSets.h"
+#include "base/InstructionSets.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "fast/Kernels.cpp"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fast/InstructionSets.h"
+#include "base/InstructionSets.h"
 
 #include <hwy/targets.h>
 
