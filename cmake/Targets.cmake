@@ -24,6 +24,9 @@ if(MORVANEX_WERROR)
     # GCC 12 takes a literal put before a std::string for a copy that overlaps itself.
     target_compile_options(morvanex_flags INTERFACE -Werror -Wno-error=restrict)
 endif()
+if(MORVANEX_FUZZ)
+    list(APPEND MORVANEX_SANITIZE fuzzer-no-link)
+endif()
 if(MORVANEX_SANITIZE)
     list(JOIN MORVANEX_SANITIZE "," sanitizers)
     target_compile_options(morvanex_flags INTERFACE -fsanitize=${sanitizers} -fno-sanitize-recover=all
@@ -39,7 +42,7 @@ function(morvanex_library name kind)
         set(ARG_INCLUDE ${CMAKE_CURRENT_SOURCE_DIR})
     endif()
     add_library(${name} ${kind} ${ARG_SOURCES})
-    target_include_directories(${name} PUBLIC ${ARG_INCLUDE})
+    target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${ARG_INCLUDE}>)
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE morvanex_flags ${ARG_PRIVATE_LINK})
 endfunction()
 
@@ -68,10 +71,12 @@ if(MORVANEX_SANITIZE)
     set(morvanex_test_optimisation -O0)
 endif()
 
-# morvanex_test(name SOURCES ... LINK ... [LEAKS file]): one GoogleTest program; each of its tests is one test of ctest.
-# LEAKS is the file of LeakSanitizer's suppressions.
+# morvanex_test(name SOURCES ... LINK ... [LEAKS file] [THREADS]): one GoogleTest program; each of its tests is one test
+# of ctest. LEAKS is the file of LeakSanitizer's suppressions; THREADS says that the program runs threads, so that it
+# belongs under ThreadSanitizer: into the target and under the label "threads".
+add_custom_target(threads)
 function(morvanex_test name)
-    cmake_parse_arguments(ARG "" "LEAKS" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "THREADS" "LEAKS" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_compile_options(${name} PRIVATE ${morvanex_test_optimisation})
     target_link_libraries(${name} PRIVATE morvanex_flags morvanex_test_support ${ARG_LINK} GTest::gmock
@@ -79,6 +84,10 @@ function(morvanex_test name)
     set(properties TIMEOUT 600)
     if(ARG_LEAKS)
         list(APPEND properties ENVIRONMENT LSAN_OPTIONS=suppressions=${ARG_LEAKS})
+    endif()
+    if(ARG_THREADS)
+        list(APPEND properties LABELS threads)
+        add_dependencies(threads ${name})
     endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
@@ -88,4 +97,19 @@ function(morvanex_bench name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE morvanex_flags ${ARG_LINK} benchmark::benchmark)
+endfunction()
+
+# morvanex_fuzz(name SOURCES ... LINK ...): the target fuzz_name, one LLVMFuzzerTestOneInput over seeds of corpus/name.
+# With the preset "fuzz" it is libFuzzer's program; else it reads its seeds once, as one test of ctest.
+function(morvanex_fuzz name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(fuzz_${name} ${ARG_SOURCES})
+    target_link_libraries(fuzz_${name} PRIVATE morvanex_flags ${ARG_LINK})
+    if(MORVANEX_FUZZ)
+        target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    else()
+        target_sources(fuzz_${name} PRIVATE ReadSeeds.cpp)
+        add_test(NAME Fuzz.ReadsItsSeeds_${name}
+            COMMAND fuzz_${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+    endif()
 endfunction()
