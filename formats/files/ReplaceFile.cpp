@@ -2,13 +2,19 @@
 
 #include "formats/files/FileError.h"
 
+#include <QFile>
+#include <QSaveFile>
+
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <locale>
+#include <ostream>
+#include <streambuf>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,25 +22,15 @@ namespace formats {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-[[noreturn]] void Fail(const std::string &path, const std::string &problem, int error) {
-    throw FileError(path, "", problem + ": " + std::strerror(error));
+[[noreturn]] void Fail(const std::string &path, const std::string &reason) {
+    throw FileError(path, "", "cannot be written: " + reason);
 }
 
-/// The file that a chain of symbolic links ends in, existing or not. The chain is known to be no loop.
-fs::path FollowLinks(fs::path path) {
-    while (fs::is_symlink(path))
-        path = path.parent_path() / fs::read_symlink(path);
-    return path;
-}
-
-/// Where the bytes are to go, and what is there now.
-struct Target {
-    fs::path path;
-    bool stream = false; ///< takes bytes as they come: there is no file to replace
-    bool exists = false;
-    mode_t permissions = 0; ///< of an existing file
+/// What stands under a path.
+enum class Kind {
+    File,   ///< a regular file, or nothing yet: replaced as a whole
+    Stream, ///< takes bytes as they come
+    Pipe    ///< a stream that somebody has to read
 };
 
 /// A stream of the process may lead to a regular file that the shell has opened: replacing it by name would
@@ -44,89 +40,168 @@ bool IsStreamName(const std::string &path) {
            path.starts_with("/proc/");
 }
 
-Target Examine(const std::string &path) {
+/// Qt names files in UTF-8, and would write one of another name.
+void CheckName(const std::string &path) {
+    if (QFile::encodeName(QString::fromStdString(path)).toStdString() != path)
+        Fail(path, "its name is not UTF-8");
+    if (path.empty() || path.ends_with('/'))
+        Fail(path, "it names no file");
+}
+
+Kind Examine(const std::string &path) {
     struct stat state;
     const bool exists = stat(path.c_str(), &state) == 0;
     if (!exists && errno != ENOENT)
-        Fail(path, "cannot be written", errno);
+        Fail(path, std::strerror(errno));
     if (exists && S_ISDIR(state.st_mode))
-        throw FileError(path, "", "cannot be written: it is a directory");
+        Fail(path, "it is a directory");
     if (exists && access(path.c_str(), W_OK) != 0)
-        Fail(path, "cannot be written", errno);
+        Fail(path, std::strerror(errno));
+    if (exists && S_ISFIFO(state.st_mode))
+        return Kind::Pipe;
     if (exists && (!S_ISREG(state.st_mode) || IsStreamName(path)))
-        return {path, true, true, 0};
-    const fs::path target = FollowLinks(path);
-    if (!target.has_filename())
-        throw FileError(path, "", "cannot be written: it names no file");
-    return {target, false, exists, exists ? state.st_mode & 07777 : 0};
+        return Kind::Stream;
+    CheckName(path);
+    return Kind::File;
 }
 
-/// An empty file of a name of its own beside the target; removed at the end unless it was renamed.
-class Temporary {
+/// Whatever takes the next bytes of a file; throws FileError.
+using Sink = std::function<void(const char *bytes, std::size_t count)>;
+
+class SinkBuffer : public std::streambuf {
 public:
-    Temporary(const std::string &path, const fs::path &folder) {
-        for (unsigned i = 0; m_file < 0; ++i) {
-            m_path = folder / (".morvanex-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp");
-            m_file = open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (m_file < 0 && errno != EEXIST)
-                Fail(path, "cannot be written, no file can be made in its folder", errno);
-        }
-    }
-    Temporary(const Temporary &) = delete;
-    Temporary &operator=(const Temporary &) = delete;
-    ~Temporary() {
-        close(m_file);
-        if (!m_renamed)
-            unlink(m_path.c_str());
+    explicit SinkBuffer(const Sink &sink)
+        : m_sink(sink) {
+        Reset();
     }
 
-    const fs::path &Path() const { return m_path; }
-
-    /// False, with errno set, where a step fails.
-    bool TakePlaceOf(const Target &target) {
-        m_renamed = (!target.exists || fchmod(m_file, target.permissions) == 0) && fsync(m_file) == 0 &&
-                    rename(m_path.c_str(), target.path.c_str()) == 0;
-        return m_renamed;
+protected:
+    int_type overflow(int_type next) override {
+        sync();
+        if (traits_type::eq_int_type(next, traits_type::eof()))
+            return traits_type::not_eof(next);
+        return sputc(traits_type::to_char_type(next));
+    }
+    int sync() override {
+        const auto count = std::size_t(pptr() - pbase());
+        Reset();
+        m_sink(m_buffer.data(), count);
+        return 0;
     }
 
 private:
-    fs::path m_path;
-    int m_file = -1;
-    bool m_renamed = false;
+    void Reset() { setp(m_buffer.data(), m_buffer.data() + m_buffer.size()); }
+
+    const Sink &m_sink;
+    std::array<char, 1 << 16> m_buffer;
 };
 
-/// `path` is what the caller named, `place` the file that is opened.
-void WriteTo(const std::string &path, const fs::path &place, std::ios::openmode mode,
-             const std::function<void(std::ostream &)> &write) {
-    std::ofstream out;
+void WriteTo(const Sink &sink, const std::function<void(std::ostream &)> &write) {
+    SinkBuffer buffer(sink);
+    std::ostream out(&buffer);
     out.imbue(std::locale::classic());
-    errno = 0;
-    try {
-        out.exceptions(std::ios::failbit | std::ios::badbit);
-        out.open(place, std::ios::binary | mode);
-        write(out);
-        out.close();
-    } catch (const std::ios::failure &) {
-        Fail(path, "cannot be written", errno);
+    out.exceptions(std::ios::failbit | std::ios::badbit);
+    write(out);
+    out.flush();
+}
+
+/// A device or a pipe. Nothing here waits where Ctrl-C and its like go unheard: they may be held back while
+/// a file is written.
+class Stream {
+public:
+    Stream(const std::string &path, Kind kind)
+        : m_path(path) {
+        constexpr int flags = O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+        while ((m_file = open(path.c_str(), flags)) < 0) {
+            if (errno != ENXIO || kind != Kind::Pipe)
+                Fail(path, std::strerror(errno));
+            Wait(-1);
+        }
     }
+    Stream(const Stream &) = delete;
+    Stream &operator=(const Stream &) = delete;
+    ~Stream() { close(m_file); }
+
+    void Write(const char *bytes, std::size_t count) const {
+        while (count > 0) {
+            const ssize_t written = write(m_file, bytes, count);
+            if (written >= 0) {
+                bytes += written;
+                count -= std::size_t(written);
+            } else if (errno == EAGAIN) {
+                Wait(m_file);
+            } else if (errno != EINTR) {
+                Fail(m_path, std::strerror(errno));
+            }
+        }
+    }
+
+private:
+    /// Until the file takes bytes (-1: none is open yet), or for a moment.
+    void Wait(int file) const {
+        constexpr int moment = 100; // ms
+        pollfd reader{file, POLLOUT, 0};
+        poll(&reader, 1, moment);
+        sigset_t pending;
+        sigpending(&pending);
+        for (const int end : {SIGINT, SIGTERM, SIGHUP})
+            if (sigismember(&pending, end))
+                Fail(m_path, "nothing reads the pipe");
+    }
+
+    const std::string &m_path;
+    int m_file = -1;
+};
+
+void OpenSaveFile(const std::string &path, QSaveFile &file) {
+    file.setFileName(QString::fromStdString(path));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        throw FileError(path, "",
+                        "cannot be written, no file can be made in its folder: " +
+                            file.errorString().toStdString());
+}
+
+void WriteToStream(const std::string &path, Kind kind, const std::function<void(std::ostream &)> &write) {
+    const Stream stream(path, kind);
+    WriteTo([&](const char *bytes, std::size_t count) { stream.Write(bytes, count); }, write);
+}
+
+void WriteToFile(const std::string &path, const std::function<void(std::ostream &)> &write) {
+    QSaveFile file;
+    OpenSaveFile(path, file);
+    const auto check = [&](bool done) {
+        if (!done)
+            Fail(path, file.errorString().toStdString());
+    };
+    const Sink sink = [&](const char *bytes, std::size_t count) {
+        // A full disk takes a part, and tells why it takes no more at the next attempt.
+        for (qint64 written = 0; count > 0; bytes += written, count -= std::size_t(written)) {
+            written = file.write(bytes, qint64(count));
+            check(written > 0);
+        }
+    };
+    WriteTo(sink, write);
+    // A network's disk may turn out to be full only here; QSaveFile does not look.
+    if (fsync(file.handle()) != 0)
+        Fail(path, std::strerror(errno));
+    check(file.commit());
 }
 
 } // namespace
 
 void ReplaceFile(const std::string &path, const std::function<void(std::ostream &)> &write) {
-    const Target target = Examine(path);
-    if (target.stream)
-        return WriteTo(path, target.path, std::ios::app, write);
-    Temporary temporary(path, target.path.parent_path());
-    WriteTo(path, temporary.Path(), std::ios::trunc, write);
-    if (!temporary.TakePlaceOf(target))
-        Fail(path, "cannot be written", errno);
+    const Kind kind = Examine(path);
+    if (kind == Kind::File)
+        WriteToFile(path, write);
+    else
+        WriteToStream(path, kind, write);
 }
 
 void CheckReplaceable(const std::string &path) {
-    const Target target = Examine(path);
-    if (!target.stream)
-        Temporary(path, target.path.parent_path());
+    if (Examine(path) != Kind::File)
+        return;
+    QSaveFile file;
+    OpenSaveFile(path, file);
 }
 
 } // namespace formats

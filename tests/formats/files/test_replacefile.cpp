@@ -8,7 +8,9 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <thread>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -165,6 +167,88 @@ TEST(ReplaceFile, WritesStraightToADevice) {
     EXPECT_EQ(ErrorOf([] { Put("/dev/null", "x"); }), "no error");
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
+
+TEST(ReplaceFile, LeavesNothingWhenItIsKilled) {
+    TemporaryFolder folder;
+    if (const int unnamed = open(folder.Path().c_str(), O_TMPFILE | O_WRONLY, 0600); unnamed >= 0)
+        close(unnamed);
+    else
+        GTEST_SKIP() << "this file system has no files without a name";
+    folder.Write("file", "old");
+    const auto killed = testing::KilledBySignal(SIGKILL);
+    EXPECT_EXIT(ReplaceFile(folder.File("file"),
+                            [](std::ostream &out) {
+                                out << std::string(1'000'000, 'x') << std::flush;
+                                raise(SIGKILL);
+                            }),
+                killed, "");
+    EXPECT_EQ(ReadFile(folder.File("file")), "old");
+    EXPECT_EQ(EntriesOf(folder), 1u);
+}
+
+TEST(ReplaceFile, RefusesANameThatIsNotUtf8) {
+    TemporaryFolder folder;
+    EXPECT_EQ(ErrorOf([&] { Put(folder.File("caf\xe9"), "x"); }),
+              folder.File("caf\xe9") + ": cannot be written: its name is not UTF-8");
+    EXPECT_EQ(EntriesOf(folder), 0u);
+    Put(folder.File("café"), "x");
+    EXPECT_EQ(ReadFile(folder.File("café")), "x");
+}
+
+TEST(ReplaceFile, WaitsForTheReaderOfAPipe) {
+    TemporaryFolder folder;
+    const std::string path = folder.File("pipe"), bytes(1'000'000, 'x');
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::string read;
+    std::thread reader([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        read = ReadFile(path);
+    });
+    EXPECT_EQ(ErrorOf([&] { Put(path, bytes); }), "no error");
+    reader.join();
+    EXPECT_EQ(read, bytes);
+}
+
+/// Signals that are held back while a file is written must still end the wait.
+class PipeWithoutReader : public testing::TestWithParam<int> {
+protected:
+    PipeWithoutReader() {
+        mkfifo(m_path.c_str(), 0600);
+        sigset_t held;
+        sigemptyset(&held);
+        sigaddset(&held, GetParam());
+        pthread_sigmask(SIG_BLOCK, &held, &m_before);
+    }
+    ~PipeWithoutReader() override {
+        sigset_t held;
+        sigemptyset(&held);
+        sigaddset(&held, GetParam());
+        int taken = 0;
+        sigwait(&held, &taken);
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    }
+
+    TemporaryFolder m_folder;
+    const std::string m_path = m_folder.File("pipe"),
+                      m_refusal = m_path + ": cannot be written: nothing reads the pipe";
+
+private:
+    sigset_t m_before;
+};
+
+TEST_P(PipeWithoutReader, IsGivenUpAtASignal) {
+    raise(GetParam());
+    EXPECT_EQ(ErrorOf([&] { Put(m_path, "x"); }), m_refusal);
+}
+
+TEST_P(PipeWithoutReader, IsGivenUpAtASignalOnceItIsFull) {
+    const int reader = open(m_path.c_str(), O_RDONLY | O_NONBLOCK);
+    raise(GetParam());
+    EXPECT_EQ(ErrorOf([&] { Put(m_path, std::string(1'000'000, 'x')); }), m_refusal);
+    close(reader);
+}
+
+INSTANTIATE_TEST_SUITE_P(EachSignal, PipeWithoutReader, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 TEST(ReplaceFile, AppendsToAStreamOfTheProcessThatIsARegularFile) {
     TemporaryFolder folder;
