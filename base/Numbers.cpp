@@ -1,8 +1,11 @@
 #include "base/Numbers.h"
 
+#include "base/Words.h"
+
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <system_error>
 
 namespace base {
 
@@ -20,6 +23,19 @@ QString Text(double value, Format... format) {
     return QString::fromLatin1(text, end - text);
 }
 
+template <class Number>
+std::optional<Number> Read(std::string_view text) {
+    text = Trimmed(text);
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    Number number = 0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (text.empty() || error != std::errc() || stop != end)
+        return {};
+    return number;
+}
+
 } // namespace
 
 QString FixedNumber(double value, int width, int decimals) {
@@ -35,6 +51,19 @@ std::string PlainFixed(double value, int decimals) {
 
 QString GeneralNumber(double value) {
     return Text(value, std::chars_format::general, 6);
+}
+
+std::string ShortestNumber(float value) {
+    char text[32];
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+
+std::optional<double> ReadNumber(std::string_view text) {
+    return Read<double>(text);
+}
+
+std::optional<int> ReadInteger(std::string_view text) {
+    return Read<int>(text);
 }
 
 } // namespace base

@@ -2,7 +2,9 @@
 
 #include <QString>
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace base {
 
@@ -18,5 +20,13 @@ std::string PlainFixed(double value, int decimals);
 
 /// General notation with six significant digits, printf's %g.
 QString GeneralNumber(double value);
+
+/// As few digits as it takes to read the same number back.
+std::string ShortestNumber(float value);
+
+/// The number that the whole text is, blanks around it and a leading + aside; "nan" and "inf" are numbers.
+/// Nothing where it is anything else. The decimal sign is a point whatever the locale.
+std::optional<double> ReadNumber(std::string_view text);
+std::optional<int> ReadInteger(std::string_view text);
 
 } // namespace base

@@ -46,4 +46,25 @@ std::string DurationText(double seconds) {
     return (years < 1000 ? FixedNumber(years, 0, 1) : GeneralNumber(years)).toStdString() + " years";
 }
 
+std::string_view Trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::string Quoted(std::string_view text) {
+    constexpr std::size_t maxBytes = 40;
+    constexpr char digits[] = "0123456789abcdef";
+    std::string quoted = "'";
+    for (const char c : text.substr(0, maxBytes)) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c >= ' ' && c <= '~')
+            quoted += c;
+        else
+            quoted += {'\\', 'x', digits[byte / 16], digits[byte % 16]};
+    }
+    return quoted + (text.size() > maxBytes ? "...'" : "'");
+}
+
 } // namespace base

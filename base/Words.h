@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace base {
 
@@ -14,5 +15,12 @@ std::string Grouped(std::uint64_t number);
 
 /// A length of time for people: "40 s", "2 min 10 s", "3 h 20 min", "12 days", "3.2 years".
 std::string DurationText(double seconds);
+
+/// The text without the blanks and tabs around it.
+std::string_view Trimmed(std::string_view text);
+
+/// The text between quotes for an error message: bytes that are not printable ASCII as \xNN, at most 40
+/// bytes.
+std::string Quoted(std::string_view text);
 
 } // namespace base

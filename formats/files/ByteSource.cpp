@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
+
+#include <sys/stat.h>
 
 namespace formats {
 
@@ -10,22 +13,47 @@ namespace {
 
 constexpr std::size_t bufferSize = 1 << 16;
 
+/// Files of /proc say that they hold nothing.
+std::optional<std::uint64_t> SizeOf(std::FILE *file) {
+    struct stat state;
+    if (fstat(fileno(file), &state) != 0 || !S_ISREG(state.st_mode) || state.st_size == 0)
+        return {};
+    return std::uint64_t(state.st_size);
+}
+
 } // namespace
 
 ByteSource::ByteSource(const std::string &file)
-    : m_file(file)
-    , m_handle(std::fopen(file.c_str(), "rb"))
+    : m_name(file)
+    , m_handle(std::fopen(file.c_str(), "rbe"))
     , m_buffer(bufferSize) {
     if (!m_handle)
         throw FileError(file, "", std::string("cannot be read: ") + std::strerror(errno));
     std::setvbuf(m_handle.get(), nullptr, _IONBF, 0);
     Refill();
+    m_packedSize = SizeOf(m_handle.get());
     m_packing = PackingOf(m_packed);
     m_decoder = MakeDecoder(m_packing);
 }
 
-std::size_t ByteSource::Read(std::span<char> room) {
-    return m_decoder ? Unpack(room) : Copy(room);
+ByteSource::ByteSource(const std::string &name, std::span<const char> bytes)
+    : m_name(name)
+    , m_memory(bytes)
+    , m_packedSize(bytes.size())
+    , m_packed(bytes)
+    , m_loaded(bytes.size())
+    , m_packing(PackingOf(bytes))
+    , m_decoder(MakeDecoder(m_packing)) {}
+
+ByteSource ByteSource::Again() const {
+    return m_handle ? ByteSource(m_name) : ByteSource(m_name, m_memory);
+}
+
+std::size_t ByteSource::Read(std::span<char> buffer) {
+    const std::size_t peeked = std::min(buffer.size(), m_peeked.size() - m_peekedUsed);
+    std::copy_n(m_peeked.data() + m_peekedUsed, peeked, buffer.data());
+    m_peekedUsed += peeked;
+    return peeked == buffer.size() ? peeked : peeked + ReadOn(buffer.subspan(peeked));
 }
 
 std::uint64_t ByteSource::Skip(std::uint64_t count) {
@@ -41,32 +69,52 @@ std::uint64_t ByteSource::Skip(std::uint64_t count) {
     return skipped;
 }
 
+std::span<const char> ByteSource::Peek(std::uint64_t count) {
+    m_peeked.erase(m_peeked.begin(), m_peeked.begin() + std::ptrdiff_t(std::exchange(m_peekedUsed, 0)));
+    while (m_peeked.size() < count) {
+        const std::size_t before = m_peeked.size();
+        const auto wanted = std::size_t(std::min<std::uint64_t>(count - before, bufferSize));
+        m_peeked.resize(before + wanted);
+        const std::size_t found = ReadOn(std::span(m_peeked).subspan(before));
+        m_peeked.resize(before + found);
+        if (found < wanted)
+            break;
+    }
+    return std::span(m_peeked).first(std::size_t(std::min<std::uint64_t>(count, m_peeked.size())));
+}
+
 void ByteSource::Refill() {
+    if (!m_handle)
+        return;
     const std::size_t found = std::fread(m_buffer.data(), 1, m_buffer.size(), m_handle.get());
     if (std::ferror(m_handle.get()))
-        throw FileError(m_file, m_loaded ? Place() : "",
+        throw FileError(m_name, m_loaded ? Place() : "",
                         std::string("cannot be read: ") + std::strerror(errno));
     m_packed = {m_buffer.data(), found};
     m_loaded += found;
 }
 
-std::size_t ByteSource::Copy(std::span<char> room) {
+std::size_t ByteSource::ReadOn(std::span<char> buffer) {
+    return m_decoder ? Unpack(buffer) : Copy(buffer);
+}
+
+std::size_t ByteSource::Copy(std::span<char> buffer) {
     std::size_t copied = 0;
-    while (copied < room.size()) {
+    while (copied < buffer.size()) {
         if (m_packed.empty())
             Refill();
         if (m_packed.empty())
             break;
-        const std::size_t count = std::min(room.size() - copied, m_packed.size());
-        std::copy_n(m_packed.begin(), count, room.begin() + std::ptrdiff_t(copied));
+        const std::size_t count = std::min(buffer.size() - copied, m_packed.size());
+        std::copy_n(m_packed.begin(), count, buffer.begin() + std::ptrdiff_t(copied));
         m_packed = m_packed.subspan(count);
         copied += count;
     }
     return copied;
 }
 
-std::size_t ByteSource::Unpack(std::span<char> room) {
-    std::span<char> left = room;
+std::size_t ByteSource::Unpack(std::span<char> buffer) {
+    std::span<char> left = buffer;
     while (!left.empty() && !m_ended) {
         if (m_packed.empty())
             Refill();
@@ -78,12 +126,12 @@ std::size_t ByteSource::Unpack(std::span<char> room) {
         else if (last && left.size() == before)
             throw Damage("ends too early");
     }
-    return room.size() - left.size();
+    return buffer.size() - left.size();
 }
 
-bool ByteSource::StreamEnds(std::span<char> &room) {
+bool ByteSource::StreamEnds(std::span<char> &buffer) {
     try {
-        return m_decoder->Decode(m_packed, room);
+        return m_decoder->Decode(m_packed, buffer);
     } catch (const std::runtime_error &damage) {
         throw Damage(std::string("is damaged: ") + damage.what());
     }
@@ -99,7 +147,7 @@ bool ByteSource::FindsNextStream() {
 }
 
 FileError ByteSource::Damage(const std::string &problem) const {
-    return FileError(m_file, Place(), std::string("the ") + NameOf(m_packing) + " stream " + problem);
+    return FileError(m_name, Place(), std::string("the ") + NameOf(m_packing) + " stream " + problem);
 }
 
 std::string ByteSource::Place() const {

@@ -28,11 +28,11 @@ public:
     GzipDecoder &operator=(const GzipDecoder &) = delete;
     ~GzipDecoder() override { inflateEnd(&m_stream); }
 
-    bool Decode(std::span<const char> &packed, std::span<char> &room) override {
-        const unsigned in = CountOf(packed), out = CountOf(room);
+    bool Decode(std::span<const char> &packed, std::span<char> &buffer) override {
+        const unsigned in = CountOf(packed), out = CountOf(buffer);
         m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(packed.data()));
         m_stream.avail_in = in;
-        m_stream.next_out = reinterpret_cast<Bytef *>(room.data());
+        m_stream.next_out = reinterpret_cast<Bytef *>(buffer.data());
         m_stream.avail_out = out;
         const int result = inflate(&m_stream, Z_NO_FLUSH);
         if (result == Z_MEM_ERROR)
@@ -40,7 +40,7 @@ public:
         if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR)
             throw std::runtime_error(m_stream.msg ? m_stream.msg : "unknown kind");
         packed = packed.subspan(in - m_stream.avail_in);
-        room = room.subspan(out - m_stream.avail_out);
+        buffer = buffer.subspan(out - m_stream.avail_out);
         return result == Z_STREAM_END;
     }
 
@@ -58,11 +58,11 @@ public:
     Bzip2Decoder &operator=(const Bzip2Decoder &) = delete;
     ~Bzip2Decoder() override { BZ2_bzDecompressEnd(&m_stream); }
 
-    bool Decode(std::span<const char> &packed, std::span<char> &room) override {
-        const unsigned in = CountOf(packed), out = CountOf(room);
+    bool Decode(std::span<const char> &packed, std::span<char> &buffer) override {
+        const unsigned in = CountOf(packed), out = CountOf(buffer);
         m_stream.next_in = const_cast<char *>(packed.data());
         m_stream.avail_in = in;
-        m_stream.next_out = room.data();
+        m_stream.next_out = buffer.data();
         m_stream.avail_out = out;
         const int result = BZ2_bzDecompress(&m_stream);
         if (result == BZ_MEM_ERROR)
@@ -72,7 +72,7 @@ public:
         if (result != BZ_OK && result != BZ_STREAM_END)
             throw std::runtime_error("incorrect data check");
         packed = packed.subspan(in - m_stream.avail_in);
-        room = room.subspan(out - m_stream.avail_out);
+        buffer = buffer.subspan(out - m_stream.avail_out);
         return result == BZ_STREAM_END;
     }
 

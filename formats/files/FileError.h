@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -11,5 +12,15 @@ class FileError : public std::runtime_error {
 public:
     FileError(const std::string &file, const std::string &place, const std::string &problem);
 };
+
+/// Does the work of reading `file`; memory that runs out under it is a FileError like any other.
+template <class Work>
+auto WithMemory(const std::string &file, Work work) {
+    try {
+        return work();
+    } catch (const std::bad_alloc &) {
+        throw FileError(file, "", "there is not enough memory to read it");
+    }
+}
 
 } // namespace formats

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "formats/files/ByteSource.h"
+
 #include <cstddef>
 #include <string>
 
@@ -13,5 +15,11 @@ namespace formats {
 /// damaged or ends too early (naming the byte of the packed file), and for more than `limit` bytes: a few
 /// packed bytes can otherwise fill any memory.
 std::string ReadBytes(const std::string &file, std::size_t limit);
+/// The same of a source, from where it is.
+std::string ReadBytes(ByteSource &source, std::size_t limit);
+
+/// Throws FileError for what is there but is no regular file: a pipe, a device, a directory. For readers that
+/// take nothing else: they ask before they open the file, since a pipe would make them wait.
+void CheckIsRegular(const std::string &file);
 
 } // namespace formats

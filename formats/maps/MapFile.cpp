@@ -12,7 +12,6 @@
 #include "formats/maps/MapVoxels.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <ostream>
 
@@ -22,24 +21,17 @@ namespace formats {
 
 namespace {
 
-/// Reading a map takes two passes over a packed file, and a pipe can be read only once.
-void CheckRegular(const std::string &file) {
-    std::error_code ignored;
-    if (std::filesystem::is_other(file, ignored))
-        throw FileError(file, "", "cannot be read: a map must be a regular file");
-}
-
 [[noreturn]] void FailTooShort(const std::string &file, std::uint64_t found, const std::string &promise) {
     throw FileError(file, "byte " + std::to_string(found), "the map ends too early, " + promise);
 }
 
-MapHeader ReadHeader(const std::string &file, ByteSource &source) {
+MapHeader ReadHeader(ByteSource &source) {
     MapHeaderBytes bytes;
     const std::size_t found = source.Read(bytes);
     if (found == 0)
-        throw FileError(file, "", "the file is empty");
+        throw FileError(source.Name(), "", "the file is empty");
     if (found < bytes.size())
-        FailTooShort(file, found, "a header takes " + std::to_string(bytes.size()) + " bytes");
+        FailTooShort(source.Name(), found, "a header takes " + std::to_string(bytes.size()) + " bytes");
     return DecodeMapHeader(bytes);
 }
 
@@ -50,45 +42,40 @@ std::string Promise(const MapLayout &layout) {
            std::to_string(layout.bytesPerVoxel) + ")";
 }
 
-/// A quarter of the memory is left to everything else, as the fit does.
-void CheckMemory(const std::string &file, const MapLayout &layout) {
-    const auto memory = std::uint64_t(base::MachineMemory());
-    const std::uint64_t needed = layout.voxels * sizeof(float);
+/// A quarter of the memory is left to everything else, as the fit does. Bytes that can be read only once are
+/// held beside the grid.
+void CheckMemory(const ByteSource &source, const MapLayout &layout) {
+    const std::uint64_t needed = layout.voxels * sizeof(float) + (source.PackedSize() ? 0 : layout.fileBytes);
     if (double(needed) > base::MemoryLimit())
-        throw FileError(file, "NX NY NZ (words 1 to 3)",
+        throw FileError(source.Name(), "NX NY NZ (words 1 to 3)",
                         std::to_string(layout.voxels) + " voxels take " + std::to_string(needed >> 20) +
                             " MiB, more than three quarters of the machine's " +
-                            std::to_string(memory >> 20) + " MiB");
+                            std::to_string(std::uint64_t(base::MachineMemory()) >> 20) + " MiB");
 }
 
-/// A header's claim is believed only once the bytes were seen. A packed file is read a little beyond the
-/// voxels, so that the check sum at its end is seen as well, but not to the end of a bomb.
-std::uint64_t CountBytes(const std::string &file, Packing packing, std::uint64_t wanted) {
-    constexpr std::uint64_t margin = 1 << 20;
-    std::error_code ignored;
-    return packing == Packing::None ? std::filesystem::file_size(file, ignored)
-                                    : ByteSource(file).Skip(wanted + margin);
+/// A header's claim is believed only once the bytes were seen. Packed ones are read a little beyond the
+/// voxels, so that the check sum at their end is seen as well, but not to the end of a bomb.
+std::uint64_t CountBytes(ByteSource &source, const MapLayout &layout) {
+    const bool packed = source.GetPacking() != Packing::None;
+    const std::uint64_t wanted = layout.fileBytes + (packed ? 1 << 20 : 0);
+    if (!source.PackedSize())
+        return MapHeader::size + source.Peek(wanted - MapHeader::size).size();
+    return packed ? source.Again().Skip(wanted) : *source.PackedSize();
 }
 
-void CheckLength(const std::string &file, Packing packing, const MapLayout &layout) {
-    const std::uint64_t found = CountBytes(file, packing, layout.fileBytes);
+void CheckLength(ByteSource &source, const MapLayout &layout) {
+    const std::uint64_t found = CountBytes(source, layout);
     if (found < layout.fileBytes)
-        FailTooShort(file, found, Promise(layout));
+        FailTooShort(source.Name(), found, Promise(layout));
 }
 
-std::unique_ptr<Grid> MakeGrid(const std::string &file, const MapLayout &layout) {
-    try {
-        return std::make_unique<Grid>(NodeName(file), layout.dimensions, layout.origin, layout.spacing,
-                                      Vector<float, 3>(90, 90, 90));
-    } catch (const std::bad_alloc &) {
-        throw FileError(file, "NX NY NZ (words 1 to 3)",
-                        "no memory for " + std::to_string(layout.voxels) + " voxels");
-    }
+std::unique_ptr<Grid> MakeGrid(const std::string &name, const MapLayout &layout) {
+    return std::make_unique<Grid>(name, layout.dimensions, layout.origin, layout.spacing,
+                                  Vector<float, 3>(90, 90, 90));
 }
 
 /// Reads the rows of the file one by one and spreads each over the grid.
-void ReadVoxels(const std::string &file, ByteSource &source, const MapHeader &header, const MapLayout &layout,
-                Grid &grid) {
+void ReadVoxels(ByteSource &source, const MapHeader &header, const MapLayout &layout, Grid &grid) {
     const auto &n = layout.dimensions;
     const std::array<std::size_t, 3> strideOf = {1, n[0], std::size_t(n[0]) * n[1]};
     const std::size_t column = strideOf[layout.axisOf[0]], row = strideOf[layout.axisOf[1]],
@@ -98,7 +85,7 @@ void ReadVoxels(const std::string &file, ByteSource &source, const MapHeader &he
     for (unsigned s = 0; s < n[layout.axisOf[2]]; ++s)
         for (unsigned r = 0; r < n[layout.axisOf[1]]; ++r) {
             if (source.Read(bytes) < bytes.size())
-                throw FileError(file, "", "the file changed while it was read");
+                throw FileError(source.Name(), "", "the file changed while it was read");
             ConvertVoxels(bytes, header.mode, header.bigEndian, values);
             float *const to = grid.Values().data() + r * row + s * section;
             for (std::size_t c = 0; c < values.size(); ++c)
@@ -110,12 +97,8 @@ MapReport ReportOf(const MapHeader &header, const MapLayout &layout) {
     MapReport report;
     report.mode = header.mode;
     report.bigEndian = header.bigEndian;
-    report.machineStamp = StampText(header.stamp);
-    for (unsigned i = 0; i < 3; ++i) {
-        report.axisOrder += "XYZ"[layout.axisOf[i]];
-        report.starts[layout.axisOf[i]] = header.starts[i];
-    }
-    report.originWords = header.origin;
+    for (const unsigned axis : layout.axisOf)
+        report.axisOrder += "XYZ"[axis];
     report.originSource = layout.originSource;
     report.title = header.title;
     return report;
@@ -128,24 +111,20 @@ void TakeValues(MapReport &report, Grid &grid) {
     report.maximum = statistics.maximum;
     report.mean = statistics.mean;
     report.deviation = statistics.deviation;
-    report.notFinite = ZeroNotFinite(grid.Values());
-    if (report.notFinite)
-        report.warnings.push_back(std::to_string(report.notFinite) + " of " +
-                                  std::to_string(grid.Values().size()) +
+    if (const std::uint64_t notFinite = ZeroNotFinite(grid.Values()))
+        report.warnings.push_back(std::to_string(notFinite) + " of " + std::to_string(grid.Values().size()) +
                                   " voxels are not finite and were read as 0");
 }
 
-std::unique_ptr<Grid> LoadGrid(const std::string &file, MapReport &report) {
-    CheckRegular(file);
-    ByteSource source(file);
-    const MapHeader header = ReadHeader(file, source);
+std::unique_ptr<Grid> LoadGrid(ByteSource &source, MapReport &report) {
+    const MapHeader header = ReadHeader(source);
     std::vector<std::string> warnings;
-    const MapLayout layout = LayoutOf(file, header, warnings);
-    CheckMemory(file, layout);
-    CheckLength(file, source.GetPacking(), layout);
-    std::unique_ptr<Grid> grid = MakeGrid(file, layout);
+    const MapLayout layout = LayoutOf(source.Name(), header, warnings);
+    CheckMemory(source, layout);
+    CheckLength(source, layout);
+    std::unique_ptr<Grid> grid = MakeGrid(NodeName(source.Name()), layout);
     source.Skip(std::uint64_t(header.extendedBytes));
-    ReadVoxels(file, source, header, layout, *grid);
+    ReadVoxels(source, header, layout, *grid);
     report = ReportOf(header, layout);
     report.packing = NameOf(source.GetPacking());
     report.warnings = std::move(warnings);
@@ -184,14 +163,21 @@ void WriteVoxels(std::ostream &out, std::span<const float> values) {
 } // namespace
 
 Grid *ReadMap(const std::string &file, MapReport *report) {
-    MapReport found;
-    std::unique_ptr<Grid> grid = LoadGrid(file, found);
-    DataAdder<Space> batch(Space::instance());
-    if (!batch.MayAdd())
-        throw FileError(file, "", "the model takes no additions at present");
-    if (report)
-        *report = std::move(found);
-    return DataMaker::addGrid(nullptr, std::move(grid));
+    ByteSource source(file);
+    return ReadMapFrom(source, report);
+}
+
+Grid *ReadMapFrom(ByteSource &source, MapReport *report) {
+    return WithMemory(source.Name(), [&] {
+        MapReport found;
+        std::unique_ptr<Grid> grid = LoadGrid(source, found);
+        DataAdder<Space> batch(Space::instance());
+        if (!batch.MayAdd())
+            throw FileError(source.Name(), "", "the model takes no additions at present");
+        if (report)
+            *report = std::move(found);
+        return DataMaker::addGrid(nullptr, std::move(grid));
+    });
 }
 
 void WriteMap(const std::string &file, const Grid &grid, const std::string &title) {

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "Grid.h"
+#include "formats/files/ByteSource.h"
 
-#include <array>
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,15 +13,11 @@ struct MapReport {
     std::string packing; ///< "gzip" or "bzip2"; empty where the file is not packed
     int mode = 0;        ///< data mode word of the file: 0, 1, 2, 6 or 12
     bool bigEndian = false;
-    std::string machineStamp;              ///< the four bytes of word 54 in hexadecimal, "44 41 00 00"
-    std::string axisOrder;                 ///< axes of columns, rows and sections: "XYZ" where x runs fastest
-    VARNO::Vector<std::int32_t, 3> starts; ///< start indices (words 5 to 7) along x, y, z
-    VARNO::Vector<float, 3> originWords;   ///< ORIGIN (words 50 to 52), Å
-    std::string originSource;              ///< the header fields that gave the origin, "ORIGIN" or "NSTART"
-    std::string title;                     ///< the first label; empty where there is none or it is no text
-    float minimum = 0, maximum = 0;        ///< of the voxels that are finite in the file
-    double mean = 0, deviation = 0;        ///< of the voxels that are finite in the file
-    std::uint64_t notFinite = 0;           ///< number of voxels that were not finite and became 0.0
+    std::string axisOrder;             ///< axes of columns, rows and sections: "XYZ" where x runs fastest
+    std::string originSource;          ///< the header fields that gave the origin, "ORIGIN" or "NSTART"
+    std::string title;                 ///< the first label; empty where there is none or it is no text
+    float minimum = 0, maximum = 0;    ///< of the voxels that are finite in the file
+    double mean = 0, deviation = 0;    ///< of the voxels that are finite in the file
     std::vector<std::string> warnings; ///< what was read differently from how it stands, one sentence each
 };
 
@@ -31,9 +26,12 @@ struct MapReport {
 /// if any of them is non-zero and all are plausible, else the start indices times the spacing; spacing is
 /// cell / MXYZ.
 /// Voxels that are not finite become 0.0 and are counted in a warning. Holds the grid and one row of the
-/// file; a packed file is unpacked twice, so that no memory is taken before its length is known. Throws
-/// FileError, naming the header field and its value; nothing is added to the model then.
+/// file; a packed file is unpacked twice, so that no memory is taken before its length is known. What can be
+/// read only once, as a pipe, is held as well. Throws FileError, naming the header field and its value;
+/// nothing is added to the model then.
 VARNO::Grid *ReadMap(const std::string &file, MapReport *report = nullptr);
+/// The same of a source that nothing was read from yet.
+VARNO::Grid *ReadMapFrom(ByteSource &source, MapReport *report = nullptr);
 
 /// Writes the grid as an MRC2014 map: mode 2, little-endian, x fastest, the origin in the ORIGIN words, the
 /// cell the dimensions times the spacing. `title` becomes the first label (at most 80 characters are kept).

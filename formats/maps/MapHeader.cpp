@@ -1,10 +1,10 @@
 #include "formats/maps/MapHeader.h"
 
+#include "base/Numbers.h"
 #include "formats/files/FileError.h"
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <optional>
@@ -130,9 +130,20 @@ std::string TitleOf(const MapHeaderBytes &bytes) {
     return isText ? title : "";
 }
 
+/// The four bytes of a machine stamp in hexadecimal: "44 41 00 00".
+std::string StampText(const std::array<char, 4> &stamp) {
+    std::string text;
+    for (const char byte : stamp) {
+        constexpr const char *digits = "0123456789abcdef";
+        const auto value = static_cast<unsigned char>(byte);
+        text += text.empty() ? "" : " ";
+        text += {digits[value >> 4], digits[value & 15]};
+    }
+    return text;
+}
+
 std::string Text(float value) {
-    char text[32];
-    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+    return base::ShortestNumber(value);
 }
 
 std::string Text(std::int32_t value) {
@@ -231,11 +242,11 @@ private:
     void FindSpacing() {
         for (unsigned axis = 0; axis < 3; ++axis) {
             const std::string name = axisNames[axis];
-            CheckAngle(axis);
             const float length = m_header.cell[axis];
             if (!std::isfinite(length) || length <= 0)
                 Refuse("CELLA " + name, Word::cell + axis,
                        Text(length) + " Å is no length of a cell, so the scale is unknown");
+            CheckAngle(axis);
             m_spacing[axis] = double(length) / SamplesAlong(axis);
             if (m_spacing[axis] < smallestSpacing || m_spacing[axis] > largestSpacing)
                 Refuse("CELLA " + name, Word::cell + axis,
@@ -371,17 +382,6 @@ MapHeaderBytes EncodeMapHeader(const MapHeader &header) {
     std::copy_n(header.title.data(), std::min(header.title.size(), titleSize),
                 bytes.data() + OffsetOf(Word::title));
     return bytes;
-}
-
-std::string StampText(const std::array<char, 4> &stamp) {
-    std::string text;
-    for (const char byte : stamp) {
-        constexpr const char *digits = "0123456789abcdef";
-        const auto value = static_cast<unsigned char>(byte);
-        text += text.empty() ? "" : " ";
-        text += {digits[value >> 4], digits[value & 15]};
-    }
-    return text;
 }
 
 MapLayout LayoutOf(const std::string &file, const MapHeader &header, std::vector<std::string> &warnings) {

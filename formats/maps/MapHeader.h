@@ -44,9 +44,6 @@ MapHeader DecodeMapHeader(const MapHeaderBytes &bytes);
 /// given.
 MapHeaderBytes EncodeMapHeader(const MapHeader &header);
 
-/// The four bytes of a machine stamp in hexadecimal: "44 41 00 00".
-std::string StampText(const std::array<char, 4> &stamp);
-
 /// What a header means for a grid whose axes are x, y, z.
 struct MapLayout {
     std::array<unsigned, 3> axisOf;        ///< the grid axis (0 x, 1 y, 2 z) along columns, rows, sections

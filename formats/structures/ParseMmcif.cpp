@@ -1,4 +1,5 @@
-#include "formats/files/FieldText.h"
+#include "base/Numbers.h"
+#include "base/Words.h"
 #include "formats/files/FileError.h"
 #include "formats/structures/ParsedModel.h"
 
@@ -167,7 +168,7 @@ private:
     gemmi::ResidueId IdOf(const Table::Row &row) const {
         gemmi::ResidueId id;
         const std::string number = ValueOr(row, AuthSeq, LabelSeq, "0");
-        if (const auto read = ReadInteger(number))
+        if (const auto read = base::ReadInteger(number))
             id.seqid.num = *read;
         else
             Fail(row.has2(AuthSeq) ? AuthSeq : LabelSeq, number, "is not an integer");
@@ -198,7 +199,7 @@ private:
         const std::string text = Value(row, column);
         if (text.empty())
             return absent;
-        const auto number = ReadNumber(std::string_view(text).substr(0, text.find('('))); // "1.23(4)"
+        const auto number = base::ReadNumber(std::string_view(text).substr(0, text.find('('))); // "1.23(4)"
         if (!number)
             Fail(column, text, "is not a number");
         return *number;
@@ -207,7 +208,7 @@ private:
     [[noreturn]] void Fail(Column column, const std::string &value, const std::string &problem) const {
         const std::string &tag = tags[column];
         throw FileError(m_file, "row " + std::to_string(m_row) + " of _atom_site",
-                        tag.substr(tag.starts_with('?')) + ' ' + Quoted(value) + ' ' + problem);
+                        tag.substr(tag.starts_with('?')) + ' ' + base::Quoted(value) + ' ' + problem);
     }
 
     const std::string &m_file;

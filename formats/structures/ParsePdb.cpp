@@ -1,5 +1,5 @@
-#include "formats/files/FieldText.h"
 
+#include "base/Numbers.h"
 #include "base/Words.h"
 #include "formats/files/FileError.h"
 #include "formats/structures/ParsedModel.h"
@@ -44,7 +44,7 @@ char Upper(char c) {
 
 /// Columns 1 to 6 in capitals, without blanks.
 std::string RecordName(std::string_view line) {
-    std::string name(Trimmed(line.substr(0, std::min<std::size_t>(line.find('\t'), 6))));
+    std::string name(base::Trimmed(line.substr(0, std::min<std::size_t>(line.find('\t'), 6))));
     std::ranges::transform(name, name.begin(), Upper);
     return name;
 }
@@ -54,7 +54,7 @@ std::string RecordName(std::string_view line) {
 bool IsResidueNumber(std::string_view field) {
     if (IsUpper(field[0]))
         return std::ranges::all_of(field, [](char c) { return IsUpper(c) || IsDigit(c); });
-    return ReadInteger(field).has_value();
+    return base::ReadInteger(field).has_value();
 }
 
 bool IsCharge(std::string_view field) {
@@ -101,7 +101,7 @@ public:
 
 private:
     void TakeModelNumber(std::string_view field) {
-        if (const auto number = ReadInteger(field))
+        if (const auto number = base::ReadInteger(field))
             m_modelNumber = std::to_string(*number);
     }
 
@@ -129,16 +129,16 @@ private:
         const auto odd = std::find_if_not(m_atom.begin(), m_atom.begin() + afterBFactor, IsPrintable);
         if (odd < m_atom.begin() + afterBFactor)
             Fail("column " + std::to_string(odd - m_atom.begin() + 1) + " of an atom record holds " +
-                 Quoted(std::string(1, *odd)));
+                 base::Quoted(std::string(1, *odd)));
     }
 
     void CheckNumbers() const {
         if (!IsResidueNumber(Field(residueNumber)))
             FailAt(residueNumber);
         for (const Columns &coordinate : coordinates)
-            if (!ReadNumber(Field(coordinate)))
+            if (!base::ReadNumber(Field(coordinate)))
                 FailAt(coordinate);
-        if (!IsBlank(Field(bFactor)) && !ReadNumber(Field(bFactor)))
+        if (!IsBlank(Field(bFactor)) && !base::ReadNumber(Field(bFactor)))
             FailAt(bFactor);
     }
 
@@ -155,7 +155,7 @@ private:
         std::fill(m_atom.begin() + afterBFactor, m_atom.begin() + segment, ' ');
         std::replace_if(
             m_atom.begin() + segment, m_atom.end(), [](char c) { return !IsPrintable(c); }, ' ');
-        if (const std::string symbol(Trimmed(Field(element)));
+        if (const std::string symbol(base::Trimmed(Field(element)));
             gemmi::find_element(symbol.c_str()) == gemmi::El::X)
             Blank(element);
         if (!IsCharge(Field(charge)))
@@ -170,7 +170,7 @@ private:
     }
 
     [[noreturn]] void FailAt(const Columns &columns) const {
-        Fail(std::string(columns.name) + " " + Quoted(Field(columns)) + " (columns " +
+        Fail(std::string(columns.name) + " " + base::Quoted(Field(columns)) + " (columns " +
              std::to_string(columns.first + 1) + " to " + std::to_string(columns.first + columns.count) +
              ") is not a number");
     }

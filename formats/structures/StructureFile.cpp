@@ -1,10 +1,8 @@
 #include "formats/structures/StructureFile.h"
 
-#include "base/Words.h"
-
 #include "DataAdder.h"
 #include "DataMaker.h"
-#include "formats/files/FieldText.h"
+#include "base/Words.h"
 #include "formats/files/FileError.h"
 #include "formats/files/NodeName.h"
 #include "formats/files/ReadBytes.h"
@@ -47,11 +45,12 @@ bool IsMmcif(std::string_view text) {
     const std::string_view line = text.substr(begin, text.find_first_of("\r\n", begin) - begin);
     throw FileError(file, "",
                     "is neither PDB (no line is an ATOM or HETATM record) nor mmCIF; it begins with " +
-                        Quoted(line));
+                        base::Quoted(line));
 }
 
-ParsedModel Parse(const std::string &file, StructureReport &report) {
-    const std::string bytes = ReadBytes(file, largest);
+ParsedModel Parse(ByteSource &source, StructureReport &report) {
+    const std::string &file = source.Name();
+    const std::string bytes = ReadBytes(source, largest);
     std::string_view text = bytes;
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
@@ -153,17 +152,24 @@ void WarnOfLeftOut(const AssembledModel &model, StructureReport &report) {
 } // namespace
 
 Clump *ReadStructure(const std::string &file, StructureReport *report) {
-    StructureReport found;
-    ParsedModel parsed = Parse(file, found);
-    const AssembledModel model = AssembleChains(std::move(parsed.parts));
-    WarnOfLeftOut(model, found);
-    const DataAdder<Space> batch(Space::instance());
-    if (!batch.MayAdd())
-        throw FileError(file, "", "cannot be added: the model takes no additions now");
-    Clump *clump = Builder(parsed.number).Build(NodeName(file), model.chains, found);
-    if (report)
-        *report = found;
-    return clump;
+    ByteSource source(file);
+    return ReadStructureFrom(source, report);
+}
+
+Clump *ReadStructureFrom(ByteSource &source, StructureReport *report) {
+    return WithMemory(source.Name(), [&] {
+        StructureReport found;
+        ParsedModel parsed = Parse(source, found);
+        const AssembledModel model = AssembleChains(std::move(parsed.parts));
+        WarnOfLeftOut(model, found);
+        const DataAdder<Space> batch(Space::instance());
+        if (!batch.MayAdd())
+            throw FileError(source.Name(), "", "cannot be added: the model takes no additions now");
+        Clump *clump = Builder(parsed.number).Build(NodeName(source.Name()), model.chains, found);
+        if (report)
+            *report = found;
+        return clump;
+    });
 }
 
 } // namespace formats

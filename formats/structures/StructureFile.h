@@ -2,6 +2,7 @@
 
 #include "Compound.h"
 #include "Transform.h"
+#include "formats/files/ByteSource.h"
 
 #include <cstddef>
 #include <string>
@@ -40,6 +41,8 @@ struct StructureReport {
 /// polymer, with the ligands and waters. A blank identifier of a PDB file gives a chain named " ". Throws
 /// FileError; nothing is added to the model then.
 VARNO::Clump *ReadStructure(const std::string &file, StructureReport *report = nullptr);
+/// The same of a source that nothing was read from yet.
+VARNO::Clump *ReadStructureFrom(ByteSource &source, StructureReport *report = nullptr);
 
 enum class StructureFormat { Pdb, Mmcif };
 

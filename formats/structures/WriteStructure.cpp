@@ -1,12 +1,13 @@
-#include "Atom.h"
+#include "formats/structures/StructureFile.h"
 
-#include "Group.h"
 #include "base/Numbers.h"
-#include "formats/files/FieldText.h"
+#include "base/Words.h"
 #include "formats/files/FileError.h"
 #include "formats/files/NodeName.h"
 #include "formats/files/ReplaceFile.h"
-#include "formats/structures/StructureFile.h"
+
+#include "Atom.h"
+#include "Group.h"
 
 #include <gemmi/cifdoc.hpp>
 
@@ -96,14 +97,14 @@ protected:
     /// Names of all kinds must stand on one line.
     std::string Name(const std::string &name) const {
         if (!std::ranges::all_of(name, [](char c) { return c >= ' ' && c <= '~'; }))
-            Refuse("the name " + Quoted(name) + " cannot be written");
+            Refuse("the name " + base::Quoted(name) + " cannot be written");
         return name;
     }
 
     SequenceId Sequence() const {
         SequenceId id(CurrentResidue().GetSeqId());
-        if (!ReadInteger(id.number) || id.insertion.size() > 1)
-            Refuse("the sequence identifier " + Quoted(CurrentResidue().GetSeqId()) +
+        if (!base::ReadInteger(id.number) || id.insertion.size() > 1)
+            Refuse("the sequence identifier " + base::Quoted(CurrentResidue().GetSeqId()) +
                    " is not a number with an insertion code");
         return id;
     }
@@ -128,7 +129,7 @@ private:
             for (const unsigned i : {0, 1, 2})
                 if (!std::isfinite(position[i]))
                     Refuse("the coordinate " + std::to_string(position[i]) + " of atom " +
-                           Quoted(atom->GetName()) + " cannot be written");
+                           base::Quoted(atom->GetName()) + " cannot be written");
             ++m_atomNumber;
             WriteAtom(*atom, position);
         }
@@ -187,7 +188,7 @@ private:
     void Put(std::string &line, std::size_t last, std::size_t width, const std::string &text,
              const char *what) {
         if (text.size() > width)
-            Advise(std::string("the ") + what + ' ' + Quoted(text));
+            Advise(std::string("the ") + what + ' ' + base::Quoted(text));
         line.replace(last - text.size(), text.size(), text);
     }
 
@@ -295,7 +296,8 @@ void WriteStructure(const std::string &file, StructureFormat format, const Compo
     CollectChains(node, chains);
     std::erase_if(chains, [](const WrittenChain &chain) { return !HasAtoms(chain); });
     if (chains.empty())
-        throw FileError(file, "", "nothing to write: no chain with atoms in " + Quoted(node->GetLabel()));
+        throw FileError(file, "",
+                        "nothing to write: no chain with atoms in " + base::Quoted(node->GetLabel()));
     ReplaceFile(file, [&](std::ostream &out) {
         if (format == StructureFormat::Pdb)
             PdbWriter(file, pose, out).Write(chains);

@@ -5,30 +5,23 @@
 #include "Grid.h"
 #include "cli/CommandLine.h"
 #include "formats/files/ByteSource.h"
-#include "formats/files/FileError.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
 #include <iostream>
 
 using namespace cli;
 using namespace VARNO;
+using formats::ByteSource;
 
 namespace batch {
 
 namespace {
 
 /// A map begins with a header of numbers, so that bytes occur that no text has; a structure file is text.
-bool IsMap(const std::string &file) {
-    std::array<char, 1024> start;
-    const std::size_t size = formats::ByteSource(file).Read(start);
-    if (!std::filesystem::is_regular_file(file))
-        throw formats::FileError(
-            file, "", "must be a regular file: it is looked at first, and then read from its start");
-    return std::any_of(start.begin(), start.begin() + size, [](char c) {
+bool IsMap(ByteSource &source) {
+    return std::ranges::any_of(source.Peek(1024), [](char c) {
         return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r');
     });
 }
@@ -59,17 +52,21 @@ QString ModeText(int mode) {
     }
 }
 
-void TellMap(const std::string &file) {
+void TellMap(ByteSource &source) {
     formats::MapReport report;
-    const Grid &map = *formats::ReadMap(file, &report);
-    std::cout << file << ": density map\n";
+    const Grid &map = *formats::ReadMapFrom(source, &report);
+    std::cout << source.Name() << ": density map\n";
+    if (!report.title.empty())
+        Line("title", QString::fromStdString(report.title));
     Line("size", Three(map.Dimensions(), " x ") + " voxels");
     Line("spacing", Three(map.Spacing(), " x ") + " Å");
     Line("origin", Three(map.Origin(), ", ") + " Å, from " + QString::fromStdString(report.originSource));
-    Line("data", QString("mode %1, %2, %3, axis order %4")
-                     .arg(report.mode)
-                     .arg(ModeText(report.mode), report.bigEndian ? "big-endian" : "little-endian",
-                          QString::fromStdString(report.axisOrder)));
+    Line("data",
+         QString("mode %1, %2, %3, axis order %4%5")
+             .arg(report.mode)
+             .arg(ModeText(report.mode), report.bigEndian ? "big-endian" : "little-endian",
+                  QString::fromStdString(report.axisOrder),
+                  report.packing.empty() ? "" : ", packed by " + QString::fromStdString(report.packing)));
     Line("values",
          QString("minimum %1, maximum %2, mean %3, standard deviation %4")
              .arg(base::GeneralNumber(double(report.minimum)), base::GeneralNumber(double(report.maximum)),
@@ -96,10 +93,10 @@ void TellChains(const std::vector<formats::ChainReport> &chains) {
                  QString::number(chain.placed), QString::number(chain.atoms));
 }
 
-void TellStructure(const std::string &file) {
+void TellStructure(ByteSource &source) {
     formats::StructureReport report;
-    formats::ReadStructure(file, &report);
-    std::cout << file << ": structure, " << report.format << '\n';
+    formats::ReadStructureFrom(source, &report);
+    std::cout << source.Name() << ": structure, " << report.format << '\n';
     TellChains(report.chains);
     Line("models", QString::number(report.models));
     Line("besides", QString("ligand residues %1, waters %2").arg(report.ligands).arg(report.waters));
@@ -108,10 +105,11 @@ void TellStructure(const std::string &file) {
 }
 
 int Run(const Arguments &arguments) {
-    if (IsMap(arguments.operand))
-        TellMap(arguments.operand);
+    ByteSource source(arguments.operand);
+    if (IsMap(source))
+        TellMap(source);
     else
-        TellStructure(arguments.operand);
+        TellStructure(source);
     return Succeeded;
 }
 

@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 using namespace VARNO;
 
@@ -30,13 +29,12 @@ struct Word {
 };
 
 std::string ReadPlainBytes(const std::string &file) {
-    std::string bytes = formats::ReadBytes(file, largestFile);
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error))
-        throw FileError(file, "", "is no regular file");
-    if (std::filesystem::file_size(file, error) != bytes.size())
+    // The engine reads the file once more.
+    formats::CheckIsRegular(file);
+    formats::ByteSource source(file);
+    if (source.GetPacking() != formats::Packing::None)
         throw FileError(file, "", "is packed; restraints are read as plain text");
-    return bytes;
+    return formats::ReadBytes(source, largestFile);
 }
 
 QString ReadText(const std::string &file) {

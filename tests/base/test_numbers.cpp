@@ -86,3 +86,23 @@ TEST(PlainFixed, HasNoNegativeZero) {
     EXPECT_EQ(PlainFixed(-0.0005001, 3), "-0.001");
     EXPECT_EQ(PlainFixed(-DBL_MAX, 3).size(), 1u + 309 + 1 + 3);
 }
+
+TEST(Numbers, TheShortestTextReadsTheSameNumberBack) {
+    EXPECT_EQ(ShortestNumber(0.1f), "0.1");
+    EXPECT_EQ(ShortestNumber(0.30000001192f), "0.3");
+    EXPECT_EQ(ShortestNumber(1e-30f), "1e-30");
+    EXPECT_EQ(ShortestNumber(std::nanf("")), "nan");
+}
+
+TEST(Numbers, AreReadWhereTheyFillTheText) {
+    EXPECT_EQ(ReadNumber("  -6.504 "), -6.504);
+    EXPECT_EQ(ReadNumber("+1e3"), 1000);
+    EXPECT_EQ(ReadNumber(".5"), 0.5);
+    EXPECT_TRUE(std::isnan(ReadNumber(" NaN").value()));
+    EXPECT_TRUE(std::isinf(ReadNumber("-inf").value()));
+    for (const char *text : {"", "  ", "1 2", "1,5", "1.5x", "*", "-", "+", "+-1", "0x10"})
+        EXPECT_FALSE(ReadNumber(text)) << text;
+    EXPECT_EQ(ReadInteger(" -12"), -12);
+    for (const char *text : {"", "1.5", "12A", "99999999999"})
+        EXPECT_FALSE(ReadInteger(text)) << text;
+}

@@ -29,3 +29,10 @@ TEST(DurationText, HasTheUnitsThatAPersonWouldUse) {
     EXPECT_EQ(DurationText(86400 * 365.25 * 3.2), "3.2 years");
     EXPECT_EQ(DurationText(1e30), "3.16881e+22 years");
 }
+
+TEST(Quoted, ShowsWhatCannotBePrinted) {
+    EXPECT_EQ(Quoted("a b"), "'a b'");
+    EXPECT_EQ(Quoted(std::string_view("\0\n\xff", 3)), "'\\x00\\x0a\\xff'");
+    EXPECT_EQ(Quoted(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
+    EXPECT_EQ(Quoted(std::string(41, 'x')), "'" + std::string(40, 'x') + "...'");
+}

@@ -131,6 +131,46 @@ TEST(ByteSource, SkipsAsManyBytesAsThereAre) {
     }
 }
 
+TEST(ByteSource, ReadsBytesInMemory) {
+    const std::string noise = Noise(200'000);
+    for (const std::string &bytes : {noise, Gzip(noise), Bzip2(noise)}) {
+        ByteSource source("name", bytes);
+        EXPECT_EQ(source.PackedSize(), bytes.size());
+        EXPECT_EQ(source.Skip(1'000'000), noise.size());
+        EXPECT_EQ(source.Again().Skip(1'000'000), noise.size());
+    }
+    const std::string packed = Gzip(noise).substr(0, 1000);
+    EXPECT_EQ(ErrorOf([&] { ByteSource("name", packed).Skip(1'000'000); }),
+              "name: byte 1000: the gzip stream ends too early");
+}
+
+TEST(ByteSource, GivesPeekedBytesAgain) {
+    TemporaryFolder folder;
+    const std::string noise = Noise(200'000);
+    for (const std::string &bytes : {noise, Gzip(noise)}) {
+        ByteSource source(folder.Write("a", bytes));
+        std::string read(199'990, '\0');
+        const auto text = [](std::span<const char> span) { return std::string(span.begin(), span.end()); };
+        EXPECT_EQ(text(source.Peek(10)), noise.substr(0, 10));
+        EXPECT_EQ(text(source.Peek(3)), noise.substr(0, 3));
+        EXPECT_EQ(text(source.Peek(100'000)), noise.substr(0, 100'000));
+        EXPECT_EQ(source.Skip(5), 5u);
+        EXPECT_EQ(text(source.Peek(10)), noise.substr(5, 10));
+        EXPECT_EQ(source.Read(read), read.size());
+        EXPECT_EQ(read, noise.substr(5, read.size()));
+        EXPECT_EQ(text(source.Peek(1'000'000'000'000)), noise.substr(199'995));
+        EXPECT_EQ(source.Skip(100), 5u);
+        EXPECT_TRUE(source.Peek(1).empty());
+    }
+}
+
+TEST(ByteSource, KnowsNoSizeOfWhatOnlyReadingTells) {
+    TemporaryFolder folder;
+    EXPECT_EQ(ByteSource(folder.Write("a", "four")).PackedSize(), 4u);
+    EXPECT_EQ(ByteSource("/dev/zero").PackedSize(), std::nullopt);
+    EXPECT_EQ(ByteSource("/proc/cpuinfo").PackedSize(), std::nullopt);
+}
+
 TEST(ByteSource, RefusesWhatIsNoFile) {
     TemporaryFolder folder;
     EXPECT_EQ(ErrorOf([&] { ByteSource(folder.File("absent")); }),

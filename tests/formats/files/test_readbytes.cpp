@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
 namespace {
 
 using namespace formats;
@@ -77,6 +79,25 @@ TEST(ReadBytes, RefusesWhatIsNoReadableFile) {
               folder.File("none") + ": cannot be read: No such file or directory");
     EXPECT_EQ(ErrorOf(folder.Path()), folder.Path() + ": cannot be read: Is a directory");
     EXPECT_EQ(ErrorOf("-"), "-: cannot be read: No such file or directory");
+}
+
+TEST(CheckIsRegular, RefusesWhatWouldMakeAReaderWait) {
+    TemporaryFolder folder;
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto errorOf = [](const std::string &file) {
+        try {
+            CheckIsRegular(file);
+        } catch (const FileError &error) {
+            return std::string(error.what());
+        }
+        return std::string("no error");
+    };
+    EXPECT_EQ(errorOf(pipe), pipe + ": is no regular file");
+    EXPECT_EQ(errorOf("/dev/zero"), "/dev/zero: is no regular file");
+    EXPECT_EQ(errorOf(folder.Path()), folder.Path() + ": is a directory");
+    EXPECT_EQ(errorOf(folder.Write("file", "x")), "no error");
+    EXPECT_EQ(errorOf(folder.File("absent")), "no error");
 }
 
 TEST(ReadBytes, StopsAtTheLimit) {

@@ -38,7 +38,7 @@ std::vector<MapCase> AllCases() {
     return cases;
 }
 
-std::string NameOf(const testing::TestParamInfo<MapCase> &info) {
+std::string CaseName(const testing::TestParamInfo<MapCase> &info) {
     std::string name = info.param.file;
     for (char &c : name)
         c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
@@ -117,7 +117,7 @@ TEST_P(MapData, IsReadOrRefusedAsItShouldBe) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Format, MapData, testing::ValuesIn(AllCases()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Format, MapData, testing::ValuesIn(AllCases()), CaseName);
 
 /// The maps that the fits use. Where ORIGIN and NSTART disagree, this is what puts the model into the map.
 TEST(MapsOfTheCases, LieWhereTheirModelsLie) {

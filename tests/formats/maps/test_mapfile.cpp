@@ -12,16 +12,21 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <random>
+#include <thread>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace formats;
 using namespace VARNO;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -116,7 +121,6 @@ TEST_F(MapFile, SaysWhatTheHeaderSaid) {
     EXPECT_EQ(m_report.packing, "");
     EXPECT_EQ(m_report.mode, 2);
     EXPECT_FALSE(m_report.bigEndian);
-    EXPECT_EQ(m_report.machineStamp, "44 44 00 00");
     EXPECT_EQ(m_report.axisOrder, "XYZ");
     EXPECT_EQ(m_report.originSource, "NSTART");
     EXPECT_EQ(m_report.title, "a title");
@@ -124,7 +128,6 @@ TEST_F(MapFile, SaysWhatTheHeaderSaid) {
     EXPECT_EQ(m_report.maximum, 6);
     EXPECT_EQ(m_report.mean, 3.5);
     EXPECT_DOUBLE_EQ(m_report.deviation, std::sqrt(35.0 / 12));
-    EXPECT_EQ(m_report.notFinite, 0u);
     EXPECT_THAT(m_report.warnings, IsEmpty());
 }
 
@@ -188,7 +191,7 @@ TEST_F(MapFile, ReadsHalfFloats) {
         bytes.Voxel(std::uint16_t(half));
     EXPECT_THAT(ValuesOf(Read(bytes)),
                 ElementsAre(1.0f, -2.5f, 65504.0f, 0x1p-24f, 0x1.ff8p-15f, 0x1p-14f, -0x1p-24f, 0.0f, 0.0f));
-    EXPECT_EQ(m_report.notFinite, 2u);
+    EXPECT_THAT(m_report.warnings, ElementsAre("2 of 9 voxels are not finite and were read as 0"));
 }
 
 TEST_F(MapFile, ReadsEveryAxisOrder) {
@@ -212,7 +215,6 @@ TEST_F(MapFile, ReadsEveryAxisOrder) {
         EXPECT_EQ(grid.Spacing(), (Vector<float, 3>(1, 2, 3)));
         EXPECT_EQ(grid.Origin(), (Vector<float, 3>(-5, 14, 33)));
         EXPECT_EQ(m_report.axisOrder, order);
-        EXPECT_EQ(m_report.starts, (Vector<std::int32_t, 3>(-5, 7, 11)));
         for (int z = 0; z < 4; ++z)
             for (int y = 0; y < 3; ++y)
                 for (int x = 0; x < 2; ++x)
@@ -243,7 +245,6 @@ TEST_F(MapFile, TakesTheOriginWordsWhereOneIsNotZeroAndNeverAddsTheStartIndices)
     EXPECT_EQ(Read(SmallMap().Int(5, -50).Int(6, 1).Int(7, 3).Float(51, -30.25f)).Origin(),
               (Vector<float, 3>(0, -30.25f, 0)));
     EXPECT_EQ(m_report.originSource, "ORIGIN");
-    EXPECT_EQ(m_report.originWords, (Vector<float, 3>(0, -30.25f, 0)));
     EXPECT_THAT(m_report.warnings, IsEmpty());
 }
 
@@ -326,7 +327,6 @@ TEST_F(MapFile, ReadsVoxelsThatAreNotFiniteAsZeroAndCountsThem) {
         ValuesOf(Read(
             MapBytes(5, 1, 1).Voxel(1.0f).Voxel(notANumber).Voxel(infinity).Voxel(-infinity).Voxel(-5.0f))),
         ElementsAre(1, 0, 0, 0, -5));
-    EXPECT_EQ(m_report.notFinite, 3u);
     EXPECT_EQ(m_report.minimum, -5);
     EXPECT_EQ(m_report.maximum, 1);
     EXPECT_EQ(m_report.mean, -2);
@@ -358,6 +358,8 @@ TEST_F(MapFile, RefusesAHeaderWordThatMakesNoSense) {
               "CELLA X (word 11): 4e-10 Å make voxels of 2e-10 Å, can only be 0.001 to 1000 Å");
     EXPECT_EQ(floats(11, 3e38f),
               "CELLA X (word 11): 3e+38 Å make voxels of 1.5e+38 Å, can only be 0.001 to 1000 Å");
+    EXPECT_EQ(ErrorOf(SmallMap().Float(11, 0).Float(14, 0)),
+              "CELLA X (word 11): 0 Å is no length of a cell, so the scale is unknown");
     EXPECT_EQ(floats(14, 0), "CELLB ALPHA (word 14): 0 degrees: the cell is not orthogonal");
     EXPECT_EQ(floats(15, 94.326f), "CELLB BETA (word 15): 94.326 degrees: the cell is not orthogonal");
     EXPECT_EQ(floats(16, notANumber), "CELLB GAMMA (word 16): nan degrees: the cell is not orthogonal");
@@ -431,12 +433,62 @@ TEST_F(MapFile, RefusesAPackedFileThatIsCutOffOrDamaged) {
     EXPECT_THAT(ErrorOf(damaged), HasSubstr("the gzip stream is damaged"));
 }
 
-TEST_F(MapFile, RefusesWhatIsNoRegularFile) {
-    ASSERT_EQ(mkfifo(m_folder.File("pipe").c_str(), 0600), 0);
+TEST_F(MapFile, ReadsAPipe) {
+    const std::string whole = SmallMap(), pipe = m_folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string &bytes : {whole, whole + "trailing", Gzip(whole), Bzip2(whole)}) {
+        std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << bytes; });
+        const Grid *grid = ReadMap(pipe);
+        writer.join();
+        EXPECT_THAT(ValuesOf(*grid), ElementsAre(1, 2, 3, 4, 5, 6));
+    }
+    for (const std::string &bytes : {whole.substr(0, 1040), Gzip(whole.substr(0, 1040))}) {
+        std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << bytes; });
+        EXPECT_EQ(
+            ErrorOfFile(pipe),
+            "byte 1040: the map ends too early, its header promises 1048 bytes (2 x 3 x 1 voxels of 4)");
+        writer.join();
+    }
+}
+
+TEST_F(MapFile, ReadsBytesInMemory) {
+    const std::string whole = SmallMap();
+    for (const std::string &bytes : {whole, Gzip(whole), Bzip2(whole)}) {
+        ByteSource source("folder/name.map", bytes);
+        const Grid *grid = ReadMapFrom(source);
+        EXPECT_EQ(grid->GetName(), "name");
+        EXPECT_THAT(ValuesOf(*grid), ElementsAre(1, 2, 3, 4, 5, 6));
+    }
+    EXPECT_EQ(ErrorIn("name",
+                      [&] {
+                          ByteSource source("name", std::string_view(whole).substr(0, 1000));
+                          ReadMapFrom(source);
+                      }),
+              "byte 1000: the map ends too early, a header takes 1024 bytes");
+}
+
+TEST_F(MapFile, RefusesWhatIsNoMap) {
     EXPECT_EQ(ErrorOfFile(m_folder.File("absent")), "cannot be read: No such file or directory");
     EXPECT_EQ(ErrorOfFile(m_folder.Path()), "cannot be read: Is a directory");
-    EXPECT_EQ(ErrorOfFile(m_folder.File("pipe")), "cannot be read: a map must be a regular file");
-    EXPECT_EQ(ErrorOfFile("/dev/zero"), "cannot be read: a map must be a regular file");
+    for (const std::string endless : {"/dev/zero", "/proc/cpuinfo"})
+        EXPECT_THAT(ErrorOfFile(endless),
+                    AllOf(StartsWith("NX (word 1): "), EndsWith(": not an MRC/CCP4 map")));
+}
+
+TEST_F(MapFile, SaysThatTheMemoryRanOut) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer's own memory is beyond any limit";
+#endif
+    const std::string path = m_folder.Write("map", MapBytes(1000, 1000, 1000, 0));
+    fs::resize_file(path, 1024 + 1'000'000'000);
+    const auto readInLittle = [&] {
+        rlimit limit;
+        limit.rlim_cur = limit.rlim_max = 1'000'000'000;
+        setrlimit(RLIMIT_AS, &limit);
+        std::fputs(ErrorOfFile(path).c_str(), stderr);
+        std::exit(0);
+    };
+    EXPECT_EXIT(readInLittle(), testing::ExitedWithCode(0), "^there is not enough memory to read it$");
 }
 
 TEST_F(MapFile, RefusesAFileWithoutReadPermission) {

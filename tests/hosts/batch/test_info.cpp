@@ -4,6 +4,11 @@
 #include "TestData.h"
 #include "formats/maps/MapFile.h"
 
+#include <fstream>
+#include <thread>
+
+#include <sys/stat.h>
+
 using namespace VARNO;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -64,6 +69,7 @@ TEST_F(Info, TellsTheGeometryAndTheValuesOfAMap) {
     const std::string file = MapFile();
     EXPECT_EQ(OutputOf({"info", file}),
               file + ": density map\n"
+                     "  title     a map\n"
                      "  size      2 x 3 x 4 voxels\n"
                      "  spacing   1.5 x 2 x 2.5 Å\n"
                      "  origin    -7.5, 0, 1 Å, from ORIGIN\n"
@@ -84,10 +90,25 @@ TEST_F(Info, TellsARealMapsOddities) {
     EXPECT_THAT(OutputOf({"info", folder + "3197_nan.map"}),
                 AllOf(HasSubstr("\n  origin    -22.8, 0, 0 Å, from NSTART\n"),
                       HasSubstr("\n  note      6 of 8000 voxels")));
-    EXPECT_THAT(OutputOf({"info", folder + "emd_3197.map.gz"}), HasSubstr("from NSTART"));
+    EXPECT_THAT(OutputOf({"info", folder + "emd_3197.map.gz"}),
+                AllOf(HasSubstr("from NSTART"), HasSubstr("axis order XYZ, packed by gzip\n")));
     EXPECT_THAT(OutputOf({"info", folder + "3197_bigendian_wrongstamp.map"}),
                 AllOf(HasSubstr("big-endian"), HasSubstr("\n  note      ")));
     EXPECT_THAT(OutputOf({"info", folder + "3197_mode12.map"}), HasSubstr("mode 12, 16-bit floats"));
+}
+
+TEST_F(Info, ReadsAPipe) {
+    const std::string pipe = m_folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string &bytes : {ReadFile(MapFile()), smallModel}) {
+        std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << bytes; });
+        const std::string told = OutputOf({"info", pipe});
+        writer.join();
+        EXPECT_EQ(told.substr(told.find(':')), [&] {
+            const std::string file = OutputOf({"info", m_folder.Write("file", bytes)});
+            return file.substr(file.find(':'));
+        }());
+    }
 }
 
 TEST_F(Info, RefusesWhatIsNeither) {
@@ -102,6 +123,6 @@ TEST_F(Info, RefusesWhatIsNeither) {
     EXPECT_THAT(ErrorOf({"info", m_folder.File("absent")}), HasSubstr("No such file"));
     EXPECT_THAT(ErrorOf({"info", m_folder.Path() + "/."}), HasSubstr("directory"));
     EXPECT_EQ(ErrorOf({"info", "/dev/zero"}),
-              "/dev/zero: must be a regular file: it is looked at first, and then read from its start\n");
+              "/dev/zero: NX (word 1): 0 voxels, and no \"MAP \" in word 53: not an MRC/CCP4 map\n");
     EXPECT_EQ(Run({"info"}).status, 2);
 }

@@ -8,9 +8,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 using namespace hosts;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
@@ -70,7 +73,13 @@ TEST(CheckRestraintsFile, RefusesWhatTheEngineDoesNotRead) {
               folder.File("absent") + ": cannot be read: No such file or directory");
     EXPECT_THAT(ErrorOfPath(folder.Path()), HasSubstr("directory"));
     EXPECT_EQ(ErrorOfPath("/dev/null"), "/dev/null: is no regular file");
-    EXPECT_THAT(ErrorOfPath("/dev/zero"), HasSubstr("/dev/zero: "));
+    EXPECT_EQ(ErrorOfPath("/dev/zero"), "/dev/zero: is no regular file");
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(ErrorOfPath(pipe), pipe + ": is no regular file");
+    EXPECT_EQ(ErrorOfPath(folder.Write("packed", "\x1f\x8b\x08")),
+              folder.File("packed") + ": is packed; restraints are read as plain text");
+    EXPECT_THAT(ErrorOfPath("/proc/cpuinfo"), StartsWith("/proc/cpuinfo: line "));
 }
 
 TEST(UnknownResidues, AreThoseThatNoResidueWithAPositionMatches) {
