@@ -1,33 +1,20 @@
 #pragma once
 
+#include <ui_Progress.h>
+
 #include <QDialog>
 
-class QHBoxLayout;
-class QLabel;
-class QProgressBar;
-class QPushButton;
-class QVBoxLayout;
-
 /// The window of a running fit: an estimate of the remaining time, a progress bar, and a Cancel button. The
-/// search writes the estimate and the bar, and looks at `cancelled` after each axis.
-class Progress : public QDialog {
+/// search writes the estimate and the bar, and looks at `cancelled` after each axis. Its widgets and layouts
+/// are members under their object names, see Progress.ui.
+class Progress : public QDialog, public Ui::Progress {
     Q_OBJECT
 
 public:
     explicit Progress(QWidget *parent = nullptr, const char *name = nullptr, bool modal = false,
                       Qt::WindowFlags flags = {});
 
-    QLabel *textLabel;
-    QLabel *etaLabel;
-    QProgressBar *progressBar;
-    QPushButton *cancelButton;
     bool cancelled = false; ///< the user wants the fit to stop
-
-protected:
-    QHBoxLayout *ProgressLayout;
-    QVBoxLayout *layout24;
-    QHBoxLayout *layout21;
-    QHBoxLayout *layout22;
 
 protected slots:
     virtual void languageChange();

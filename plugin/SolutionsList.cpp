@@ -4,20 +4,48 @@
 
 #include "Builder.h"
 #include "FitRun.h"
-#include "Layouts.h"
 #include "Parameters.h"
 #include "ResultsStorage.h"
 
 #include "DataAdder.h"
 
+#include <QBoxLayout>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPointer>
+#include <QPushButton>
 #include <QTreeWidget>
 
 namespace {
 
 using VARNO::Space;
+
+// The widgets are made here and not in a form: the layout "layout30" lies on a widget "layout30", and a form
+// gives one of two equal names to another member.
+
+template <class Widget>
+Widget *Named(const char *name, QWidget *parent) {
+    auto *widget = new Widget(parent);
+    widget->setObjectName(name);
+    return widget;
+}
+
+/// Enter must not press a button that has not the focus, as it would press an automatic default one.
+QPushButton *NamedButton(const char *name, QWidget *parent) {
+    auto *button = Named<QPushButton>(name, parent);
+    button->setAutoDefault(false);
+    return button;
+}
+
+template <class Layout>
+Layout *NamedLayout(const char *name, int margin = 0) {
+    auto *layout = new Layout;
+    layout->setObjectName(name);
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(6);
+    return layout;
+}
 
 /// The r-th solution from the end of the list; null, and said on the warning channel, when there is none.
 const SolutionScore *SolutionOfRank(const QString &text) {
@@ -62,7 +90,8 @@ SolutionsList::SolutionsList(QWidget *parent, const char *name, bool modal, Qt::
 }
 
 void SolutionsList::MakeListColumn() {
-    titleLabel = NamedLabel("titleLabel", this);
+    titleLabel = Named<QLabel>("titleLabel", this);
+    titleLabel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     solutionsListView = Named<QTreeWidget>("solutionsListView", this);
     solutionsListView->setColumnCount(2);
     solutionsListView->setRootIsDecorated(false);

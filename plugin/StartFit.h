@@ -1,23 +1,15 @@
 #pragma once
 
+#include <ui_StartFit.h>
+
 #include <QDialog>
 
-class QCheckBox;
-class QComboBox;
-class QFrame;
-class QGridLayout;
-class QHBoxLayout;
-class QLabel;
-class QLineEdit;
-class QPushButton;
-class QSpinBox;
-class QVBoxLayout;
 class SolutionsList;
 
 /// The plug-in's main window: the user picks target, map and solid from the host's selection, sets how to
 /// search, and starts a fit or opens an empty results dialog. The dialog keeps nothing of its own: its slots
 /// write the fit parameters. It is disabled from "Apply" until the results dialog is done.
-class StartFit : public QDialog {
+class StartFit : public QDialog, public Ui::StartFit {
     Q_OBJECT
 
 public:
@@ -26,39 +18,6 @@ public:
 
     /// Deletes the dialog; while its fit runs, cancels the fit, which then deletes the dialog at its end.
     void DeleteWhenIdle();
-
-    QLabel *moleculeLabel, *selectedMoleculeLabel;
-    QPushButton *moleculeButton;
-    QLabel *densLabel, *selectedDensLabel;
-    QPushButton *densButton;
-    QLabel *surfmolLabel, *selectedSurfmolLabel;
-    QPushButton *surfmolButton;
-    QFrame *line1_3;
-    QPushButton *loadButton;
-    QFrame *line1;
-    QLabel *recursionLabel;
-    QSpinBox *recursionSpinBox;
-    QLabel *axlesLabel, *selectedAxlesLabel;
-    QLabel *rotstepLabel;
-    QComboBox *rotstepComboBox;
-    QLabel *transtepLabel;
-    QComboBox *transstepComboBox;
-    QLabel *totalLabel;
-    QLabel *transtepsLabel;
-    QComboBox *transstepsComboBox;
-    QLabel *selectedTotalLabel;
-    QCheckBox *restraintfileCheckBox;
-    QLabel *restraintfileLabel;
-    QLineEdit *restraintfileEdit;
-    QFrame *line1_2_2_2;
-    QLabel *keepLabel;
-    QComboBox *keepComboBox;
-    QLabel *leftoverLabel;
-    QCheckBox *logfileCheckBox;
-    QLabel *logfileLabel;
-    QLineEdit *logfileEdit;
-    QFrame *line1_2_2;
-    QPushButton *applyButton, *cancelButton, *helpButton;
 
 public slots:
     /// Reads the host's configuration into `Axis`, `gammaStep`, `TCount`, `Step` and into the controls.
@@ -86,21 +45,7 @@ signals:
     /// "Cancel" was pressed; emitted once for each fit that has shown its results so far.
     void exit();
 
-protected:
-    QVBoxLayout *StartFitLayout, *layout17, *layout9;
-    QHBoxLayout *layout2, *layout3, *layout4, *layout42;
-    QGridLayout *layout14;
-    QHBoxLayout *layout16, *layout15, *layout16_2, *layout19;
-
 private:
-    void MakeChoices();
-    void MakeLoading();
-    void MakeSampling();
-    void MakeRestraints();
-    void MakeOutput();
-    void MakeButtons();
-    QFrame *AddLine(const char *name);
-    QHBoxLayout *MakeChoice(const char *layout, QLabel *caption, QLabel *choice, QPushButton *button);
     /// The three choices are rows of their own; captions of one width put them into one column.
     void AlignChoices();
     void ShowFit();
