@@ -19,6 +19,8 @@ Morvanex::~Morvanex() {
 }
 
 void Morvanex::replay() {
+    // Showing and raising alone leave a minimised window where it is.
+    dialog->setWindowState(dialog->windowState() & ~Qt::WindowMinimized);
     dialog->show();
     dialog->raise();
 }

@@ -17,7 +17,7 @@ public:
     /// has ended.
     ~Morvanex() override;
 
-    /// Shows the dialog again, as the user left it.
+    /// Shows the dialog again, as the user left it; a minimised one comes back to the size that it had.
     void replay();
 
 private:

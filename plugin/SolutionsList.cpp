@@ -13,6 +13,7 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -58,9 +59,16 @@ const SolutionScore *SolutionOfRank(const QString &text) {
     return &*std::next(Solutions.rbegin(), rank - 1);
 }
 
-/// Lets the user choose; null when the dialog is cancelled.
+/// Lets the user choose; null when the dialog is cancelled, or deleted meanwhile.
 QString RunFileDialog(QFileDialog *dialog) {
-    return dialog->exec() == QDialog::Accepted ? dialog->selectedFiles().value(0) : QString();
+    const QPointer<QFileDialog> alive(dialog);
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (!alive)
+        return {};
+    // The toolkit shows the completions of a name when it has read the folder, be the dialog closed by then.
+    for (QLineEdit *field : dialog->findChildren<QLineEdit *>())
+        field->setCompleter(nullptr);
+    return accepted ? dialog->selectedFiles().value(0) : QString();
 }
 
 } // namespace

@@ -92,7 +92,10 @@ TEST_F(Builder, CopiesTheTargetInThePoseOfTheRow) {
 TEST_F(Builder, CopiesWhatAnAtomHas) {
     SelectRanks({"02"});
     Build();
-    const auto *atom = dynamic_cast<const Atom *>(Residues(Clumps().front()).front()->FindChild("CA"));
+    ASSERT_THAT(Clumps(), SizeIs(1));
+    const auto residues = Residues(Clumps().front());
+    ASSERT_THAT(residues, SizeIs(4));
+    const auto *atom = dynamic_cast<const Atom *>(residues.front()->FindChild("CA"));
     ASSERT_TRUE(atom);
     EXPECT_EQ(atom->GetLabel(), "C");
     EXPECT_EQ(atom->GetModelNumber(), "1");
@@ -107,7 +110,10 @@ TEST_F(Builder, AppliesRotationBeforeTranslationWithoutCentring) {
     pose.rotation.Set(3.141592653589793 / 2, VARNO::Vertex(0, 0, 1, false));
     const VARNO::DataAdder<Space> batch(Space::instance());
     BuildSolution(pose, 7);
-    const VARNO::Vertex moved = Residues(Clumps().front())[1]->FindChild("CA")->GetPosition();
+    ASSERT_THAT(Clumps(), SizeIs(1));
+    const auto residues = Residues(Clumps().front());
+    ASSERT_THAT(residues, SizeIs(4));
+    const VARNO::Vertex moved = residues[1]->FindChild("CA")->GetPosition();
     const VARNO::Vertex expected =
         VARNO::Transform(pose.rotation, pose.translation) * VARNO::Vertex(3.8f, 0, 0, true);
     EXPECT_EQ(moved, expected);
@@ -119,7 +125,9 @@ TEST_F(Builder, AppliesRotationBeforeTranslationWithoutCentring) {
 TEST_F(Builder, JoinsConsecutiveResiduesFromCToN) {
     SelectRanks({"01"});
     Build();
+    ASSERT_THAT(Clumps(), SizeIs(1));
     const auto residues = Residues(Clumps().front());
+    ASSERT_THAT(residues, SizeIs(4));
     for (std::size_t i = 0; i + 1 < residues.size(); ++i) {
         const auto bonds = Bonds(residues[i]);
         ASSERT_THAT(bonds, SizeIs(1));
@@ -138,6 +146,7 @@ TEST_F(Builder, ResiduesWithoutTheirAtomsStayUnbonded) {
     VARNO::DataMaker::makeAtom(last, "N", "N", "1", VARNO::Vertex(3, 1, 1, true), 1, "", 0, 0);
     SelectRanks({"01"});
     Build();
+    ASSERT_THAT(Clumps(), SizeIs(1));
     const auto residues = Residues(Clumps().front());
     ASSERT_THAT(residues, SizeIs(6));
     EXPECT_THAT(Bonds(residues[3]), IsEmpty()) << "the next one has no N";
@@ -150,8 +159,9 @@ TEST_F(Builder, EntriesThatAreNoResiduesArePassedByAndTheirNeighboursBonded) {
     VARNO::DataMaker::makeAtom(last, "N", "N", "1", VARNO::Vertex(3, 1, 1, true), 1, "", 0, 0);
     SelectRanks({"01"});
     Build();
+    ASSERT_THAT(Clumps(), SizeIs(1));
     const Compound *molecule = *Clumps().front()->ChildBegin();
-    EXPECT_EQ(molecule->ChildEnd() - molecule->ChildBegin(), 5);
+    ASSERT_EQ(molecule->ChildEnd() - molecule->ChildBegin(), 5);
     const auto residues = Residues(Clumps().front());
     ASSERT_THAT(residues, SizeIs(5));
     ASSERT_THAT(Bonds(residues[3]), SizeIs(1));
@@ -165,7 +175,9 @@ TEST_F(Builder, SelectedRowsAreBuiltInDisplayOrder) {
     EXPECT_THAT(messages.Debug(), ElementsAre("Built solution 1.", "Built solution 2.", "Built solution 3."));
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(Clumps()[i]->GetName(), "MVX_1abc_" + std::to_string(i + 1));
-        EXPECT_FLOAT_EQ(X(Residues(Clumps()[i]).front()), 30.0f - 10.0f * float(i));
+        const auto residues = Residues(Clumps()[i]);
+        ASSERT_THAT(residues, SizeIs(4));
+        EXPECT_FLOAT_EQ(X(residues.front()), 30.0f - 10.0f * float(i));
     }
 }
 
@@ -173,8 +185,11 @@ TEST_F(Builder, NumbersCountTheRowsAsDisplayed) {
     dialog.solutionsListView->sortByColumn(0, Qt::DescendingOrder);
     SelectRanks({"01"});
     Build();
+    ASSERT_THAT(Clumps(), SizeIs(1));
     EXPECT_EQ(Clumps().front()->GetName(), "MVX_1abc_3");
-    EXPECT_FLOAT_EQ(X(Residues(Clumps().front()).front()), 30.0f);
+    const auto residues = Residues(Clumps().front());
+    ASSERT_THAT(residues, SizeIs(4));
+    EXPECT_FLOAT_EQ(X(residues.front()), 30.0f);
 }
 
 TEST_F(Builder, NothingSelectedAddsNothing) {
@@ -254,6 +269,7 @@ TEST_F(Builder, BuildsTheTargetOfTheMoment) {
     SelectRanks({"01"});
     m_Target = MakeChain("2xyz", "B", 2);
     Build();
+    ASSERT_THAT(Clumps(), SizeIs(1));
     EXPECT_EQ(Clumps().front()->GetName(), "MVX_2xyz_1");
     EXPECT_THAT(Residues(Clumps().front()), SizeIs(2));
 }
@@ -261,9 +277,12 @@ TEST_F(Builder, BuildsTheTargetOfTheMoment) {
 TEST_F(Builder, ABuiltCopyCanBeTheTarget) {
     SelectRanks({"01"});
     Build();
+    ASSERT_THAT(Clumps(), SizeIs(1));
     m_Target = *Clumps().front()->ChildBegin();
     Build();
     ASSERT_THAT(Clumps(), SizeIs(2));
     EXPECT_EQ(Clumps()[1]->GetName(), "MVX_MVX_1abc_1_1");
-    EXPECT_FLOAT_EQ(X(Residues(Clumps()[1]).front()), 60.0f);
+    const auto residues = Residues(Clumps()[1]);
+    ASSERT_THAT(residues, SizeIs(4));
+    EXPECT_FLOAT_EQ(X(residues.front()), 60.0f);
 }

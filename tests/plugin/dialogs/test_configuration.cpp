@@ -114,6 +114,33 @@ TEST_F(Configuration, MalformedSettingsReadAsZeroAndShowAsTheyStand) {
     EXPECT_EQ(dialog.transstepComboBox->currentText(), "");
 }
 
+TEST_F(Configuration, ConfiguredStepsAreReadInSinglePrecision) {
+    Configure("RotationStep=0.1\nTransStep=0.1\n");
+    dialog.GetConfig();
+    EXPECT_EQ(gammaStep, double(0.1f) * 3.141592653589793 / 180.0);
+    EXPECT_EQ(Step, double(0.1f));
+}
+
+TEST_F(Configuration, TypedStepsAreReadInDoublePrecision) {
+    dialog.GetConfig();
+    Type(dialog.rotstepComboBox, "0.1");
+    Type(dialog.transstepComboBox, "0.1");
+    dialog.GetSettings();
+    EXPECT_EQ(gammaStep, 0.1 * 3.141592653589793 / 180.0);
+    EXPECT_EQ(Step, 0.1);
+}
+
+TEST_F(Configuration, ATranslationCountWithADecimalPointReadsAsZero) {
+    Configure("TransNum=5.0\n");
+    dialog.GetConfig();
+    EXPECT_EQ(TCount, 0);
+    EXPECT_EQ(dialog.transstepsComboBox->currentText(), "5.0");
+    EXPECT_EQ(TextOf(dialog.selectedTotalLabel), "0");
+    TCount = 7;
+    dialog.GetSettings();
+    EXPECT_EQ(TCount, 0);
+}
+
 TEST_F(Configuration, SettingsAreWhatTheUserTyped) {
     dialog.GetConfig();
     dialog.show();

@@ -48,6 +48,20 @@ TEST_F(Session, ReplayShowsTheDialogAsTheUserLeftIt) {
     EXPECT_EQ(CountWindows("StartFit"), 1);
 }
 
+TEST_F(Session, ReplayBringsAMinimisedDialogBackToItsSize) {
+    Morvanex session;
+    Settle();
+    for (const Qt::WindowStates before : {Qt::WindowNoState, Qt::WindowMaximized}) {
+        SetWindowState(Dialog(), before);
+        SetWindowState(Dialog(), before | Qt::WindowMinimized);
+        ASSERT_TRUE(Dialog()->isMinimized());
+        session.replay();
+        EXPECT_TRUE(Dialog()->isVisible());
+        EXPECT_FALSE(Dialog()->isMinimized());
+        EXPECT_EQ(Dialog()->isMaximized(), before == Qt::WindowMaximized);
+    }
+}
+
 TEST_F(Session, EndDeletesTheDialogAndSaysSo) {
     auto session = std::make_unique<Morvanex>();
     const auto dialog = Dialog();

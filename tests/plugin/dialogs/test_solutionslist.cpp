@@ -6,8 +6,10 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTest>
 #include <QTreeWidget>
 
 #include <sys/stat.h>
@@ -205,6 +207,28 @@ TEST_F(SolutionsListTest, SaveDialogHasItsNameAndStaysAlive) {
         EXPECT_FALSE(answer.confirmsOverwrite);
         EXPECT_THAT(dialog.findChildren<QFileDialog *>("file dialog"), SizeIs(count));
     }
+}
+
+TEST_F(SolutionsListTest, NoListOfCompletionsOutlivesTheSaveDialog) {
+    const std::string path = folder.Write("results.txt", "");
+    folder.Write("results.txt.old", "");
+    const Meanwhile answer([&path] {
+        auto *edit = Find<QLineEdit>(QApplication::activeModalWidget(), "fileNameEdit");
+        if (!edit)
+            return false;
+        Paste(edit, QString::fromStdString(path));
+        PressKey(edit, Qt::Key_Return);
+        return true;
+    });
+    Solutions = {Scored(7, 1)};
+    Click(dialog.saveButton);
+    ASSERT_TRUE(answer.Done());
+    EXPECT_EQ(ReadFile(path), comment + lineOf7);
+    QTest::qWait(200);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    QSignalSpy done(&dialog, &SolutionsList::isDone);
+    Click(dialog.doneButton);
+    EXPECT_EQ(done.count(), 1);
 }
 
 TEST_F(SolutionsListTest, CancelledSaveWritesNothingAndTellsTheEmptyName) {

@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QTextDocumentFragment>
 #include <QTreeWidget>
 
 using testing::ElementsAre;
@@ -24,13 +25,15 @@ using testing::IsEmpty;
 class StartFitTest : public DialogTest {
 protected:
     StartFitTest() {
+        RDialog = nullptr;
+        // Every fit empties its log file: there is to be none in the working folder.
+        Configure("Output=\n");
         dialog.GetConfig();
         dialog.show();
         // A fit of 1 + 6·5 poses.
         Type(dialog.recursionSpinBox, "0");
         Type(dialog.rotstepComboBox, "70");
         Type(dialog.transstepsComboBox, "1");
-        dialog.logfileEdit->clear(); // every fit empties its log file
     }
 
     void ChooseTarget() {
@@ -46,7 +49,7 @@ protected:
         ChooseMap();
     }
     void LeaveResults() {
-        Click(RDialog->doneButton);
+        Click(Find<QPushButton>(FindWindow("SolutionsList"), "doneButton"));
         Settle();
     }
 
@@ -243,6 +246,75 @@ TEST_F(StartFitTest, NamesAreNeverMarkUp) {
     EXPECT_EQ(dialog.selectedDensLabel->textFormat(), Qt::PlainText);
 }
 
+namespace {
+
+QImage Picture(QWidget &widget) {
+    return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+} // namespace
+
+TEST_F(StartFitTest, ALongNameIsPaintedWithItsMiddleLeftOutAndDoesNotWidenTheDialog) {
+    const int width = dialog.width();
+    const std::string name =
+        "A_fragment_of_the_large_subunit_as_refined_against_both_of_the_maps_and_displaced_b_10";
+    ASSERT_EQ(name.size(), 86u);
+    Select({MakeChain(name, "A", 1), MakeMap(name, 3)});
+    Click(dialog.moleculeButton);
+    Click(dialog.densButton);
+    Settle();
+    EXPECT_EQ(dialog.width(), width);
+    EXPECT_LE(dialog.minimumSizeHint().width(), width);
+    for (const auto &[label, whole] :
+         {std::pair(dialog.selectedMoleculeLabel, name + "A"), std::pair(dialog.selectedDensLabel, name)}) {
+        EXPECT_EQ(TextOf(label), whole);
+        EXPECT_EQ(label->toolTip().toStdString(), whole);
+        QLabel shortened(label->fontMetrics().elidedText(label->text(), Qt::ElideMiddle, label->width()));
+        shortened.setTextFormat(Qt::PlainText);
+        shortened.resize(label->size());
+        EXPECT_TRUE(Picture(*label) == Picture(shortened));
+    }
+    dialog.resize(1600, dialog.height());
+    Settle();
+    EXPECT_EQ(dialog.selectedMoleculeLabel->toolTip(), "") << "the whole name is there to be read";
+}
+
+TEST_F(StartFitTest, AShortNameHasNoToolTip) {
+    ChooseBoth();
+    Settle();
+    EXPECT_EQ(dialog.selectedMoleculeLabel->toolTip(), "");
+    EXPECT_EQ(dialog.selectedDensLabel->toolTip(), "");
+}
+
+TEST_F(StartFitTest, TheToolTipOfANameIsNeverMarkUp) {
+    const std::string name = "<b>" + std::string(86, 'x') + "</b>";
+    Select({MakeMap(name, 3)});
+    Click(dialog.densButton);
+    Settle();
+    EXPECT_EQ(
+        QTextDocumentFragment::fromHtml(dialog.selectedDensLabel->toolTip()).toPlainText().toStdString(),
+        name);
+}
+
+TEST_F(StartFitTest, SeparatorsKeepTheHeightOfTheirFrame) {
+    const QFont before = QApplication::font();
+    for (const int points : {9, 16, 24}) {
+        QFont font = before;
+        font.setPointSize(points);
+        QApplication::setFont(font);
+        StartFit fresh;
+        fresh.show();
+        for (const QSize &size : {fresh.size(), QSize(1, 1)}) {
+            fresh.resize(size);
+            Settle();
+            for (const QFrame *line : {fresh.line1_3, fresh.line1, fresh.line1_2_2_2, fresh.line1_2_2})
+                EXPECT_GE(line->height(), line->frameWidth())
+                    << line->objectName().toStdString() << " at " << points << " points";
+        }
+    }
+    QApplication::setFont(before);
+}
+
 TEST_F(StartFitTest, SelectsTheFirstSelectedMap) {
     VARNO::Grid *second = MakeMap("other", 3);
     Select({second, map});
@@ -259,7 +331,7 @@ TEST_F(StartFitTest, SelectsAllResiduesOfTheSelectedChainsAsSolid) {
     Select({second, chain});
     messages.Clear();
     Click(dialog.surfmolButton);
-    EXPECT_EQ(m_Solid.size(), 6u);
+    ASSERT_EQ(m_Solid.size(), 6u);
     EXPECT_EQ(m_Solid.front()->GetParent(), chain);
     EXPECT_EQ(m_Solid.back()->GetParent(), second);
     EXPECT_EQ(TextOf(dialog.selectedSurfmolLabel), "6");
@@ -417,6 +489,7 @@ TEST_F(StartFitTest, IsDisabledWhileAFitRuns) {
 TEST_F(StartFitTest, DoneDeletesTheResultsAndKeepsTheirAddress) {
     ChooseBoth();
     Click(dialog.applyButton);
+    ASSERT_TRUE(RDialog);
     const QPointer<SolutionsList> results(RDialog);
     const SolutionsList *address = RDialog;
     LeaveResults();
@@ -437,6 +510,7 @@ TEST_F(StartFitTest, WithoutResultsReEnablingOnlyEnables) {
 TEST_F(StartFitTest, DoneByKeyDeletesTheResultsToo) {
     ChooseBoth();
     Click(dialog.applyButton);
+    ASSERT_TRUE(RDialog);
     const QPointer<SolutionsList> results(RDialog);
     PressKey(RDialog->doneButton, Qt::Key_Space);
     Settle();
@@ -448,6 +522,7 @@ TEST_F(StartFitTest, DoneByKeyDeletesTheResultsToo) {
 TEST_F(StartFitTest, ResultsClosedByTheirFrameLeaveTheDialogDisabled) {
     ChooseBoth();
     Click(dialog.applyButton);
+    ASSERT_TRUE(RDialog);
     const QPointer<SolutionsList> results(RDialog);
     CloseByFrame(RDialog);
     Settle();

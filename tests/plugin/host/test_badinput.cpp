@@ -10,6 +10,7 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -112,6 +113,7 @@ TEST_F(BadInput, AResultsFileOfAnotherFormatIsReadAsFarAsItGoes) {
         Load(SourceFolder() + "/examples/" + file);
     Load(folder.Write("cif", "data_1TII\n_entry.id 1TII\n"));
     EXPECT_THAT(Rows(), IsEmpty());
+    ASSERT_THAT(Warnings(), Not(IsEmpty()));
     EXPECT_THAT(Warnings().back(), testing::HasSubstr("skipped 2 lines with fewer than eight words"));
 }
 

@@ -62,6 +62,16 @@ TEST_F(Lifecycle, ASecondCallShowsTheSameDialogAsItWasLeft) {
     EXPECT_EQ(CountWindows("StartFit"), 1);
 }
 
+TEST_F(Lifecycle, ASecondCallBringsAMinimisedDialogBack) {
+    plugin.Execute0();
+    QWidget *dialog = FitDialog();
+    SetWindowState(dialog, Qt::WindowMinimized);
+    ASSERT_TRUE(dialog->isMinimized());
+    plugin.Execute0();
+    EXPECT_EQ(FitDialog(), dialog);
+    EXPECT_FALSE(dialog->isMinimized());
+}
+
 TEST_F(Lifecycle, ANewSessionReadsTheConfigurationAnewAndHasNothingChosen) {
     const Assembly assembly = ReadExample();
     plugin.Execute0();

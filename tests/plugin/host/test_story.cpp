@@ -16,6 +16,7 @@ using testing::ElementsAre;
 using testing::Gt;
 using testing::IsEmpty;
 using testing::Le;
+using testing::Not;
 using testing::SizeIs;
 
 using VARNO::Bond;
@@ -228,6 +229,7 @@ void Story::CancelASecondFit() {
     });
     EXPECT_FALSE(Apply());
     ASSERT_TRUE(cancel.Done());
+    ASSERT_THAT(watch.sights, Not(IsEmpty()));
     EXPECT_EQ(watch.sights.back().value, 2) << "no axis more is told of";
     EXPECT_THAT(Lines(ReadFile(Path("poses.log"))), SizeIs(Le(logged + 12ul * 27)))
         << "one axis more is searched";

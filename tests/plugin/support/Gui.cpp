@@ -20,13 +20,6 @@ void ClickAt(QWidget *widget, const QPoint &position) {
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, widget->mapTo(window, position));
 }
 
-/// Typed letter by letter, a path leaves the folders on its way selected in the dialog.
-void Paste(QWidget *field, const QString &text) {
-    QApplication::clipboard()->setText(text);
-    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
-}
-
 } // namespace
 
 void Click(QWidget *widget) {
@@ -53,6 +46,13 @@ void Type(QWidget *field, const QString &text) {
     QTest::keyClicks(field, text);
 }
 
+void Paste(QWidget *field, const QString &text) {
+    ASSERT_TRUE(field);
+    QApplication::clipboard()->setText(text);
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
+}
+
 void PressKey(QWidget *widget, Qt::Key key) {
     ASSERT_TRUE(widget);
     QTest::keyClick(widget, key);
@@ -61,6 +61,12 @@ void PressKey(QWidget *widget, Qt::Key key) {
 void CloseByFrame(QWidget *window) {
     ASSERT_TRUE(window && window->windowHandle());
     window->windowHandle()->close();
+}
+
+void SetWindowState(QWidget *window, Qt::WindowStates state) {
+    ASSERT_TRUE(window && window->windowHandle());
+    window->windowHandle()->setWindowStates(state);
+    Settle();
 }
 
 void Settle() {

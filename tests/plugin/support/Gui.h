@@ -14,10 +14,15 @@ void Click(QWidget *widget);
 void ClickRow(QWidget *view, int column, const QString &text);
 /// Replaces the text of a field by typing.
 void Type(QWidget *field, const QString &text);
+/// Replaces the text of a field from the clipboard. Typed letter by letter, a path leaves the folders on its
+/// way selected in a file dialog.
+void Paste(QWidget *field, const QString &text);
 /// Presses and releases a key in the widget.
 void PressKey(QWidget *widget, Qt::Key key);
 /// Closes a window as the button in its frame does.
 void CloseByFrame(QWidget *window);
+/// Minimises, maximises or restores a window as the buttons in its frame do.
+void SetWindowState(QWidget *window, Qt::WindowStates state);
 /// Lets the event loop do what is waiting.
 void Settle();
 
