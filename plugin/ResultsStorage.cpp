@@ -1,5 +1,8 @@
 #include "ResultsStorage.h"
 
+#include "base/Memory.h"
+#include "base/Numbers.h"
+
 #include "solutions/ResultsFile.h"
 
 #include <QBuffer>
@@ -8,7 +11,8 @@
 
 namespace {
 
-constexpr qint64 largestFile = qint64(64) << 20;
+/// Memory that the results dialog takes for a row, bytes.
+constexpr double bytesOfARow = 640;
 
 void Warn(const QString &file, const QString &problem) {
     qWarning("%s: %s", qUtf8Printable(file), qUtf8Printable(problem));
@@ -31,22 +35,30 @@ void TellSkipped(const QString &file, const std::vector<qint64> &lines) {
                        .arg(lines.front()));
 }
 
+std::list<SolutionScore> RefuseForSize(const QString &file) {
+    constexpr double bytesPerGiB = 1024.0 * 1024.0 * 1024.0;
+    Warn(file, QString("loading it would need more than %1 GiB of memory, three quarters of this machine's")
+                   .arg(base::FixedNumber(base::MemoryLimit() / bytesPerGiB, 0, 1)));
+    return {};
+}
+
 } // namespace
 
 std::list<SolutionScore> LoadResults(const QString &name) {
     QFile file(name);
     if (name.isNull() || !OpenRegular(file, QIODevice::ReadOnly))
         return {};
-    const qint64 size = file.size();
-    if (size > largestFile) {
-        Warn(name, QString("%1 bytes; a results file has at most %2").arg(size).arg(largestFile));
-        return {};
-    }
     // No more than was there at first: another program may still be writing.
+    const qint64 size = file.size();
+    const double memory = base::MemoryLimit() - double(size);
+    if (memory < 0)
+        return RefuseForSize(name);
     QByteArray bytes = file.read(size);
     QBuffer text(&bytes);
     text.open(QIODevice::ReadOnly);
-    solutions::ResultsRead read = solutions::ReadResults(text);
+    solutions::ResultsRead read = solutions::ReadResults(text, memory, bytesOfARow);
+    if (!read.isWhole)
+        return RefuseForSize(name);
     TellSkipped(name, read.skippedLines);
     return std::move(read.solutions);
 }

@@ -172,6 +172,7 @@ void SolutionsList::load() {
     dialog->setDirectory("/home");
     dialog->setNameFilter("Morvanex (*)");
     const QString file = RunFileDialog(dialog);
+    Solutions.clear();
     Solutions = LoadResults(file);
     // The host's loop was alive meanwhile, and may have ended this dialog.
     if (!self)
@@ -195,6 +196,7 @@ void SolutionsList::save() {
 
 void update_list(std::list<SolutionScore> &list, SolutionsList *dialog) {
     QTreeWidget *view = dialog->solutionsListView;
+    view->clear();
     const qsizetype width = QString::number(unsigned(top_size)).size();
     QList<QTreeWidgetItem *> rows;
     std::size_t rank = list.size();
@@ -203,7 +205,6 @@ void update_list(std::list<SolutionScore> &list, SolutionsList *dialog) {
             {QString::number(rank--).rightJustified(width, '0'), base::GeneralNumber(solution.score)});
     // Rows that come one by one into a sorted view are moved each; together they are sorted once.
     const bool sorted = view->isSortingEnabled();
-    view->clear();
     view->setSortingEnabled(false);
     view->addTopLevelItems(rows);
     view->setSortingEnabled(sorted);

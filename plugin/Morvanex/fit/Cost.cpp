@@ -18,15 +18,6 @@ namespace fit {
 
 namespace {
 
-/// Bytes that the allocator and a list's links add to a record.
-constexpr double recordOverhead = 32;
-
-double RecordBytes(std::size_t restraintPairs) {
-    const double distances =
-        restraintPairs > 0 ? recordOverhead + sizeof(double) * double(restraintPairs) : 0;
-    return sizeof(SolutionScore) + recordOverhead + distances;
-}
-
 /// A number that the reader can take in: with these decimals while short, else with an exponent.
 QString Figure(double number, int decimals = 0) {
     return number < 1e6 ? base::FixedNumber(number, 0, decimals) : base::GeneralNumber(number);

@@ -2,6 +2,8 @@
 
 #include "solutions/Solution.h"
 
+#include "base/Memory.h"
+
 #include <map>
 
 class QIODevice;
@@ -20,10 +22,12 @@ struct ResultsRead {
     /// Records that a word among the first eight makes doubtful, since it is no number and reads as 0: place
     /// in `solutions`, from 0, and number of the line.
     std::map<std::size_t, qint64> doubtful;
+    bool isWhole = true; ///< false where the list stops short of the file's end, for want of memory
 };
 
 /// Reads every line that does not begin with '#' and has at least eight words. A device that is not open
-/// holds nothing.
-ResultsRead ReadResults(QIODevice &device);
+/// holds nothing. Reading stops where the list, with `bytesBeside` that the caller adds for each solution,
+/// would take more than `memory` bytes, and at a line whose words would.
+ResultsRead ReadResults(QIODevice &device, double memory = base::MemoryLimit(), double bytesBeside = 0);
 
 } // namespace solutions

@@ -12,6 +12,8 @@
 #include <QTest>
 #include <QTreeWidget>
 
+#include <filesystem>
+
 #include <sys/stat.h>
 
 using testing::ElementsAre;
@@ -261,6 +263,19 @@ TEST_F(SolutionsListTest, LoadsWhatWasSavedInTheSameOrder) {
     EXPECT_EQ(Solutions.back().translation[0], 12.5f);
     EXPECT_THAT(Column(0), ElementsAre("002", "001"));
     EXPECT_THAT(Column(1), ElementsAre("7", "41.208"));
+}
+
+TEST_F(SolutionsListTest, LoadsWhatWasSavedHoweverLargeItIs) {
+    SolutionScore wide = Scored(7);
+    wide.extraScores.assign(2000, 1e30);
+    Solutions.assign(1000, wide);
+    Save(folder.File("results.txt"));
+    EXPECT_GT(std::filesystem::file_size(folder.File("results.txt")), 64u << 20);
+    Load(folder.File("results.txt"));
+    EXPECT_THAT(Warnings(), IsEmpty());
+    ASSERT_THAT(Solutions, SizeIs(1000));
+    EXPECT_THAT(Solutions.back().extraScores, SizeIs(2000));
+    EXPECT_THAT(Column(1), testing::AllOf(SizeIs(1000), testing::Each("7")));
 }
 
 TEST_F(SolutionsListTest, LoadDialogHasItsNameAndPlace) {

@@ -12,7 +12,7 @@ namespace {
 std::string Written(const std::list<SolutionScore> &solutions) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    solutions::WriteResults(buffer, solutions);
+    solutions::WriteResults(buffer, lines);
     return buffer.data().toStdString();
 }
 
@@ -86,6 +86,39 @@ TEST(ResultsFile, AFileOfAnotherKindHoldsNothing) {
                                                              13));
     EXPECT_THAT(read.solutions, IsEmpty());
     EXPECT_THAT(read.skippedLines, ElementsAre(1, 2));
+}
+
+namespace {
+
+solutions::ResultsRead ReadWithin(double memory, QByteArray text, double bytesBeside = 0) {
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    return solutions::ReadResults(buffer, memory, bytesBeside);
+}
+
+} // namespace
+
+TEST(ResultsFile, ReadingStopsWhereTheListWouldTakeMoreThanItsMemory) {
+    const QByteArray lines = QByteArray("1 0 0 0 0 0 0 5.5 1.5 1.5\n").repeated(100);
+    const double needed = 100 * RecordBytes(2);
+    EXPECT_TRUE(ReadWithin(needed, lines).isWhole);
+    EXPECT_FALSE(ReadWithin(needed - 1, lines).isWhole);
+    EXPECT_TRUE(ReadWithin(needed + 100 * 50, lines, 50).isWhole);
+    EXPECT_FALSE(ReadWithin(needed + 100 * 50 - 1, lines, 50).isWhole);
+    EXPECT_LT(ReadWithin(needed / 2, lines).solutions.size(), 55u);
+}
+
+TEST(ResultsFile, ReadingStopsWhereSkippedLinesWouldTakeMoreThanItsMemory) {
+    EXPECT_TRUE(ReadWithin(64000, QByteArray(1000, '\n')).isWhole);
+    EXPECT_FALSE(ReadWithin(64000, QByteArray(1001, '\n')).isWhole);
+}
+
+TEST(ResultsFile, ReadingStopsAtALineWhoseWordsWouldTakeMoreThanItsMemory) {
+    EXPECT_TRUE(ReadWithin(128000, QByteArray("1 ").repeated(499)).isWhole);
+    const solutions::ResultsRead read =
+        ReadWithin(128000, "1 0 0 0 0 0 0 5.5\n" + QByteArray("1 ").repeated(500));
+    EXPECT_FALSE(read.isWhole);
+    EXPECT_THAT(Scores(read.solutions), ElementsAre(5.5));
 }
 
 TEST(ResultsFile, ADeviceThatIsNotOpenHoldsNothing) {
