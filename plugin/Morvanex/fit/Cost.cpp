@@ -6,7 +6,7 @@
 
 #include "Parameters.h"
 #include "fit/Angles.h"
-#include "solutions/Solution.h"
+#include "solutions/RecordBytes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +32,7 @@ QString GiB(double bytes) {
 FitCost EstimateCost(const Survey &survey) {
     // An axis stands in the list and, while the list is built, in a set of nodes.
     constexpr double axisBytes = sizeof(Vertex) + 48.0;
-    const double record = RecordBytes(survey.target.restraints.size());
+    const double record = solutions::RecordBytes(survey.target.restraints.size());
     const double count = std::max(OddCount(TCount), 0);
     const double offsets = count * count * count;
     FitCost cost;

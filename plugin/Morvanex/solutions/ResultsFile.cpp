@@ -1,5 +1,7 @@
 #include "solutions/ResultsFile.h"
 
+#include "solutions/RecordBytes.h"
+
 #include <QIODevice>
 #include <QTextStream>
 

@@ -30,13 +30,6 @@ QString SolutionScore::getFormatComment() {
     return "# w Rx Ry Rz Tx Ty Tz score [extra scores...]";
 }
 
-double RecordBytes(std::size_t extraScores) {
-    // What the allocator and a list's links add.
-    constexpr double overhead = 32;
-    const double distances = extraScores > 0 ? overhead + sizeof(double) * double(extraScores) : 0;
-    return sizeof(SolutionScore) + overhead + distances;
-}
-
 std::vector<QString> split(const QString &line) {
     std::vector<QString> words;
     bool inside = false;

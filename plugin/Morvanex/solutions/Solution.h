@@ -33,9 +33,6 @@ struct SolutionScore {
     static QString getFormatComment();
 };
 
-/// Memory that a record with that many extra scores takes in a list, bytes.
-double RecordBytes(std::size_t extraScores);
-
 /// Orders by score alone.
 inline bool operator<(const SolutionScore &a, const SolutionScore &b) {
     return a.score < b.score;

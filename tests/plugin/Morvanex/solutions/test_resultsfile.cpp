@@ -1,3 +1,4 @@
+#include "solutions/RecordBytes.h"
 #include "solutions/ResultsFile.h"
 
 #include <QBuffer>
@@ -12,7 +13,7 @@ namespace {
 std::string Written(const std::list<SolutionScore> &solutions) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    solutions::WriteResults(buffer, lines);
+    solutions::WriteResults(buffer, solutions);
     return buffer.data().toStdString();
 }
 
@@ -100,7 +101,7 @@ solutions::ResultsRead ReadWithin(double memory, QByteArray text, double bytesBe
 
 TEST(ResultsFile, ReadingStopsWhereTheListWouldTakeMoreThanItsMemory) {
     const QByteArray lines = QByteArray("1 0 0 0 0 0 0 5.5 1.5 1.5\n").repeated(100);
-    const double needed = 100 * RecordBytes(2);
+    const double needed = 100 * solutions::RecordBytes(2);
     EXPECT_TRUE(ReadWithin(needed, lines).isWhole);
     EXPECT_FALSE(ReadWithin(needed - 1, lines).isWhole);
     EXPECT_TRUE(ReadWithin(needed + 100 * 50, lines, 50).isWhole);
