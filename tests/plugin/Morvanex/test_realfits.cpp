@@ -48,6 +48,10 @@ Verdict RealFits::Fit(const RealCase &real, const std::string &settings, const s
     EXPECT_TRUE(RunFit(monitor, &counts));
     const double seconds = double(timer.elapsed()) / 1000;
     EXPECT_TRUE(std::ranges::is_sorted(Solutions, {}, &SolutionScore::score));
+    if (Solutions.empty()) {
+        ADD_FAILURE() << "no solution to judge";
+        return {};
+    }
     Verdict verdict = real.Judge(Solutions, monitor.fit.target.points);
     const auto &description = real.Description();
     std::printf("%-14s first RMSD %.2f Å, from a results file %.2f Å, rank %zu, score %.3f, %llu poses, %llu "
@@ -135,6 +139,7 @@ TEST_F(RealFits, RestraintsTellHowFarTheBestPoseIsFromThem) {
     EXPECT_TRUE(RunFit(monitor));
     const auto expected =
         real.Description().at("restraint_distances").at("at_check_search_top1").get<std::vector<double>>();
+    ASSERT_FALSE(Solutions.empty());
     EXPECT_THAT(Solutions.back().extraScores, testing::Pointwise(testing::DoubleNear(0.005001), expected));
     std::vector<double> atTheTruth(4);
     Score(monitor.fit.target.restraints, real.Truth(), atTheTruth);

@@ -67,7 +67,7 @@ fit::Solid SolidOf(const std::vector<Point> &positions, const Vertex &centre = V
 TEST_F(PreparationTest, TargetPointsAreTheResiduesWithAPositionInOrder) {
     const fit::Target target =
         TargetOf({{"ALA", "1", Point{1, 2, 3}}, {"GLY", "2", {}}, {"XYZ", "3", Point{3, 4, 8}}});
-    EXPECT_THAT(Positions(target.points), ElementsAre(Point{1, 2, 3}, Point{3, 4, 8}));
+    ASSERT_THAT(Positions(target.points), ElementsAre(Point{1, 2, 3}, Point{3, 4, 8}));
     EXPECT_EQ(target.points[0].second, 'A');
     EXPECT_EQ(target.points[1].second, 'X');
     EXPECT_EQ(target.invalidResidues, 1u);
@@ -122,7 +122,7 @@ TEST_F(PreparationTest, ATargetWithoutAnyPositionHasNoCentre) {
 
 TEST_F(PreparationTest, TheSolidIsWhatLiesCloserThanTheInclusionDistance) {
     const fit::Solid solid = SolidOf({{5, 0, 0}, {0, 3, 4}, {0, 0, 4.5f}, {4.9f, 0, 0}}, V(0, 0, 0), 5);
-    EXPECT_THAT(Positions(solid.points), ElementsAre(Point{0, 0, 4.5f}, Point{4.9f, 0, 0}));
+    ASSERT_THAT(Positions(solid.points), ElementsAre(Point{0, 0, 4.5f}, Point{4.9f, 0, 0}));
     EXPECT_EQ(solid.points[0].second, 'G');
 }
 
@@ -281,7 +281,7 @@ TEST_F(PreparationTest, AnEvenTranslationCountIsStoredBackOdd) {
     TCount = 4;
     const fit::Preparation fit = Prepare();
     EXPECT_EQ(TCount, 5);
-    EXPECT_EQ(fit.offsets.size(), 125u);
+    ASSERT_EQ(fit.offsets.size(), 125u);
     EXPECT_EQ(fit.offsets.front(), V(-4, -4, -4));
     EXPECT_EQ(fit.offsets.back(), V(4, 4, 4));
 }
@@ -355,6 +355,7 @@ TEST_F(PreparationTest, ARestraintThatMatchesNothingIsStillToldOf) {
 TEST_F(PreparationTest, ResidueNamesOfAnyLanguageAreToldOf) {
     SetRestraints("Å12 1 2 3");
     Prepare();
+    ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().front(), "Residue: Å12 should prefer position (   1.000   2.000   3.000 )");
 }
 
@@ -362,6 +363,7 @@ TEST_F(PreparationTest, BoxCoordinatesHaveThreeDigits) {
     SetSolid(ResiduesAt({{12.345f, 1234.5f, -0.00012345f}}));
     SetMarginal(folder, "5000");
     Prepare();
+    ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().back(),
               "Solid residues: 1, box (  12.3,1.23e+03,-0.000123) - (  12.3,1.23e+03,-0.000123)");
 }
@@ -370,6 +372,7 @@ TEST_F(PreparationTest, TheBoxIsToldOfEvenWhereNothingIsNear) {
     SetSolid(ResiduesAt({{1, 1, 1}}));
     SetMarginal(folder, "0");
     EXPECT_FALSE(Prepare().keepOut);
+    ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().back(),
               "Solid residues: 0, box (     0,     0,     0) - (     0,     0,     0)");
     EXPECT_FALSE(FindGrid("GridFix"));
@@ -377,6 +380,7 @@ TEST_F(PreparationTest, TheBoxIsToldOfEvenWhereNothingIsNear) {
 
 TEST_F(PreparationTest, WithoutASolidNoBoxIsToldOf) {
     Prepare();
+    ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().back(), "Solid inclusion distance:  60.000");
 }
 

@@ -117,6 +117,7 @@ TEST_F(SearchTest, SaysWhenTheListIsShorterThanAskedFor) {
     FitInput input = OnePoint();
     input.keep = 1000;
     EXPECT_TRUE(Fit(input));
+    ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().back(), "Solutions list is shorter than requested size, not weeding.");
     EXPECT_THAT(Solutions, SizeIs(1 + 6 * 3));
 }
@@ -218,6 +219,7 @@ TEST_F(SearchTest, TheLimitOnPosesCanBeLifted) {
     RecordingMonitor cancelling(0);
     EXPECT_FALSE(RunFit(cancelling, &counts, {.anyNumberOfPoses = true}));
     EXPECT_EQ(counts.tried, 1u);
+    ASSERT_FALSE(cancelling.calls.empty());
     EXPECT_EQ(cancelling.calls.back(), "Cancelled");
 }
 
@@ -242,7 +244,7 @@ TEST_F(SearchTest, AnEvenTranslationCountIsRaisedForGood) {
     input.keep = 1000;
     EXPECT_TRUE(Fit(input));
     EXPECT_EQ(TCount, 5);
-    EXPECT_THAT(Solutions, SizeIs(125));
+    ASSERT_THAT(Solutions, SizeIs(125));
     EXPECT_EQ(Solutions.front().translation, Vertex(-2, -2, -2, false));
     EXPECT_EQ(Solutions.back().translation, Vertex(2, 2, 2, false));
 }
@@ -378,6 +380,7 @@ TEST_F(SearchTest, ACancelAfterTheLastAxisStillCounts) {
     Prepare(TwoPoints());
     RecordingMonitor cancelling(6);
     EXPECT_FALSE(RunFit(cancelling));
+    ASSERT_FALSE(cancelling.calls.empty());
     EXPECT_EQ(cancelling.calls.back(), "Cancelled");
 }
 
@@ -438,7 +441,7 @@ TEST_F(SearchTest, AScoreThatIsNoNumberIsStored) {
     FitInput input = OnePoint();
     input.map = ConstantMap({11, 11, 11}, NAN);
     EXPECT_TRUE(Fit(input));
-    EXPECT_THAT(Solutions, SizeIs(10));
+    ASSERT_THAT(Solutions, SizeIs(10));
     EXPECT_TRUE(std::isnan(Solutions.front().score));
 }
 
@@ -446,6 +449,7 @@ TEST_F(SearchTest, SolutionsCarryTheRestraintDistances) {
     FitInput input = OnePoint();
     input.restraints = {{"GLY1", {5, 5, 9}}, {"GLY7", {0, 0, 0}}, {"GLY1", {5, 5, 5}}};
     EXPECT_TRUE(Fit(input));
+    ASSERT_FALSE(Solutions.empty());
     EXPECT_THAT(Solutions.front().extraScores,
                 ElementsAre(testing::DoubleNear(4, 1e-5), testing::DoubleNear(0, 1e-5)));
     EXPECT_THAT(messages.Debug(), Contains("Extra scores 3"));
