@@ -2,8 +2,8 @@
 
 #include "solutions/Solution.h"
 
-/// Whether there is a target to build from; said on the warning channel when none is chosen, or when the one
-/// chosen has been removed from the model.
+/// Whether there is a target to build from; warns when none is chosen, or when the chosen one has left the
+/// model.
 bool HasTarget();
 
 /// Adds a copy of the target in the solution's pose to the model: a clump "MVX_<molecule>_<number>" with one

@@ -48,7 +48,7 @@ Layout *NamedLayout(const char *name, int margin = 0) {
     return layout;
 }
 
-/// The r-th solution from the end of the list; null, and said on the warning channel, when there is none.
+/// The r-th solution from the end of the list; null, with a warning, when there is none.
 const SolutionScore *SolutionOfRank(const QString &text) {
     const int rank = text.toInt(nullptr, 10);
     if (rank < 1 || std::size_t(rank) > Solutions.size()) {

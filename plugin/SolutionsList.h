@@ -45,7 +45,7 @@ private slots:
     virtual void build();
     virtual void done();
     /// Replaces `Solutions` by what a file of the user's choice holds. They are emptied in any case, unless a
-    /// fit is filling them, which is said on the warning channel.
+    /// fit is filling them: then there is a warning and nothing else.
     virtual void load();
     /// Writes `Solutions` to a file of the user's choice.
     virtual void save();

@@ -29,7 +29,7 @@ public slots:
     virtual void SelectMap();
     virtual void SelectSolid();
     virtual void ActivateLog();
-    /// Shows how many axes and poses the controls amount to.
+    /// Shows how many axes and poses the settings of the controls give.
     virtual void updateTransf();
     /// Copies the controls into the fit parameters.
     virtual void GetSettings();
