@@ -69,9 +69,14 @@ void CheckLength(ByteSource &source, const MapLayout &layout) {
         FailTooShort(source.Name(), found, Promise(layout));
 }
 
-std::unique_ptr<Grid> MakeGrid(const std::string &name, const MapLayout &layout) {
-    return std::make_unique<Grid>(name, layout.dimensions, layout.origin, layout.spacing,
-                                  Vector<float, 3>(90, 90, 90));
+std::unique_ptr<Grid> MakeGrid(const std::string &file, const MapLayout &layout) {
+    try {
+        return std::make_unique<Grid>(NodeName(file), layout.dimensions, layout.origin, layout.spacing,
+                                      Vector<float, 3>(90, 90, 90));
+    } catch (const std::bad_alloc &) {
+        throw FileError(file, "NX NY NZ (words 1 to 3)",
+                        "no memory for " + std::to_string(layout.voxels) + " voxels");
+    }
 }
 
 /// Reads the rows of the file one by one and spreads each over the grid.
@@ -122,7 +127,7 @@ std::unique_ptr<Grid> LoadGrid(ByteSource &source, MapReport &report) {
     const MapLayout layout = LayoutOf(source.Name(), header, warnings);
     CheckMemory(source, layout);
     CheckLength(source, layout);
-    std::unique_ptr<Grid> grid = MakeGrid(NodeName(source.Name()), layout);
+    std::unique_ptr<Grid> grid = MakeGrid(source.Name(), layout);
     source.Skip(std::uint64_t(header.extendedBytes));
     ReadVoxels(source, header, layout, *grid);
     report = ReportOf(header, layout);
