@@ -165,6 +165,13 @@ TEST_F(PreparationTest, TheKeepOutGridIsCentredOnTheWidenedBox) {
     EXPECT_EQ(layout.origin, V(-9, 0.5, -16.625f));
 }
 
+TEST_F(PreparationTest, TheExtentOfTheKeepOutGridIsRoundedToFloat) {
+    // From -163.4 to -19.4, 144 Å: 143.999994 in double, which would be 71 whole steps.
+    const fit::Solid solid = SolidOf({{-154.9f, 0, 0}, {-27.9f, 0, 0}});
+    EXPECT_LT(double(solid.high[0] + 8.5f) - double(solid.low[0] - 8.5f), 144);
+    EXPECT_EQ(fit::LayOutKeepOut(solid).nodes[0], 72 + 2);
+}
+
 TEST_F(PreparationTest, KeepOutNodesTellHowDeepTheyLieInTheSolid) {
     const Grid *grid = fit::BuildKeepOut(SolidOf({{0, 0, 0}, {3, 0, 0}}));
     ASSERT_TRUE(grid);
