@@ -119,12 +119,13 @@ TEST_P(KeptSolutions, OfEqualScoresTheLastPoseSurvivesWithASingleOffset) {
     ExpectTheLastPose();
 }
 
-/// Coordinates are multiples of 2 Å there, so that the offsets leave their windows.
+/// Coordinates are multiples of 2 Å there: offsets from -7 to 7 Å become -8 to 8, more than the window of 16
+/// voxels holds that 15 offsets take.
 TEST_P(KeptSolutions, OfEqualScoresTheLastPoseSurvivesFarFromTheOrigin) {
     constexpr float far = 2e7f;
     fit.target.points = {{Vertex(far, far, far, false), 'G'}};
     fit.target.centre = Vertex(far, far, far, false);
-    fit.offsets = fit::TranslationOffsets(15, 0.9);
+    fit.offsets = fit::TranslationOffsets(15, 1);
     Grid there("map", {40, 40, 40}, {far - 20, far - 20, far - 20}, {1, 1, 1}, {90, 90, 90});
     std::ranges::fill(there.Values(), 1.0f);
     fit.map = &there;
