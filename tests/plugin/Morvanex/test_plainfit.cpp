@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "LongTests.h"
 #include "Messages.h"
 #include "RandomFit.h"
 
@@ -40,26 +41,29 @@ void Compare(const FitInput &input, Tally &tally) {
 TEST(PlainFit, AgreesWithTheEngineByteForByte) {
     const Messages quiet;
     Tally tally;
-    for (unsigned seed = 0; seed < 600; ++seed) {
+    const unsigned cases = RandomCases(150, 600);
+    for (unsigned seed = 0; seed < cases; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         ASSERT_NO_FATAL_FAILURE(Compare(RandomFit(seed), tally));
     }
-    EXPECT_GT(tally.collided, 20);
-    EXPECT_GT(tally.cancelled, 20);
-    EXPECT_GT(tally.restrained, 20);
-    EXPECT_GT(tally.trimmed, 20);
-    EXPECT_GT(tally.dropped, 20);
+    const int some = int(cases) / 50;
+    EXPECT_GT(tally.collided, some);
+    EXPECT_GT(tally.cancelled, some);
+    EXPECT_GT(tally.restrained, some);
+    EXPECT_GT(tally.trimmed, some);
+    EXPECT_GT(tally.dropped, some);
 }
 
 TEST(Optimisation, DoesNotChangeAByteOfAFit) {
     const Messages quiet;
+    const unsigned cases = RandomCases(50, 150);
     QProcess unoptimised;
-    unoptimised.start(FITS_UNOPTIMISED, {"150"});
+    unoptimised.start(FITS_UNOPTIMISED, {QString::number(cases)});
     ASSERT_TRUE(unoptimised.waitForFinished(300000));
     ASSERT_EQ(unoptimised.exitStatus(), QProcess::NormalExit);
     const std::string printed = unoptimised.readAllStandardOutput().toStdString();
-    EXPECT_GT(printed.size(), 100000u);
-    EXPECT_TRUE(printed == TextOfFits(150));
+    EXPECT_GT(printed.size(), 600u * cases);
+    EXPECT_TRUE(printed == TextOfFits(cases));
 }
 
 TEST(PlainFit, AgreesOnATargetWithoutAnyPosition) {
@@ -75,7 +79,7 @@ TEST(PlainFit, AgreesOnATargetWithoutAnyPosition) {
 TEST(PlainFit, AgreesOnAMapWithVoxelsThatAreNotFinite) {
     const Messages quiet;
     Tally tally;
-    for (unsigned seed = 0; seed < 40; ++seed) {
+    for (unsigned seed = 0; seed < RandomCases(20, 40); ++seed) {
         FitInput input = RandomFit(seed);
         input.keep = 1000000; // a list with scores that are not numbers has no order
         if (!input.map)
