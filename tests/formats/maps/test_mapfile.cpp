@@ -488,7 +488,7 @@ TEST_F(MapFile, SaysThatTheMemoryRanOut) {
         std::fputs(ErrorOfFile(path).c_str(), stderr);
         std::exit(0);
     };
-    EXPECT_EXIT(readInLittle(), testing::ExitedWithCode(0), "^there is not enough memory to read it$");
+    EXPECT_EXIT(readInLittle(), testing::ExitedWithCode(0), "no memory for 1000000000 voxels");
 }
 
 TEST_F(MapFile, RefusesAFileWithoutReadPermission) {
