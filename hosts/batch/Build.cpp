@@ -1,10 +1,12 @@
 #include "Commands.h"
 
 #include "base/Numbers.h"
+#include "base/Words.h"
 
 #include "Collect.h"
 #include "cli/CommandLine.h"
 #include "cli/Diagnostics.h"
+#include "cli/Printable.h"
 #include "hosts/common/Chains.h"
 #include "hosts/common/Inputs.h"
 #include "hosts/common/Outputs.h"
@@ -26,12 +28,8 @@ namespace {
 std::vector<long> ReadRanks(const Arguments &arguments) {
     const std::vector<std::string> texts = arguments.List("--rank").value();
     std::vector<long> ranks;
-    for (const std::string &text : texts) {
-        bool ok = false;
-        ranks.push_back(QString::fromStdString(text).toLong(&ok));
-        if (!ok)
-            throw UsageError("--rank: '" + text + "' is not a whole number");
-    }
+    for (const std::string &text : texts)
+        ranks.push_back(ReadInteger("--rank", text));
     return ranks;
 }
 
@@ -62,7 +60,7 @@ double FarthestAtom(Chain *chain) {
     return farthest;
 }
 
-void TellSkippedLines(const SavedList &list) {
+void WarnOfSkippedLines(const SavedList &list) {
     constexpr std::size_t shown = 10;
     if (list.skippedLines.empty())
         return;
@@ -71,26 +69,27 @@ void TellSkippedLines(const SavedList &list) {
         lines += (i > 0 ? ", " : "") + std::to_string(list.skippedLines[i]);
     if (list.skippedLines.size() > shown)
         lines += " ...";
-    Warn(list.file + ": skipped " + std::to_string(list.skippedLines.size()) +
-         " without the eight numbers of a solution: line " + lines);
+    Warn(list.file + ": skips " + base::Counted(list.skippedLines.size(), "line") +
+         " without the eight numbers of a solution: " + lines);
 }
 
-void TellRounding(const SavedList &list, Chain *chain) {
+void PrintRoundingCost(const SavedList &list, Chain *chain) {
     if (!list.isRounded)
         return;
     const double distance = FarthestAtom(chain);
-    std::cout << QString(
-                     "precision: the two decimals of a results file move an atom by up to %1 Å, this target "
-                     "reaching %2 Å from the origin; the JSON file of a fit has full precision\n")
-                     .arg(base::FixedNumber(RoundingCost(distance), 0, 2), base::FixedNumber(distance, 0, 1))
-                     .toStdString();
+    std::cout
+        << QString(
+               "precision: the two decimals of a results file displace atoms by up to %1 Å in this target, "
+               "which reaches %2 Å from the origin; the JSON file of a fit has full precision\n")
+               .arg(base::FixedNumber(RoundingCost(distance), 0, 2), base::FixedNumber(distance, 0, 1))
+               .toStdString();
 }
 
 void WriteModel(const std::string &file, const Chain *chain, long rank, const SolutionScore &solution) {
     formats::WriteStructure(file, formats::StructureFormatOf(file), chain,
                             Transform(solution.rotation, solution.translation));
     std::cout << "rank " << rank << ", score " << base::FixedNumber(solution.score, 0, 3).toStdString()
-              << ": " << file << '\n';
+              << ": " << Printable(file) << '\n';
 }
 
 int Run(const Arguments &arguments) {
@@ -99,7 +98,7 @@ int Run(const Arguments &arguments) {
     const std::vector<std::string> files = OutputFiles(arguments.Text("--out"), ranks);
     CheckOutputs(files, {target, results});
     const SavedList list = ReadSavedList(results);
-    TellSkippedLines(list);
+    WarnOfSkippedLines(list);
     std::vector<SolutionScore> solutions;
     solutions.reserve(ranks.size());
     for (const long rank : ranks)
@@ -107,8 +106,8 @@ int Run(const Arguments &arguments) {
     const std::optional<std::string> identifier =
         arguments.Has("--chain") ? std::optional(arguments.Text("--chain")) : std::nullopt;
     Chain *chain = ChooseChain(target, LoadStructure(target, Warn), identifier);
-    std::cout << "target: chain " << ChainNames({chain}) << " of " << target << '\n';
-    TellRounding(list, chain);
+    std::cout << "target: chain " << Printable(ChainNames({chain})) << " of " << Printable(target) << '\n';
+    PrintRoundingCost(list, chain);
     for (std::size_t i = 0; i < files.size(); ++i)
         WriteModel(files[i], chain, ranks[i], solutions[i]);
     return Succeeded;
@@ -116,19 +115,18 @@ int Run(const Arguments &arguments) {
 
 std::vector<Option> Options() {
     return {
-        {"--results", Value::Text, "FILE", "The saved list: the JSON file of a fit, or its results file", "",
+        {"--results", Value::File, "FILE", "The saved list: the JSON file of a fit, or its results file", "",
          true},
-        {"--target", Value::Text, "FILE", "The structure that was fitted, where it stood before the fit", "",
-         true},
+        {"--target", Value::File, "FILE", "The structure that was fitted, at its start position", "", true},
         {"--chain", Value::Text, "ID", "The chain that was fitted; ' ' is the chain without an identifier",
          "the file's first polymer chain"},
         {"--rank", Value::Text, "N[,N...]",
-         "Ranks to build, 1 being the best. In a results file rank 1 is the last line, rank 2 the line "
+         "Ranks to build, 1 is the best. In a results file rank 1 is the last line, rank 2 the line "
          "before it",
          "", true},
-        {"--out", Value::Text, "FILE",
-         "The model to write: mmCIF where the name ends in .cif or .mmcif, else PDB. With several ranks "
-         "there is a file for each, the rank standing before the extension: model-1.pdb, model-3.pdb",
+        {"--out", Value::File, "FILE",
+         "The model to write: mmCIF where the name ends in .cif or .mmcif, else PDB. Several ranks "
+         "give a file each, with the rank before the extension: model-1.pdb, model-3.pdb",
          "", true},
     };
 }
@@ -139,9 +137,10 @@ Command BuildCommand() {
     return {
         .name = "build",
         .summary = "write models of solutions from a saved list",
-        .description = "Moves all atoms of the target by a pose of a saved list and writes them as a "
-                       "structure file. A results file has two decimals, which matters for a target far from "
-                       "the frame's origin: how much is said. The JSON file of a fit has full precision.",
+        .description =
+            "Moves all atoms of the target by a pose of a saved list and writes them as a structure file. "
+            "A results file has two decimals, which matters for a target far from the frame's origin: "
+            "the command prints by how much. The JSON file of a fit has full precision.",
         .options = Options(),
         .example = "morvanex build --results fit.json --target in.pdb --rank 1,2 --out out.pdb",
         .run = Run,

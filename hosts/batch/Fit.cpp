@@ -6,7 +6,7 @@
 #include "FitProgress.h"
 #include "FitReport.h"
 #include "cli/Diagnostics.h"
-#include "cli/Interrupt.h"
+#include "cli/StopSignals.h"
 #include "hosts/common/Chains.h"
 #include "hosts/common/FitChecks.h"
 #include "hosts/common/FitOutput.h"
@@ -37,7 +37,8 @@ void SetParameters(const FitOptions &options, const FitInput &input) {
     m_Target = input.target;
     m_Solid = input.SolidResidues();
     m_Map = input.map;
-    VARNO::Config::Override("Morvanex", "Marginal", options.inclusionDistance);
+    VARNO::Config::Override("Morvanex", "Marginal",
+                            QString::number(options.inclusionDistance, 'g', 17).toStdString());
 }
 
 /// The log comes last: a search empties its file, and one may be run before to measure the pace.
@@ -46,7 +47,7 @@ void SetLog(const FitOptions &options) {
     em_fname = QString::fromStdString(options.log.value_or(""));
 }
 
-/// Runs the search; the record then holds what came of it. False where Ctrl-C stopped it.
+/// Runs the search; the record then holds what came of it. False where a signal stopped it.
 bool Search(FitRecord &record) {
     FitProgress progress(record, record.options.quiet);
     const bool finished =
@@ -56,7 +57,7 @@ bool Search(FitRecord &record) {
         throw formats::FileError(*record.options.log, "",
                                  "cannot be written: " + progress.LogError().toStdString() +
                                      "; the fit was stopped");
-    if (!finished && !WasInterrupted())
+    if (!finished && StopSignal() == 0)
         throw std::runtime_error("the fit did not start");
     if (!finished)
         weed(Solutions, top_size);
@@ -65,10 +66,12 @@ bool Search(FitRecord &record) {
 }
 
 /// The files come first: whoever reads standard output may have gone away. False where a file failed.
-bool Deliver(const FitRecord &record, const FitInput &input) {
+bool Deliver(const FitRecord &record, const FitInput &input, const std::string &outOfReach) {
     const auto [written, errors] = WriteFitOutputs(record, Solutions, input.target, input.targetFormat);
+    if (!outOfReach.empty())
+        Warn(outOfReach);
     if (record.poses.accepted == 0)
-        Warn("no pose was accepted: the target runs into the solid everywhere");
+        Warn("no pose was accepted: the target clashes with the fixed chains everywhere");
     if (std::size_t(record.options.models) > record.solutions.size())
         Warn(base::Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
              base::Counted(record.solutions.size(), "solution") + " kept");
@@ -79,9 +82,8 @@ bool Deliver(const FitRecord &record, const FitInput &input) {
 }
 
 int Run(const Arguments &arguments) {
-    CatchInterrupt();
     FitRecord record;
-    record.options = ReadFitOptions(arguments);
+    record.options = ReadFitOptions(arguments, Warn);
     const FitOptions &options = record.options;
     CheckFitOptions(options);
     if (options.restraints)
@@ -90,21 +92,22 @@ int Run(const Arguments &arguments) {
     CheckFitOutputs(options, ModelFiles(options, input.targetFormat));
     SetParameters(options, input);
     const fit::Survey survey = CheckFit(options, input, Warn);
+    const std::string outOfReach = WarningOfReach(survey, options, *input.map);
+    if (!outOfReach.empty())
+        Warn(outOfReach);
     SetLog(options);
     record.chain = input.target->GetName();
     if (!options.quiet)
         ReportInput(options, input, survey);
-    if (WasInterrupted()) {
-        Warn("stopped by Ctrl-C before the search began; nothing was written");
-        return Interrupted;
-    }
+    StopSignals stopSignals("the current axis");
     const bool finished = Search(record);
     if (!finished)
-        Warn("stopped by Ctrl-C after " + std::to_string(record.axesDone) + " of " +
+        Warn("stopped by " + SignalName(StopSignal()) + " after " + std::to_string(record.axesDone) + " of " +
              std::to_string(record.axes) + " axes; what was found by then is written");
-    if (!Deliver(record, input))
+    stopSignals.EnterStep("the writing of what was found");
+    if (!Deliver(record, input, outOfReach))
         return Failed;
-    return finished ? Succeeded : Interrupted;
+    return finished ? int(Succeeded) : 128 + StopSignal();
 }
 
 } // namespace
@@ -116,13 +119,15 @@ Command FitCommand() {
         .description =
             "Searches all rotations of the target chain about its centre, each at every translation of a "
             "cube around its start position, for the poses with the highest sum of density at its residues. "
-            "A pose is left out where the target runs into the solid.\n\n"
-            "What was read and a table of the ten best poses go to standard output. Progress goes to "
-            "standard error: a bar on a terminal, else a line for every tenth of the search. Ctrl-C stops at "
-            "the end of the current axis and writes what was found by then (exit status 130); a second "
-            "Ctrl-C ends at once and leaves no file but the log.\n\n"
-            "What is not given comes from section Morvanex of the settings file varno/varno.ini in the "
-            "user's configuration folder, or as shipped.",
+            "A pose that clashes with the fixed chains is rejected.\n\n"
+            "A summary of the input and a table of the ten best poses go to standard output, progress to "
+            "standard error: a bar on a terminal, else a line for every tenth of a search of more than two "
+            "seconds.\n\n"
+            "Ctrl-C, SIGTERM and SIGHUP stop the search at the end of the current axis, and what it has found "
+            "is written (exit status 130, 143 and 129). A second signal ends the program at once and leaves no "
+            "file but the log.\n\n"
+            "Options that are not given come from section Morvanex of the settings file varno/varno.ini in the "
+            "user's configuration folder, or are the shipped ones.",
         .options = FitOptionTable(),
         .example = "morvanex fit --map map.mrc --target model.pdb --chain D --models 3",
         .run = Run,

@@ -1,27 +1,27 @@
 #include "FitArguments.h"
 
-#include "Config.h"
-
-#include <QString>
+#include "hosts/common/Settings.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <thread>
 
 using namespace cli;
-using hosts::FitOptions;
+using namespace hosts;
 
 namespace batch {
 
 namespace {
 
-std::string ConfiguredText(const std::string &key) {
-    return VARNO::Config::GetSetting("Morvanex", key).ToString();
+/// The option's number, or the configured one.
+int IntegerOf(const Arguments &arguments, const std::string &option, const std::string &key,
+              const WarningSink &warn) {
+    return arguments.Has(option) ? arguments.Integer(option) : IntegerSetting(key, warn);
 }
 
-/// The option's text, or the configured one.
-QString TextOf(const Arguments &arguments, const std::string &option, const std::string &key) {
-    return QString::fromStdString(arguments.Has(option) ? arguments.Text(option) : ConfiguredText(key));
+double NumberOf(const Arguments &arguments, const std::string &option, const std::string &key,
+                const WarningSink &warn) {
+    return arguments.Has(option) ? arguments.Number(option) : NumberSetting(key, warn);
 }
 
 std::optional<std::string> GivenText(const Arguments &arguments, const std::string &option) {
@@ -29,27 +29,15 @@ std::optional<std::string> GivenText(const Arguments &arguments, const std::stri
 }
 
 /// The configured depth passes through the dialog's field, which holds it inside its range.
-int AxisOf(const Arguments &arguments) {
-    if (arguments.Has("--axis"))
-        return arguments.Integer("--axis");
-    return std::clamp(VARNO::Config::GetSetting("Morvanex", "Axis").ToInt(), 0, hosts::maxAxis);
+int AxisOf(const Arguments &arguments, const WarningSink &warn) {
+    const int axis = IntegerOf(arguments, "--axis", "Axis", warn);
+    return arguments.Has("--axis") ? axis : std::clamp(axis, 0, maxAxis);
 }
 
 int ThreadsOf(const Arguments &arguments) {
     if (arguments.Has("--threads"))
         return arguments.Integer("--threads");
-    return std::clamp(int(std::thread::hardware_concurrency()), 1, hosts::maxThreads);
-}
-
-std::vector<std::string> SplitAtCommas(const std::string &text) {
-    std::vector<std::string> parts(1);
-    for (const char character : text) {
-        if (character == ',')
-            parts.emplace_back();
-        else
-            parts.back() += character;
-    }
-    return parts;
+    return std::clamp(int(std::thread::hardware_concurrency()), 1, maxThreads);
 }
 
 std::string ModelPrefix(const Arguments &arguments) {
@@ -65,52 +53,53 @@ std::string ModelPrefix(const Arguments &arguments) {
 
 std::vector<Option> FitOptionTable() {
     const auto shipped = [](const std::string &key, const std::string &value) {
-        return "\"" + key + "\" of the configuration, " + value + " as shipped";
+        return "\"" + key + "\" of the settings file, " + value + " as shipped";
     };
     return {
         {.name = "--map",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
          .help =
-             "The density map, MRC2014 or CCP4 with an orthogonal cell; it may be packed by gzip or bzip2",
+             "The density map, MRC2014 or CCP4 with an orthogonal cell, plain or compressed by gzip or bzip2",
          .required = true,
          .heading = "Input"},
         {.name = "--target",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
-         .help = "The structure that holds the chain to be fitted, PDB or mmCIF, coordinates in Å; it may be "
-                 "packed by gzip",
+         .help =
+             "The structure that holds the chain to fit, PDB or mmCIF, coordinates in Å, plain or compressed "
+             "by gzip",
          .required = true},
         {.name = "--chain",
          .value = Value::Text,
          .valueName = "ID",
-         .help = "The chain of the target file to be fitted. A chain without an identifier is ' '",
+         .help = "The chain of the target file to fit. A chain without an identifier is ' '",
          .defaultText = "the file's first polymer chain"},
         {.name = "--solid",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
-         .help = "A structure that stays where it is and that the fitted chain must not penetrate; it may be "
-                 "the target's own file",
+         .help = "A structure whose chains are fixed: poses that clash with them are rejected. It may be the "
+                 "target's own file",
          .defaultText = "none",
          .repeatable = true},
         {.name = "--solid-chains",
          .value = Value::Text,
          .valueName = "IDS",
-         .help = "The chains of the solid files that are used, separated by commas",
-         .defaultText = "all polymer chains, less the target chain where the file is the same"},
+         .help = "The chains of the solid files to use, separated by commas",
+         .defaultText = "all polymer chains except the target chain"},
         {.name = "--restraints",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
          .help = "Distance restraints, one on each line: a residue of the target (ALA12) and its preferred "
-                 "position x y z in Å. They do not enter the score; each pose's distances from them are "
-                 "saved with it",
+                 "position x y z in Å. They do not change the score; each saved pose lists its distances "
+                 "from them",
          .defaultText = "none"},
 
         {.name = "--axis",
          .value = Value::Integer,
          .valueName = "N",
-         .help = "How finely rotation axes are spread over the half sphere: 0, 1, 2, 3, 4 give 6, 21, 81, "
-                 "321, 1281 axes",
+         .help =
+             "How densely rotation axes cover the half sphere: 0, 1, 2, 3, 4 give 6, 21, 81, 321, 1281 axes",
          .defaultText = shipped("Axis", "2"),
          .heading = "Search"},
         {.name = "--rotation-step",
@@ -137,31 +126,33 @@ std::vector<Option> FitOptionTable() {
         {.name = "--inclusion-distance",
          .value = Value::Number,
          .valueName = "A",
-         .help = "Residues of the solid farther than this from the target's centre, in Å, are left out",
+         .help =
+             "Fixed residues farther than this from the target's centre, in Å, are ignored; inf uses all of them",
          .defaultText = shipped("Marginal", "60.0")},
         {.name = "--threads",
          .value = Value::Integer,
          .valueName = "N",
-         .help = "How many threads score poses; the results do not depend on it. With --log there is only "
-                 "one",
-         .defaultText = "one for each core that the command may use"},
+         .help = "Number of threads that score poses; the results do not depend on it. With --log there is "
+                 "only one",
+         .defaultText = "one for each core available to the command"},
 
         {.name = "--results",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
-         .help = "Write the solutions kept, the best last, in the format that the results dialog loads",
+         .help = "Write the kept solutions, the best last, in the format that the results dialog loads",
          .defaultText = "no file",
          .heading = "Output"},
         {.name = "--log",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
-         .help = "Write every accepted pose while the search runs, which then scores pose by pose and takes "
-                 "many times as long",
+         .help =
+             "Write every accepted pose while the search runs. Such a search scores pose by pose and takes "
+             "many times as long",
          .defaultText = "no file"},
         {.name = "--json",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
-         .help = "Write the settings, the counts and every solution kept in full precision, the best first",
+         .help = "Write the settings, the counts and every kept solution in full precision, the best first",
          .defaultText = "no file"},
         {.name = "--models",
          .value = Value::Integer,
@@ -176,12 +167,12 @@ std::vector<Option> FitOptionTable() {
          .defaultText = "the target file's name without folder and extensions, then -fit-, in the current "
                         "folder"},
         {.name = "--quiet",
-         .help = "Say nothing of what was read and show no progress; warnings and the table stay"},
-        {.name = "--force", .help = "Run the fit however long it takes"},
+         .help = "Print neither the summary of the input nor progress; warnings and the table stay"},
+        {.name = "--force", .help = "Run the fit even if it takes more than a year"},
     };
 }
 
-FitOptions ReadFitOptions(const Arguments &arguments) {
+FitOptions ReadFitOptions(const Arguments &arguments, const WarningSink &warn) {
     if (arguments.Has("--solid-chains") && !arguments.Has("--solid"))
         throw UsageError("--solid-chains is given without --solid");
     FitOptions options;
@@ -189,16 +180,15 @@ FitOptions ReadFitOptions(const Arguments &arguments) {
     options.target = arguments.Text("--target");
     options.chain = GivenText(arguments, "--chain");
     options.solids = arguments.Texts("--solid");
-    if (arguments.Has("--solid-chains"))
-        options.solidChains = SplitAtCommas(arguments.Text("--solid-chains"));
+    options.solidChains = arguments.List("--solid-chains");
     options.restraints = GivenText(arguments, "--restraints");
 
-    options.axis = AxisOf(arguments);
-    options.rotationStep = TextOf(arguments, "--rotation-step", "RotationStep").toDouble();
-    options.translationStep = TextOf(arguments, "--translation-step", "TransStep").toDouble();
-    options.translationSteps = TextOf(arguments, "--translation-steps", "TransNum").toInt();
-    options.keep = TextOf(arguments, "--keep", "TopList").toInt();
-    options.inclusionDistance = TextOf(arguments, "--inclusion-distance", "Marginal").toStdString();
+    options.axis = AxisOf(arguments, warn);
+    options.rotationStep = NumberOf(arguments, "--rotation-step", "RotationStep", warn);
+    options.translationStep = NumberOf(arguments, "--translation-step", "TransStep", warn);
+    options.translationSteps = IntegerOf(arguments, "--translation-steps", "TransNum", warn);
+    options.keep = IntegerOf(arguments, "--keep", "TopList", warn);
+    options.inclusionDistance = NumberOf(arguments, "--inclusion-distance", "Marginal", warn);
 
     options.results = GivenText(arguments, "--results");
     options.log = GivenText(arguments, "--log");

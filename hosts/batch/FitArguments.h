@@ -2,6 +2,7 @@
 
 #include "cli/CommandLine.h"
 #include "hosts/common/FitOptions.h"
+#include "hosts/common/WarningSink.h"
 
 namespace batch {
 
@@ -9,7 +10,7 @@ namespace batch {
 std::vector<cli::Option> FitOptionTable();
 
 /// The command line, and what it leaves open from section "Morvanex" of the configuration, converted as the
-/// set-up dialog converts its fields: what is no number is 0.
-hosts::FitOptions ReadFitOptions(const cli::Arguments &arguments);
+/// set-up dialog converts its fields: what is no number counts as 0, of which `warn` hears.
+hosts::FitOptions ReadFitOptions(const cli::Arguments &arguments, const hosts::WarningSink &warn);
 
 } // namespace batch

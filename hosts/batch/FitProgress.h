@@ -10,7 +10,7 @@
 
 namespace batch {
 
-/// The search's monitor that drives a terminal: shows how far it is, stops it at Ctrl-C or when the log can
+/// The search's monitor that drives a terminal: shows how far it is, stops it at a signal or when the log can
 /// no longer be written, and takes down what the report needs.
 class FitProgress : public search::FitMonitor {
 public:
@@ -30,10 +30,13 @@ public:
 
 private:
     void End();
+    /// Since the last call, or the start of the search.
+    double SecondsOfStep();
 
     hosts::FitRecord &m_record;
     std::unique_ptr<cli::ProgressBar> m_bar;
-    QElapsedTimer m_timer;
+    QElapsedTimer m_timer, m_stepTimer;
+    double m_longestAxis = 0; ///< seconds
     bool m_identityDone = false;
     QString m_logError;
 };

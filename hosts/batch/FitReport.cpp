@@ -1,5 +1,7 @@
 #include "FitReport.h"
 
+#include "cli/Printable.h"
+
 #include "base/Words.h"
 
 #include "base/Numbers.h"
@@ -35,7 +37,7 @@ void PrintItem(const QString &label, const QString &text) {
 }
 
 QString Text(const std::string &text) {
-    return QString::fromStdString(text);
+    return QString::fromStdString(cli::Printable(text));
 }
 
 template <class Vector3>
@@ -169,7 +171,7 @@ void PrintSample(const FitRecord &record) {
     const std::uint64_t size = std::min(sampleSize, poses), used = record.sample.poses;
     const QString which = used < size
                               ? QString("those %1 of %2 poses, spread evenly over the search, that do not "
-                                        "collide:")
+                                        "clash:")
                                     .arg(used)
                                     .arg(size)
                               : QString("%1 poses spread evenly over the search:").arg(size);

@@ -4,6 +4,7 @@
 
 #include "Grid.h"
 #include "cli/CommandLine.h"
+#include "cli/Printable.h"
 #include "formats/files/ByteSource.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
@@ -27,8 +28,8 @@ bool IsMap(ByteSource &source) {
 }
 
 void Line(const std::string &label, const QString &text) {
-    std::cout << "  " << QString::fromStdString(label).leftJustified(10).toStdString() << text.toStdString()
-              << '\n';
+    std::cout << "  " << QString::fromStdString(label).leftJustified(10).toStdString()
+              << Printable(text.toStdString()) << '\n';
 }
 
 template <class T>
@@ -52,10 +53,10 @@ QString ModeText(int mode) {
     }
 }
 
-void TellMap(ByteSource &source) {
+void PrintMap(ByteSource &source) {
     formats::MapReport report;
     const Grid &map = *formats::ReadMapFrom(source, &report);
-    std::cout << source.Name() << ": density map\n";
+    std::cout << Printable(source.Name()) << ": density map\n";
     if (!report.title.empty())
         Line("title", QString::fromStdString(report.title));
     Line("size", Three(map.Dimensions(), " x ") + " voxels");
@@ -83,21 +84,21 @@ void ChainRow(const QString &name, const QString &kind, const QString &residues,
                      .toStdString();
 }
 
-void TellChains(const std::vector<formats::ChainReport> &chains) {
+void PrintChains(const std::vector<formats::ChainReport> &chains) {
     if (chains.empty())
         return Line("chains", "no polymer");
     ChainRow("chain", "kind", "residues", "with position", "atoms");
     for (const formats::ChainReport &chain : chains)
-        ChainRow(chain.identifier == " " ? "' '" : QString::fromStdString(chain.identifier),
+        ChainRow(chain.identifier == " " ? "' '" : QString::fromStdString(Printable(chain.identifier)),
                  QString::fromStdString(chain.kind), QString::number(chain.residues),
                  QString::number(chain.placed), QString::number(chain.atoms));
 }
 
-void TellStructure(ByteSource &source) {
+void PrintStructure(ByteSource &source) {
     formats::StructureReport report;
     formats::ReadStructureFrom(source, &report);
-    std::cout << source.Name() << ": structure, " << report.format << '\n';
-    TellChains(report.chains);
+    std::cout << Printable(source.Name()) << ": structure, " << report.format << '\n';
+    PrintChains(report.chains);
     Line("models", QString::number(report.models));
     Line("besides", QString("ligand residues %1, waters %2").arg(report.ligands).arg(report.waters));
     for (const std::string &warning : report.warnings)
@@ -107,9 +108,9 @@ void TellStructure(ByteSource &source) {
 int Run(const Arguments &arguments) {
     ByteSource source(arguments.operand);
     if (IsMap(source))
-        TellMap(source);
+        PrintMap(source);
     else
-        TellStructure(source);
+        PrintStructure(source);
     return Succeeded;
 }
 
@@ -118,12 +119,12 @@ int Run(const Arguments &arguments) {
 Command InfoCommand() {
     return {
         .name = "info",
-        .summary = "tell what a structure or a map file holds",
-        .description = "Of a structure (PDB or mmCIF): its chains, how many of their residues have a "
-                       "position that can be fitted, and what is left out. Of a density map (MRC or CCP4): "
-                       "size, spacing and origin in Å, which words of the header gave the origin, and the "
-                       "values. The kind is told from the content, not from the name; gzip and bzip2 are "
-                       "unpacked.",
+        .summary = "show what a structure or a map file holds",
+        .description =
+            "Of a structure (PDB or mmCIF): its chains, how many of their residues have a position that can be "
+            "fitted, and what the reader skips. Of a density map (MRC or CCP4): size, spacing and origin in "
+            "Å, which words of the header gave the origin, and the values. The content decides about the "
+            "kind, not the name; files compressed by gzip or bzip2 are read too.",
         .options = {},
         .operand = "FILE",
         .example = "morvanex info map.mrc",

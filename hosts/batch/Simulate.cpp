@@ -1,9 +1,11 @@
 #include "Commands.h"
 
 #include "base/Numbers.h"
+#include "base/Words.h"
 
 #include "cli/CommandLine.h"
 #include "cli/Diagnostics.h"
+#include "cli/Printable.h"
 #include "formats/files/FileError.h"
 #include "hosts/common/Chains.h"
 #include "hosts/common/Inputs.h"
@@ -41,10 +43,7 @@ std::vector<Scatterer> ScatterersOf(const std::string &file, const std::vector<C
     if (scatterers.empty())
         throw formats::FileError(file, "chains " + ChainNames(chains), "there is no atom of a known element");
     if (unknown > 0)
-        Warn(file + ": " +
-             (unknown == 1 ? "1 atom of an unknown element is"
-                           : std::to_string(unknown) + " atoms of unknown elements are") +
-             " left out");
+        Warn(file + ": skips " + base::Counted(unknown, "atom") + " of unknown element");
     return scatterers;
 }
 
@@ -60,7 +59,7 @@ std::string Title(const std::string &model, const SimulationSettings &settings) 
     return title.toStdString();
 }
 
-void Tell(const Grid &map, const SimulationSettings &settings) {
+void PrintMap(const Grid &map, const SimulationSettings &settings) {
     const auto &size = map.Dimensions();
     const auto &origin = map.Origin();
     std::cout << QString("map: %1 x %2 x %3 voxels of %4 Å, origin %5, %6, %7 Å\n")
@@ -82,31 +81,32 @@ int Run(const Arguments &arguments) {
     const SimulationBox box = LayOutBox(scatterers, settings);
     if (const QString problem = RefuseBox(box, scatterers.size(), settings); !problem.isEmpty())
         throw formats::FileError(model, "", problem.toStdString());
-    std::cout << "model: chains " << ChainNames(chains) << " of " << model << ", " << scatterers.size()
-              << " atoms\n";
+    std::cout << "model: chains " << Printable(ChainNames(chains)) << " of " << Printable(model) << ", "
+              << scatterers.size() << " atoms\n";
     const std::unique_ptr<Grid> map = SimulateMap(scatterers, box, settings);
     formats::WriteMap(out, *map, Title(model, settings));
-    Tell(*map, settings);
-    std::cout << "written: " << out << '\n';
+    PrintMap(*map, settings);
+    std::cout << "written: " << Printable(out) << '\n';
     return Succeeded;
 }
 
 std::vector<Option> Options() {
     return {
-        {"--model", Value::Text, "FILE", "The structure, PDB or mmCIF, gzipped or not", "", true},
+        {"--model", Value::File, "FILE", "The structure, PDB or mmCIF, plain or compressed by gzip", "",
+         true},
         {"--chains", Value::Text, "IDS",
-         "Polymer chains to take, identifiers separated by commas; ' ' is the chain without an identifier. "
-         "Waters and ligands are never taken",
+         "Polymer chains to use, identifiers separated by commas; ' ' is the chain without an identifier. "
+         "Waters and ligands are never used",
          "all polymer chains"},
-        {"--resolution", Value::Number, "A", "Resolution of the map, in Å", "", true},
-        {"--voxel", Value::Number, "A", "Spacing of the voxels along x, y and z, in Å", "", true},
+        {"--resolution", Value::Number, "A", "Resolution of the map, 0.1 to 1000 Å", "", true},
+        {"--voxel", Value::Number, "A", "Spacing of the voxels along x, y and z, 0.001 to 1000 Å", "", true},
         {"--noise", Value::Number, "S",
-         "Noise that is added to every voxel: its standard deviation, in units of the standard deviation of "
-         "the map's values without it",
+         "Noise to add to every voxel: its standard deviation, in units of that of the map without noise; at "
+         "most 1000",
          "0, no noise"},
         {"--seed", Value::Integer, "N",
-         "Whole number that the noise starts from; the same number gives the same noise", "0"},
-        {"--out", Value::Text, "FILE", "The map to write, MRC2014", "", true},
+         "Seed of the noise, a whole number; the same seed gives the same noise", "0"},
+        {"--out", Value::File, "FILE", "The map to write, MRC2014", "", true},
     };
 }
 
@@ -120,8 +120,8 @@ Command SimulateCommand() {
             "Computes the density of a structure at a resolution R: every atom becomes a Gaussian with its "
             "atomic number as weight and the standard deviation R / (pi * sqrt(2)), about 0.225 R, whose "
             "Fourier transform has fallen to 1/e at the wavenumber 1/R. Values are electrons per cubic Å. "
-            "Along each axis a Gaussian is cut off at 5 standard deviations; the box reaches beyond the "
-            "outermost atoms by as much, and begins at a multiple of the voxel size.\n\n"
+            "Along each axis a Gaussian is cut off at 5 standard deviations; the box extends beyond the "
+            "outermost atoms by as much and begins at a multiple of the voxel size.\n\n"
             "Noise is close to normally distributed (the sum of twelve uniform random numbers) and has no "
             "correlation between voxels.",
         .options = Options(),

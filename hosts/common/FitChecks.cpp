@@ -13,6 +13,7 @@
 #include "formats/files/FileError.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace hosts {
 
@@ -29,8 +30,8 @@ void CheckTarget(const FitOptions &options, const FitInput &input, const fit::Ta
     if (target.points.empty())
         throw FileError(options.target, chain, "no residue has a position (an atom CA, C4' or P)");
     if (target.invalidResidues > 0)
-        warn(options.target + ": " + chain + ": " + base::Counted(target.invalidResidues, "residue") +
-             " without a position (an atom CA, C4' or P) left out");
+        warn(options.target + ": " + chain + ": skips " + base::Counted(target.invalidResidues, "residue") +
+             " without a position (an atom CA, C4' or P)");
 }
 
 std::string FirstOf(const std::vector<std::string> &names) {
@@ -54,11 +55,11 @@ void CheckRestraints(const FitOptions &options, const fit::Survey &survey, const
 
 void CheckSolid(const FitOptions &options, const fit::Survey &survey, const WarningSink &warn) {
     if (survey.solid.invalidResidues > 0)
-        warn("solid: " + base::Counted(survey.solid.invalidResidues, "residue") +
-             " without a position (an atom CA, C4' or P) left out");
+        warn("solid: skips " + base::Counted(survey.solid.invalidResidues, "residue") +
+             " without a position (an atom CA, C4' or P)");
     if (!options.solids.empty() && survey.solid.points.empty())
-        warn("the solid has no effect: none of its residues lies within " + options.inclusionDistance +
-             " Å of the target's centre");
+        warn("the solid has no effect: none of its residues lies within " +
+             base::GeneralNumber(options.inclusionDistance).toStdString() + " Å of the target's centre");
 }
 
 /// Why the fit is not to be run, with what it would take; empty when it may.
@@ -93,6 +94,30 @@ fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const War
     if (const std::string refusal = Refusal(survey, options); !refusal.empty())
         throw std::runtime_error(refusal);
     return survey;
+}
+
+std::string WarningOfReach(const fit::Survey &survey, const FitOptions &options, const VARNO::Grid &map) {
+    const VARNO::Vertex &centre = survey.target.centre;
+    double radius = 0;
+    for (const auto &[point, tag] : survey.target.points)
+        radius = std::max(radius, std::sqrt(double((point - centre).SquaredLength())));
+    const double travel = std::abs(options.translationStep) * (options.translationSteps / 2);
+    double fromCentre[3], fromCube[3];
+    for (const unsigned i : {0u, 1u, 2u}) {
+        // Points count up to one and a half spacings before the first voxel and half a one behind the last.
+        const double spacing = double(map.Spacing()[i]), origin = double(map.Origin()[i]);
+        const double low = origin - 1.5 * spacing, high = origin + (map.Dimensions()[i] - 0.5) * spacing;
+        fromCentre[i] = std::max({0.0, low - double(centre[i]), double(centre[i]) - high});
+        fromCube[i] = std::max(0.0, fromCentre[i] - travel);
+    }
+    const auto length = [](const double(&v)[3]) { return std::hypot(v[0], v[1], v[2]); };
+    if (!(length(fromCube) > radius))
+        return {};
+    const double distance = length(fromCentre) - radius;
+    return "no pose of the search touches the map: the target lies " +
+           (distance < 1e15 ? base::Grouped(std::uint64_t(distance))
+                            : base::GeneralNumber(distance).toStdString()) +
+           " Å from it; are both in one frame?";
 }
 
 } // namespace hosts

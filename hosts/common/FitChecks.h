@@ -12,4 +12,8 @@ namespace hosts {
 /// restraints and of solids without effect.
 fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn);
 
+/// A warning where no pose of the search can touch the map, with the distance of the target from it; empty
+/// where one can.
+std::string WarningOfReach(const fit::Survey &survey, const FitOptions &options, const VARNO::Grid &map);
+
 } // namespace hosts

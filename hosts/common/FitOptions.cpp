@@ -1,5 +1,7 @@
 #include "hosts/common/FitOptions.h"
 
+#include "base/Numbers.h"
+
 #include <QString>
 
 #include <cmath>
@@ -8,6 +10,10 @@
 namespace hosts {
 
 namespace {
+
+std::string Text(double number) {
+    return base::GeneralNumber(number).toStdString();
+}
 
 [[noreturn]] void Refuse(const std::string &option, const std::string &value, const std::string &expected) {
     throw std::runtime_error(option + ": " + value + " is not " + expected);
@@ -19,19 +25,34 @@ void CheckName(const std::string &option, const std::optional<std::string> &name
         Refuse(option, *name, "a name in UTF-8");
 }
 
+void CheckTranslationStep(const FitOptions &options) {
+    const double step = options.translationStep, farthest = step * (options.translationSteps / 2);
+    if (!std::isfinite(step))
+        Refuse("--translation-step", Text(step), "a finite number of Å");
+    if (!std::isfinite(float(farthest)))
+        Refuse("--translation-step", Text(step),
+               "a step whose translations fit into single precision (3.4e+38 Å)");
+}
+
+void CheckInclusionDistance(double distance) {
+    if (!(distance >= 0))
+        Refuse("--inclusion-distance", Text(distance), "a distance in Å");
+    if (std::isfinite(distance) && !std::isfinite(float(distance)))
+        Refuse("--inclusion-distance", Text(distance),
+               "a distance that fits into single precision (3.4e+38 Å)");
+}
+
 } // namespace
 
 void CheckFitOptions(const FitOptions &options) {
     if (options.axis < 0 || options.axis > maxAxis)
         Refuse("--axis", std::to_string(options.axis), "a whole number from 0 to 99");
-    if (!std::isfinite(options.translationStep))
-        Refuse("--translation-step", std::to_string(options.translationStep), "a finite number of Å");
     if (options.translationSteps < 0)
         Refuse("--translation-steps", std::to_string(options.translationSteps), "a number of steps");
+    CheckTranslationStep(options);
     if (options.keep < 0)
         Refuse("--keep", std::to_string(options.keep), "a number of solutions");
-    if (!(QString::fromStdString(options.inclusionDistance).toFloat() >= 0))
-        Refuse("--inclusion-distance", options.inclusionDistance, "a distance in Å");
+    CheckInclusionDistance(options.inclusionDistance);
     if (options.models < 0)
         Refuse("--models", std::to_string(options.models), "a number of models");
     if (options.threads < 1 || options.threads > maxThreads)

@@ -24,7 +24,7 @@ struct FitOptions {
     double translationStep = 0; ///< Å
     int translationSteps = 0;   ///< along each direction
     int keep = 0;
-    std::string inclusionDistance; ///< Å, as text: the engine reads it from the configuration
+    double inclusionDistance = 0; ///< Å
 
     std::optional<std::string> results;
     std::optional<std::string> log;
@@ -36,8 +36,9 @@ struct FitOptions {
     int threads = 1; ///< that score poses
 };
 
-/// Throws std::runtime_error, naming option and value, for a number that no fit can be run with. A rotation
-/// step is not looked at: the engine judges that together with what the fit would take.
+/// Throws std::runtime_error, naming option and value, for a number that no fit can be run with, be it that
+/// the engine, which has positions in single precision, would take it for another one. A rotation step is not
+/// looked at: the engine judges that together with what the fit would take.
 void CheckFitOptions(const FitOptions &options);
 
 } // namespace hosts

@@ -1,5 +1,6 @@
 #include "hosts/common/FitOutput.h"
 
+#include "hosts/common/FitJson.h"
 #include "hosts/common/Outputs.h"
 #include "hosts/common/SignalHold.h"
 

@@ -5,7 +5,7 @@
 #include "search/PoseSample.h"
 #include "search/Search.h"
 
-#include <iosfwd>
+#include <list>
 
 namespace hosts {
 
@@ -31,13 +31,5 @@ struct FitRecord {
     search::PoseSample sample;
     std::vector<RankedSolution> solutions;
 };
-
-/// Writes the record: numbers in full precision, so that they are read back bit for bit; one solution on each
-/// line, the best first.
-void WriteFitJson(std::ostream &out, const FitRecord &record);
-
-/// The solutions of such a file, the best first. Throws FileError, with the name given, where the bytes are
-/// none.
-std::vector<SolutionScore> ReadFitJson(const std::string &file, const std::string &bytes);
 
 } // namespace hosts

@@ -2,7 +2,7 @@
 
 #include "formats/files/FileError.h"
 #include "formats/files/ReadBytes.h"
-#include "hosts/common/FitRecord.h"
+#include "hosts/common/FitJson.h"
 #include "solutions/ResultsFile.h"
 
 #include <QBuffer>
@@ -38,15 +38,16 @@ SavedList FromResults(const std::string &file, const std::string &bytes) {
         throw FileError(file, "", "no line holds the eight numbers of a solution");
     SavedList list{file, {read.solutions.rbegin(), read.solutions.rend()}, true, read.skippedLines, {}};
     for (const auto &[place, line] : read.doubtful)
-        list.doubtful[list.solutions.size() - place] = line;
+        list.problems[list.solutions.size() - place] =
+            "line " + std::to_string(line) + " holds a word that is no number";
     return list;
 }
 
 SavedList FromJson(const std::string &file, const std::string &bytes) {
-    SavedList list{file, ReadFitJson(file, bytes), false, {}, {}};
-    if (list.solutions.empty())
+    JsonSolutions read = ReadFitJson(file, bytes);
+    if (read.solutions.empty())
         throw FileError(file, "solutions", "the list is empty");
-    return list;
+    return {file, std::move(read.solutions), false, {}, std::move(read.problems)};
 }
 
 bool IsFinite(const SolutionScore &solution) {
@@ -62,9 +63,8 @@ const SolutionScore &SavedList::OfRank(long rank) const {
     const std::string place = "rank " + std::to_string(rank);
     if (rank < 1 || std::size_t(rank) > solutions.size())
         throw FileError(file, place, "the list has the ranks 1 to " + std::to_string(solutions.size()));
-    if (const auto found = doubtful.find(std::size_t(rank)); found != doubtful.end())
-        throw FileError(file, place,
-                        "line " + std::to_string(found->second) + " holds a word that is no number");
+    if (const auto found = problems.find(std::size_t(rank)); found != problems.end())
+        throw FileError(file, place, found->second);
     const SolutionScore &solution = solutions[std::size_t(rank) - 1];
     if (!IsFinite(solution))
         throw FileError(file, place, "its pose holds a number that is not finite");

@@ -12,9 +12,8 @@ struct SavedList {
     std::vector<SolutionScore> solutions;
     /// Read from a results file, whose poses have two decimals; a JSON file has them in full precision.
     bool isRounded = false;
-    std::vector<qint64> skippedLines; ///< of a results file: lines without eight words
-    std::map<std::size_t, qint64>
-        doubtful; ///< of a results file: rank, and its line that holds a word that is no number
+    std::vector<qint64> skippedLines;            ///< of a results file: lines without eight words
+    std::map<std::size_t, std::string> problems; ///< rank of a solution that cannot be used, and why
 
     /// Throws FileError for a rank outside the list, and for a pose whose numbers could not be read or are
     /// not finite.

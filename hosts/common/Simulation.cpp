@@ -139,15 +139,20 @@ SimulationBox LayOutBox(std::span<const Scatterer> scatterers, const SimulationS
 }
 
 QString RefuseSettings(const SimulationSettings &settings) {
-    const auto isPositive = [](double number) { return number > 0 && std::isfinite(number); };
-    if (!isPositive(settings.resolution))
-        return QString("--resolution %1: must be a positive number of Å")
-            .arg(base::GeneralNumber(settings.resolution));
-    if (!isPositive(settings.voxel))
-        return QString("--voxel %1: must be a positive number of Å").arg(base::GeneralNumber(settings.voxel));
-    if (!(settings.noise >= 0) || !std::isfinite(settings.noise))
-        return QString("--noise %1: must be 0 or more standard deviations")
-            .arg(base::GeneralNumber(settings.noise));
+    const auto refuse = [](const QString &option, double value, double least, double most,
+                           const QString &unit) {
+        if (value >= least && value <= most)
+            return QString();
+        return QString("%1 %2: must be a number from %3 to %4 %5")
+            .arg(option, base::GeneralNumber(value), base::GeneralNumber(least), base::GeneralNumber(most),
+                 unit);
+    };
+    for (const QString &problem :
+         {refuse("--resolution", settings.resolution, minResolution, maxResolution, "Å"),
+          refuse("--voxel", settings.voxel, minVoxel, maxVoxel, "Å"),
+          refuse("--noise", settings.noise, 0, maxNoise, "standard deviations")})
+        if (!problem.isEmpty())
+            return problem;
     return {};
 }
 
@@ -161,6 +166,15 @@ QString RefuseBox(const SimulationBox &box, std::size_t scatterers, const Simula
         return QString(
                    "a map of %1 would need %2 of memory; the limit is %3, three quarters of this machine's")
             .arg(size, gib(bytes), gib(limit));
+    for (unsigned axis = 0; axis < 3; ++axis) {
+        const double origin = box.first[axis] * settings.voxel;
+        if (!(box.count[axis] <= maxVoxelsAlong))
+            return QString("a map of %1 is beyond what a file holds, %2 voxels along each axis")
+                .arg(size, base::GeneralNumber(maxVoxelsAlong));
+        if (!(std::abs(origin) <= maxCoordinate))
+            return QString("the map would begin %1 Å from the frame's origin; the limit is %2 Å")
+                .arg(base::GeneralNumber(std::abs(origin)), base::GeneralNumber(maxCoordinate));
+    }
     const double edge = 2 * Reach(settings) / settings.voxel + 1;
     const double additions = double(scatterers) * std::min(box.Voxels(), edge * edge * edge);
     if (!(additions <= additionLimit))

@@ -53,12 +53,19 @@ struct SimulationBox {
 /// The box around at least one scatterer.
 SimulationBox LayOutBox(std::span<const Scatterer> scatterers, const SimulationSettings &settings);
 
-/// Why no map can be made with these settings, naming the option; empty when one can. All have to be positive
-/// finite numbers, but the noise may be 0.
+/// What a map can be made with. A map file holds voxels of that size, at these distances from the frame's
+/// origin, and so many of them along each axis.
+constexpr double minResolution = 0.1, maxResolution = 1000; ///< Å
+constexpr double minVoxel = 0.001, maxVoxel = 1000;         ///< Å
+constexpr double maxNoise = 1000;
+constexpr double maxCoordinate = 1e6; ///< Å
+constexpr double maxVoxelsAlong = 65535;
+
+/// Why no map can be made with these settings, naming the option; empty when one can.
 QString RefuseSettings(const SimulationSettings &settings);
 
-/// Why a map of that box cannot be made, with the figures; empty when it can. It must not need more than
-/// three quarters of the machine's memory, nor more than `additionLimit` additions.
+/// Why a map of that box cannot be made, with the figures; empty when it can. A map file must hold it, and it
+/// must not need more than three quarters of the machine's memory, nor more than `additionLimit` additions.
 QString RefuseBox(const SimulationBox &box, std::size_t scatterers, const SimulationSettings &settings);
 
 /// The most additions of an atom's density to a voxel that a map may take: about a quarter of an hour.

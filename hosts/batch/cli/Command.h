@@ -8,8 +8,9 @@ namespace cli {
 
 struct Arguments;
 
-/// What kind of value an option takes. Numbers are read in the C locale, as the dialogs read their fields.
-enum class Value { None, Text, Integer, Number };
+/// What kind of value an option takes. The name of a file is not empty. Numbers are read in the C locale, as
+/// the dialogs read their fields.
+enum class Value { None, Text, File, Integer, Number };
 
 /// One option of a subcommand. The usage line, the help and the manual page are made from it.
 struct Option {
@@ -40,7 +41,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Exit statuses of the program.
-enum ExitStatus { Succeeded = 0, Failed = 1, WrongUsage = 2, Interrupted = 130 };
+/// Exit statuses of the program. One that a signal stopped has 128 and the signal's number.
+enum ExitStatus { Succeeded = 0, Failed = 1, WrongUsage = 2 };
 
 } // namespace cli

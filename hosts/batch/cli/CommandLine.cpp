@@ -1,9 +1,11 @@
 #include "cli/CommandLine.h"
 
-#include <QString>
-#include <QStringList>
+#include "base/Numbers.h"
+
+#include "cli/Suggestion.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace cli {
 
@@ -15,25 +17,12 @@ bool IsOption(const std::string &word) {
 
 const Option &FindOption(const Command &command, const std::string &name) {
     const auto found = std::ranges::find(command.options, name, &Option::name);
-    if (found == command.options.end())
-        throw UsageError("unknown option '" + name + "'");
+    if (found == command.options.end()) {
+        std::vector<std::string> names;
+        std::ranges::transform(command.options, std::back_inserter(names), &Option::name);
+        throw UsageError("unknown option '" + name + "'" + Suggestion(name, names));
+    }
     return *found;
-}
-
-void CheckInteger(const Option &option, const QString &text) {
-    bool fits, isWhole;
-    text.toInt(&fits);
-    text.toLongLong(&isWhole);
-    if (!fits)
-        throw UsageError(option.name + ": '" + text.toStdString() + "' is " +
-                         (isWhole ? "too large a number" : "not a whole number"));
-}
-
-void CheckNumber(const Option &option, const QString &text) {
-    bool ok;
-    text.toDouble(&ok);
-    if (!ok)
-        throw UsageError(option.name + ": '" + text.toStdString() + "' is not a number");
 }
 
 class Parser {
@@ -68,10 +57,12 @@ private:
         if (option.value == Value::None)
             return;
         values.push_back(equals == std::string::npos ? NextWord(option) : word.substr(equals + 1));
+        if (option.value == Value::File && values.back().empty())
+            throw UsageError(option.name + ": the name of the file is empty");
         if (option.value == Value::Integer)
-            CheckInteger(option, QString::fromStdString(values.back()));
+            ReadInteger(option.name, values.back());
         if (option.value == Value::Number)
-            CheckNumber(option, QString::fromStdString(values.back()));
+            ReadNumber(option.name, values.back());
     }
 
     std::string NextWord(const Option &option) {
@@ -83,6 +74,8 @@ private:
     void TakeOperand(const std::string &word) {
         if (m_command.operand.empty() || m_hasOperand)
             throw UsageError("unexpected argument '" + word + "'");
+        if (word.empty())
+            throw UsageError(m_command.operand + ": the name of the file is empty");
         m_arguments.operand = word;
         m_hasOperand = true;
     }
@@ -110,6 +103,22 @@ bool AsksForHelp(const std::vector<std::string> &words) {
 
 } // namespace
 
+int ReadInteger(const std::string &option, const std::string &text) {
+    if (const std::optional<int> number = base::ReadInteger(text))
+        return *number;
+    const bool isWhole =
+        base::ReadNumber(text) && text.find_first_not_of("+-0123456789 ") == std::string::npos;
+    throw UsageError(option + ": '" + text + "' is " +
+                     (isWhole ? "too large a number" : "not a whole number"));
+}
+
+double ReadNumber(const std::string &option, const std::string &text) {
+    const std::optional<double> number = base::ReadNumber(text);
+    if (!number)
+        throw UsageError(option + ": '" + text + "' is not a number");
+    return *number;
+}
+
 std::string Arguments::Text(const std::string &option) const {
     const auto found = values.find(option);
     return found == values.end() || found->second.empty() ? std::string() : found->second.back();
@@ -123,18 +132,22 @@ std::vector<std::string> Arguments::Texts(const std::string &option) const {
 std::optional<std::vector<std::string>> Arguments::List(const std::string &option) const {
     if (!Has(option))
         return {};
-    std::vector<std::string> parts;
-    for (const QString &part : QString::fromStdString(Text(option)).split(','))
-        parts.push_back(part.toStdString());
+    std::vector<std::string> parts(1);
+    for (const char character : Text(option)) {
+        if (character == ',')
+            parts.emplace_back();
+        else
+            parts.back() += character;
+    }
     return parts;
 }
 
 int Arguments::Integer(const std::string &option) const {
-    return QString::fromStdString(Text(option)).toInt();
+    return Has(option) ? ReadInteger(option, Text(option)) : 0;
 }
 
 double Arguments::Number(const std::string &option) const {
-    return QString::fromStdString(Text(option)).toDouble();
+    return Has(option) ? ReadNumber(option, Text(option)) : 0;
 }
 
 Arguments ParseArguments(const Command &command, const std::vector<std::string> &words) {

@@ -25,10 +25,15 @@ struct Arguments {
     double Number(const std::string &option) const;
 };
 
+/// The number that an option's value is, in the C locale, blanks around it allowed. Throw UsageError where it
+/// is none, or beyond an int.
+int ReadInteger(const std::string &option, const std::string &text);
+double ReadNumber(const std::string &option, const std::string &text);
+
 /// Takes the words after the subcommand's name apart: "--option value", "--option=value", and the operand;
 /// after "--" everything is an operand. A value may begin with one dash (-5), not with two. Throws
-/// UsageError, naming the option: unknown, repeated, without its value or with one that is no number,
-/// required and missing.
+/// UsageError, naming the option: unknown (with the name that was probably meant), repeated, without its
+/// value or with one that is no number, required and missing.
 Arguments ParseArguments(const Command &command, const std::vector<std::string> &words);
 
 } // namespace cli

@@ -1,5 +1,7 @@
 #include "cli/Diagnostics.h"
 
+#include "cli/Printable.h"
+
 #include <QtGlobal>
 
 #include <QString>
@@ -31,7 +33,7 @@ void SetProgramName(const std::string &name) {
 void Tell(const std::string &text) {
     // A progress bar may stand on the terminal's current line.
     static const std::string eraseLine = isatty(STDERR_FILENO) ? "\r\033[K" : "";
-    std::cerr << eraseLine + ProgramName() + ": " + text + '\n' << std::flush;
+    std::cerr << eraseLine + ProgramName() + ": " + Printable(text) + '\n' << std::flush;
 }
 
 void Warn(const std::string &text) {

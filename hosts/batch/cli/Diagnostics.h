@@ -9,7 +9,7 @@ namespace cli {
 /// The name that stands before every message, "morvanex" until a subcommand runs.
 void SetProgramName(const std::string &name);
 
-/// "morvanex fit: ...", a line of its own.
+/// "morvanex fit: ...", a line of its own. Control characters of the text are escaped.
 void Tell(const std::string &text);
 /// "morvanex fit: warning: ...", a line of its own.
 void Warn(const std::string &text);

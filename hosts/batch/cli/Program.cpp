@@ -3,9 +3,11 @@
 #include "cli/CommandLine.h"
 #include "cli/Diagnostics.h"
 #include "cli/Help.h"
+#include "cli/Suggestion.h"
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <new>
 
 namespace cli {
@@ -14,8 +16,11 @@ namespace {
 
 const Command &FindCommand(const std::vector<Command> &commands, const std::string &name) {
     const auto found = std::ranges::find(commands, name, &Command::name);
-    if (found == commands.end())
-        throw UsageError("unknown command '" + name + "'");
+    if (found == commands.end()) {
+        std::vector<std::string> names;
+        std::ranges::transform(commands, std::back_inserter(names), &Command::name);
+        throw UsageError("unknown command '" + name + "'" + Suggestion(name, names));
+    }
     return *found;
 }
 

@@ -36,9 +36,10 @@ std::string BarText(std::size_t done, std::size_t total, std::size_t width) {
     return bar;
 }
 
-ProgressBar::ProgressBar(bool visible)
+ProgressBar::ProgressBar(bool visible, Clock::duration silence)
     : m_visible(visible)
-    , m_terminal(isatty(STDERR_FILENO)) {}
+    , m_terminal(isatty(STDERR_FILENO))
+    , m_firstLine(Clock::now() + silence) {}
 
 ProgressBar::~ProgressBar() {
     if (!m_drawn.empty())
@@ -63,7 +64,7 @@ void ProgressBar::Show(std::size_t done, std::size_t total, double seconds) {
 
 void ProgressBar::ShowTenth(std::size_t done, std::size_t total, const std::string &remaining) {
     const std::size_t tenths = Percent(done, total) / 10;
-    if (tenths <= m_tenths)
+    if (tenths <= m_tenths || Clock::now() < m_firstLine)
         return;
     m_tenths = tenths;
     Tell(std::to_string(Percent(done, total)) + " % done" + remaining);

@@ -1,16 +1,19 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 
 namespace cli {
 
 /// How far a search is, on standard error: on a terminal one line with a bar that is drawn over itself, else
-/// (a log file, a pipe) a plain line for every tenth of the work.
+/// (a log file, a pipe) a plain line for every tenth of the work; no line in the first two seconds.
 class ProgressBar {
 public:
-    /// Shows nothing unless `visible`.
-    explicit ProgressBar(bool visible);
+    using Clock = std::chrono::steady_clock;
+
+    /// Shows nothing unless `visible`, and no plain line before `silence` has passed.
+    explicit ProgressBar(bool visible, Clock::duration silence = std::chrono::seconds(2));
     ProgressBar(const ProgressBar &) = delete;
     ProgressBar &operator=(const ProgressBar &) = delete;
     /// Takes the bar off the terminal.
@@ -24,6 +27,7 @@ private:
 
     bool m_visible;
     bool m_terminal;
+    Clock::time_point m_firstLine; ///< no plain line before
     std::size_t m_tenths = 0;
     std::string m_drawn;
 };

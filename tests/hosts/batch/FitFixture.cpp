@@ -64,8 +64,16 @@ void WriteTestMap(const std::string &file) {
 
 } // namespace
 
-const std::vector<std::string> FitFixture::longSearch{
-    "--axis", "3", "--rotation-step", "5", "--translation-steps", "25", "--translation-step", "0.3"};
+const std::vector<std::string> FitFixture::longSearch{"--axis",
+                                                      "3",
+                                                      "--rotation-step",
+                                                      "0.3",
+                                                      "--threads",
+                                                      "1",
+                                                      "--translation-steps",
+                                                      "25",
+                                                      "--translation-step",
+                                                      "0.3"};
 
 FitFixture::FitFixture()
     : m_chainA(ChainRecords('A', {20, 20, 20}))

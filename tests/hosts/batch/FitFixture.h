@@ -32,7 +32,7 @@ protected:
     /// Names and contents of the files in the folder.
     std::map<std::string, std::string> Contents() const;
 
-    /// Options of a search of a second or more, with 321 axes and 25³ translations.
+    /// Options of a search of more than two seconds, with 321 axes and 25³ translations.
     static const std::vector<std::string> longSearch;
 
     const std::string m_chainA, m_chainB; ///< as PDB records

@@ -16,9 +16,10 @@ namespace {
     dup2(output, STDOUT_FILENO);
     dup2(errors, STDERR_FILENO);
     // Test drivers in the background ignore the keyboard's signals.
-    std::signal(SIGINT, SIG_DFL);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signal, SIG_DFL);
     if (fileSizeLimit >= 0) {
-        std::signal(SIGXFSZ, SIG_IGN);
+        std::signal(SIGXFSZ, SIG_DFL);
         const rlimit limit{rlim_t(fileSizeLimit), rlim_t(fileSizeLimit)};
         setrlimit(RLIMIT_FSIZE, &limit);
     }

@@ -3,7 +3,7 @@
 
 #include "Collect.h"
 #include "formats/structures/StructureFile.h"
-#include "hosts/common/FitRecord.h"
+#include "hosts/common/FitJson.h"
 
 #include <cmath>
 #include <fstream>
@@ -119,7 +119,7 @@ TEST_F(Build, SaysWhichLinesWereSkipped) {
     const Outcome outcome = Run(Words("1"));
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "morvanex build: warning: " + m_results +
-                                  ": skipped 2 without the eight numbers of a solution: line 1, 5\n");
+                                  ": skips 2 lines without the eight numbers of a solution: 1, 5\n");
 }
 
 TEST_F(Build, RefusesARankOutsideTheList) {
@@ -149,6 +149,21 @@ TEST_F(Build, RefusesAResultsFileThatIsNone) {
     m_results = m_folder.File("absent.txt");
     EXPECT_THAT(ErrorOf(Words("1")), StartsWith("absent.txt: "));
     EXPECT_THAT(FilesOfFolder(), ElementsAre("fit.txt", "in.pdb"));
+}
+
+TEST_F(Build, RefusesAnEmptyFileName) {
+    m_results.clear();
+    const Outcome outcome = Run(Words("1"));
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.errors,
+              "morvanex build: error: --results: the name of the file is empty (--help explains "
+              "the options)\n");
+    EXPECT_EQ(Run({"info", ""}).status, 2);
+}
+
+TEST_F(Build, ShowsControlCharactersOfFileNamesEscaped) {
+    m_out = m_folder.File("o\x1b[31mut\n.pdb");
+    EXPECT_THAT(OutputOf(Words("1")), HasSubstr("o\\x1b[31mut\\n.pdb\n"));
 }
 
 TEST_F(Build, RefusesATargetThatIsNone) {

@@ -6,7 +6,7 @@
 #include "TestData.h"
 #include "formats/structures/StructureFile.h"
 #include "hosts/common/Chains.h"
-#include "hosts/common/FitRecord.h"
+#include "hosts/common/FitJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -92,7 +92,7 @@ public:
         words.insert(words.end(), {"--json", folder.File("fit.json")});
         const Outcome outcome = RunProgramProcess(words);
         EXPECT_EQ(outcome.status, 0) << outcome.errors;
-        return ReadFitJson("fit.json", ReadFile(folder.File("fit.json")));
+        return ReadFitJson("fit.json", ReadFile(folder.File("fit.json"))).solutions;
     }
 
     /// Root mean square distance in Å of the target's residues from one of their right places.

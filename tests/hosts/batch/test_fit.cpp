@@ -1,8 +1,8 @@
 #include "FitFixture.h"
 
 #include "hosts/common/Chains.h"
+#include "hosts/common/FitJson.h"
 #include "hosts/common/FitOptions.h"
-#include "hosts/common/FitRecord.h"
 
 #include "Collect.h"
 #include "Messages.h"
@@ -47,7 +47,7 @@ nlohmann::json WithoutTime(const std::string &file) {
 
 /// The solutions of a JSON file.
 std::vector<SolutionScore> Saved(const std::string &file) {
-    return ReadFitJson(file, ReadFile(file));
+    return ReadFitJson(file, ReadFile(file)).solutions;
 }
 
 /// A monitor that lets the search run.
@@ -241,7 +241,7 @@ TEST_F(Fit, SaysWhatScoresAreComparedWith) {
         RunFit({"--solid", File("model.pdb"), "--translation-step", "8"}).output,
         ContainsRegex(
             "\nScores are compared with those [0-9]+ of 1809 poses, spread evenly over the search, that do "
-            "not collide:\nmean [0-9.]+, standard deviation \\(SD\\) [0-9.]+\\.\n"));
+            "not clash:\nmean [0-9.]+, standard deviation \\(SD\\) [0-9.]+\\.\n"));
 }
 
 TEST_F(Fit, GivesRanksInTheFileWhereTheListIsUnsorted) {
@@ -257,10 +257,11 @@ TEST_F(Fit, GivesRanksInTheFileWhereTheListIsUnsorted) {
 }
 
 TEST_F(Fit, KeepsProgressApartFromResults) {
-    const Outcome loud = RunFit(), quiet = RunFit({"--quiet"});
+    const Outcome loud = RunFit(longSearch), quiet = RunFit({"--quiet"});
     EXPECT_THAT(loud.errors, HasSubstr("morvanex fit: 100 % done"));
     EXPECT_THAT(loud.output, Not(HasSubstr("% done")));
     EXPECT_EQ(quiet.errors, "");
+    EXPECT_EQ(RunFit().errors, "") << "a short search needs no progress";
     EXPECT_THAT(quiet.output, Not(HasSubstr("Map  ")));
     EXPECT_THAT(quiet.output, HasSubstr("Rank "));
 }
@@ -314,7 +315,7 @@ TEST_F(Fit, SaysWhatWasReadOtherwiseThanItStands) {
     EXPECT_THAT(outcome.errors, HasSubstr("finite"));
     EXPECT_THAT(outcome.errors,
                 HasSubstr("warning: " + File("odd.pdb") +
-                          ": chain A: 1 residue without a position (an atom CA, C4' or P) left out\n"));
+                          ": chain A: skips 1 residue without a position (an atom CA, C4' or P)\n"));
     EXPECT_THAT(outcome.errors,
                 HasSubstr("warning: " + File("restraints.txt") +
                           ": the target has no residue of that name with a position: ALA99\n"));
@@ -331,8 +332,9 @@ TEST_F(Fit, TellsWhenNoPoseIsAccepted) {
                                     File("r"), "--translation-steps", "1", "--rotation-step", "360"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("0 accepted, 0 kept\n"));
-    EXPECT_THAT(outcome.errors,
-                HasSubstr("warning: no pose was accepted: the target runs into the solid everywhere"));
+    EXPECT_THAT(
+        outcome.errors,
+        HasSubstr("warning: no pose was accepted: the target clashes with the fixed chains everywhere"));
     EXPECT_EQ(ReadFile(File("r")), SolutionScore::getFormatComment().toStdString() + '\n');
 }
 
@@ -542,33 +544,56 @@ TEST_F(Fit, NoticesThatStandardOutputIsFull) {
     EXPECT_EQ(ReadFile(File("errors")), "morvanex fit: error: standard output cannot be written\n");
 }
 
-// Ctrl-C
+// Signals
 
-TEST_F(Fit, StopsAtCtrlCAndWritesWhatWasFound) {
-    std::vector<std::string> words = Words(longSearch);
-    words.insert(words.end(), {"--results", File("r"), "--json", File("j"), "--models", "1", "--model-prefix",
-                               File("m-")});
-    Process process(words);
-    ASSERT_TRUE(process.WaitFor("% done"));
-    process.Send(SIGINT);
-    const Outcome outcome = process.Finish();
-    EXPECT_EQ(outcome.status, 130);
-    EXPECT_THAT(outcome.errors,
-                HasSubstr("\nStopping at the end of the current axis; Ctrl-C again ends at once.\n"));
-    EXPECT_THAT(outcome.errors,
-                ContainsRegex("warning: stopped by Ctrl-C after [0-9]+ of 321 axes; what was found by then "
-                              "is written\n"));
-    EXPECT_THAT(outcome.output, HasSubstr("20 kept"));
-    EXPECT_EQ(Lines(ReadFile(File("r"))).size(), 21u);
-    EXPECT_EQ(Saved(File("j")).size(), 20u);
-    EXPECT_TRUE(std::filesystem::exists(File("m-1.pdb")));
-    const auto json = nlohmann::json::parse(ReadFile(File("j")));
-    EXPECT_LT(json["counts"]["axesDone"], 321);
-    EXPECT_EQ(json["counts"]["poses"],
-              15625 * (1 + int(json["counts"]["axesDone"]) * int(json["counts"]["angles"])));
+TEST_F(Fit, StopsAtASignalAndWritesWhatWasFound) {
+    for (const auto &[signal, name] :
+         {std::pair(SIGINT, "Ctrl-C"), std::pair(SIGTERM, "SIGTERM"), std::pair(SIGHUP, "SIGHUP")}) {
+        SCOPED_TRACE(name);
+        std::vector<std::string> words = Words(longSearch);
+        words.insert(words.end(), {"--results", File("r"), "--json", File("j"), "--models", "1",
+                                   "--model-prefix", File("m-")});
+        Process process(words);
+        ASSERT_TRUE(process.WaitFor("% done"));
+        process.Send(signal);
+        const Outcome outcome = process.Finish();
+        EXPECT_EQ(outcome.status, 128 + signal);
+        EXPECT_THAT(outcome.errors, HasSubstr("\nStopping at the end of the current axis; "));
+        EXPECT_THAT(outcome.errors,
+                    ContainsRegex("warning: stopped by " + std::string(name) +
+                                  " after [0-9]+ of 321 axes; what was found by then is written\n"));
+        EXPECT_THAT(outcome.output, HasSubstr("20 kept"));
+        EXPECT_EQ(Lines(ReadFile(File("r"))).size(), 21u);
+        EXPECT_EQ(Saved(File("j")).size(), 20u);
+        EXPECT_TRUE(std::filesystem::exists(File("m-1.pdb")));
+        const auto json = nlohmann::json::parse(ReadFile(File("j")));
+        EXPECT_LT(json["counts"]["axesDone"], 321);
+        EXPECT_EQ(json["counts"]["poses"],
+                  15625 * (1 + int(json["counts"]["axesDone"]) * int(json["counts"]["angles"])));
+        for (const char *file : {"r", "j", "m-1.pdb"})
+            std::filesystem::remove(File(file));
+    }
 }
 
-TEST_F(Fit, EndsAtOnceAtTheSecondCtrlC) {
+TEST_F(Fit, SaysAtASignalHowLongALongAxisWillTake) {
+    std::vector<std::string> words = Words({"--translation-steps", "51", "--rotation-step", "0.01"});
+    words.insert(words.end(), {"--log", File("log")});
+    Process process(words);
+    // The log is written to the disk when the first pass has ended, after a buffer's worth at the latest.
+    ASSERT_TRUE(process.WaitFor("Search "));
+    while (!std::filesystem::exists(File("log")) ||
+           std::filesystem::file_size(File("log")) < 51 * 51 * 51 * 61)
+        usleep(1000);
+    usleep(100'000);
+    process.Send(SIGINT);
+    ASSERT_TRUE(process.WaitFor("at once"));
+    process.Send(SIGINT);
+    EXPECT_THAT(
+        process.Finish().errors,
+        ContainsRegex("Stopping at the end of the current axis, within about [0-9]+ (h|min); Ctrl-C again"));
+}
+
+TEST_F(Fit, EndsAtOnceAtTheSecondSignal) {
     std::vector<std::string> words = Words({"--translation-steps", "51", "--rotation-step", "0.01"});
     words.insert(words.end(), {"--results", File("r"), "--log", File("log")});
     Process process(words);
@@ -581,4 +606,46 @@ TEST_F(Fit, EndsAtOnceAtTheSecondCtrlC) {
     EXPECT_EQ(process.Finish().status, 130);
     EXPECT_FALSE(std::filesystem::exists(File("r")));
     EXPECT_EQ(Contents().size(), 3u) << "map, model and log";
+}
+
+// How the process was started
+
+TEST_F(Fit, KeepsMessagesOutOfTheLogWhereStreamsAreClosed) {
+    RunFit({"--log", File("expected")});
+    std::string command = MORVANEX_PROGRAM;
+    for (const std::string &word : Words({"--log", File("log"), "--keep", "0"}))
+        command += " '" + word + "'";
+    EXPECT_EQ(WEXITSTATUS(std::system((command + " <&- >&- 2>&-").c_str())), 0);
+    EXPECT_EQ(ReadFile(File("log")), ReadFile(File("expected")));
+}
+
+// Numbers and settings
+
+TEST_F(Fit, RefusesNumbersBeyondSinglePrecision) {
+    ExpectRefused({"--solid", File("model.pdb"), "--inclusion-distance", "1e300"},
+                  "--inclusion-distance: 1e+300 is not");
+    ExpectRefused({"--translation-step", "1e39", "--json", File("j")}, "--translation-step: 1e+39 is not");
+}
+
+TEST_F(Fit, SavesAnInfiniteInclusionDistance) {
+    EXPECT_EQ(
+        RunFit({"--solid", File("model.pdb"), "--inclusion-distance", "inf", "--json", File("j")}).status, 0);
+    EXPECT_THAT(ReadFile(File("j")), HasSubstr("\"inclusionDistance\": \"inf\"\n"));
+    EXPECT_EQ(Saved(File("j")).size(), 20u);
+}
+
+TEST_F(Fit, WarnsOfATargetThatNeverTouchesTheMap) {
+    std::string far = m_chainA;
+    for (std::size_t line = 0; line < far.size(); line = far.find('\n', line) + 1)
+        if (far.compare(line, 4, "ATOM") == 0)
+            far.replace(line + 30, 8, "9000.000");
+    const Outcome outcome = RunFit({"--target", Put("far.pdb", far + "END\n"), "--keep", "3"});
+    EXPECT_EQ(outcome.status, 0);
+    const std::string warning =
+        "morvanex fit: warning: no pose of the search touches the map: the target lies 8,9";
+    const std::size_t first = outcome.errors.find(warning);
+    EXPECT_NE(first, std::string::npos) << outcome.errors;
+    EXPECT_NE(outcome.errors.find(warning, first + 1), std::string::npos) << "before and after";
+    EXPECT_THAT(outcome.errors, HasSubstr(" Å from it; are both in one frame?\n"));
+    EXPECT_EQ(RunFit().errors, "");
 }

@@ -88,23 +88,35 @@ TEST_F(Simulate, WarnsOfAtomsOfUnknownElements) {
                              "ATOM 3 C CA ALA A 2 3 0 0\n");
     const Outcome outcome = Run(Words("8", "2"));
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.errors, HasSubstr("1 atom of an unknown element is left out"));
+    EXPECT_THAT(outcome.errors, HasSubstr("skips 1 atom of unknown element"));
     EXPECT_THAT(outcome.output, HasSubstr("2 atoms"));
 }
 
 TEST_F(Simulate, RefusesNumbersThatMakeNoMap) {
-    EXPECT_EQ(ErrorOf(Words("0", "2")), "--resolution 0: must be a positive number of Å\n");
-    EXPECT_EQ(ErrorOf(Words("8", "-1")), "--voxel -1: must be a positive number of Å\n");
-    EXPECT_EQ(ErrorOf(Words("nan", "1")), "--resolution nan: must be a positive number of Å\n");
+    EXPECT_EQ(ErrorOf(Words("0", "2")), "--resolution 0: must be a number from 0.1 to 1000 Å\n");
+    EXPECT_EQ(ErrorOf(Words("8", "-1")), "--voxel -1: must be a number from 0.001 to 1000 Å\n");
+    EXPECT_EQ(ErrorOf(Words("nan", "1")), "--resolution nan: must be a number from 0.1 to 1000 Å\n");
     EXPECT_EQ(ErrorOf(Words("8", "1", {"--noise", "-0.5"})),
-              "--noise -0.5: must be 0 or more standard deviations\n");
+              "--noise -0.5: must be a number from 0 to 1000 standard deviations\n");
+    EXPECT_EQ(ErrorOf(Words("1e30", "1")), "--resolution 1e+30: must be a number from 0.1 to 1000 Å\n");
+    EXPECT_EQ(ErrorOf(Words("8", "1e4")), "--voxel 10000: must be a number from 0.001 to 1000 Å\n");
+    EXPECT_EQ(ErrorOf(Words("8", "1", {"--noise", "1e30"})),
+              "--noise 1e+30: must be a number from 0 to 1000 standard deviations\n");
     EXPECT_EQ(Run(Words("8 A", "1")).status, 2);
     EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
 }
 
 TEST_F(Simulate, RefusesABoxThatMemoryCannotHold) {
     EXPECT_THAT(ErrorOf(Words("8", "0.001")), AllOf(StartsWith("in.pdb: a map of 43"), HasSubstr("GiB")));
-    EXPECT_THAT(ErrorOf(Words("1e9", "1e3")), HasSubstr("GiB"));
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
+}
+
+TEST_F(Simulate, RefusesBeforeTheWorkWhatAMapFileCannotHold) {
+    m_model = m_folder.Write(
+        "in.pdb", "ATOM      1  CA  ALA A   1      10.000   2.000   3.000  1.00 11.00           C  \n"
+                  "ATOM      2  CA  GLY A   2    9999.000   4.000   0.000  1.00 12.00           C  \n");
+    EXPECT_THAT(ErrorOf(Words("1", "0.15")),
+                HasSubstr("is beyond what a file holds, 65535 voxels along each axis"));
     EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
 }
 

@@ -2,7 +2,7 @@
 
 #include "TemporaryFolder.h"
 #include "formats/files/FileError.h"
-#include "hosts/common/FitRecord.h"
+#include "hosts/common/FitJson.h"
 #include "solutions/ResultsFile.h"
 
 #include <gmock/gmock.h>
@@ -113,11 +113,19 @@ TEST_F(SavedLists, SkippedLinesAreNamed) {
 
 TEST_F(SavedLists, ALineWithLettersKeepsItsRankAndIsNotBuilt) {
     const std::string letters = "a b c d e f g hh\n";
-    EXPECT_THAT(Read(letters + worst + best).doubtful, ElementsAre(Pair(3, 1)));
+    EXPECT_THAT(Read(letters + worst + best).problems,
+                ElementsAre(Pair(3, "line 1 holds a word that is no number")));
     EXPECT_EQ(ErrorOfRank(letters + worst + best, 3), "list: rank 3: line 1 holds a word that is no number");
     EXPECT_EQ(ErrorOfRank(letters + worst + best, 1), "no error");
     EXPECT_EQ(ErrorOfRank(worst + "nan 0 0 0 0 0 0 0.00\n", 1),
               "list: rank 1: its pose holds a number that is not finite");
+}
+
+TEST_F(SavedLists, ABrokenSolutionOfAJsonFileIsNotBuilt) {
+    std::string text = Json({SolutionScore(), SolutionScore()});
+    text.replace(text.find("rotation", text.find("\"rank\":2")), 8, "notation");
+    EXPECT_EQ(ErrorOfRank(text, 2), "list: rank 2: rotation is missing");
+    EXPECT_EQ(ErrorOfRank(text, 1), "no error");
 }
 
 TEST_F(SavedLists, WhatIsNoListIsRefused) {
@@ -129,8 +137,8 @@ TEST_F(SavedLists, WhatIsNoListIsRefused) {
     EXPECT_EQ(ErrorOf("a letter to somebody, in more than eight words\n"),
               "list: no line holds the eight numbers of a solution");
     EXPECT_EQ(ErrorOf(Json({})), "list: solutions: the list is empty");
-    EXPECT_THAT(ErrorOf("{"), HasSubstr("list: is not JSON: "));
-    EXPECT_THAT(ErrorOf("{\"a\": 1}"), HasSubstr("key 'solutions' not found"));
+    EXPECT_EQ(ErrorOf("{"), "list: line 1: is not JSON: it ends too early");
+    EXPECT_EQ(ErrorOf("{\"a\": 1}"), "list: format: is missing");
     EXPECT_THAT(ErrorOfFile(m_folder.File("absent")), HasSubstr("No such file"));
     EXPECT_THAT(ErrorOfFile(m_folder.Path() + "/."), HasSubstr("directory"));
 }

@@ -179,16 +179,18 @@ TEST(Simulation, AtomsWeighAsMuchAsTheirElement) {
     EXPECT_EQ(atoms[0].position, Vertex(1, 2, 3, true));
 }
 
-TEST(Simulation, RefusesSettingsThatAreNoPositiveNumbers) {
+TEST(Simulation, RefusesSettingsOutOfRange) {
     const double nan = std::numeric_limits<double>::quiet_NaN(),
                  inf = std::numeric_limits<double>::infinity();
-    for (const double bad : {0.0, -8.0, nan, inf}) {
+    for (const double bad : {0.0, -8.0, 1e-4, 1001.0, nan, inf}) {
         EXPECT_THAT(RefuseSettings({bad, 2}).toStdString(), HasSubstr("resolution"));
         EXPECT_THAT(RefuseSettings({8, bad}).toStdString(), HasSubstr("voxel"));
     }
-    for (const double bad : {-0.5, nan, inf})
+    for (const double bad : {-0.5, 1001.0, nan, inf})
         EXPECT_THAT(RefuseSettings({8, 2, bad}).toStdString(), HasSubstr("noise"));
     EXPECT_TRUE(RefuseSettings({8, 2}).isEmpty());
+    EXPECT_TRUE(RefuseSettings({0.1, 0.001, 1000}).isEmpty());
+    EXPECT_TRUE(RefuseSettings({1000, 1000}).isEmpty());
 }
 
 TEST(Simulation, RefusesABoxBeyondTheMachine) {
@@ -200,4 +202,14 @@ TEST(Simulation, RefusesABoxBeyondTheMachine) {
     EXPECT_THAT(RefuseBox(LayOutBox(threeAtoms, broad), 1'000'000, broad).toStdString(),
                 HasSubstr("additions"));
     EXPECT_TRUE(RefuseBox(LayOutBox(threeAtoms, {8, 2}), 3, {8, 2}).isEmpty());
+}
+
+TEST(Simulation, RefusesABoxThatAMapFileCannotHold) {
+    const SimulationSettings settings{1, 1};
+    const std::vector<Scatterer> apart = {{Vertex(0, 0, 0, true), 6}, {Vertex(1e5f, 0, 0, true), 6}};
+    EXPECT_THAT(RefuseBox(LayOutBox(apart, settings), 2, settings).toStdString(),
+                HasSubstr("is beyond what a file holds, 65535 voxels along each axis"));
+    const std::vector<Scatterer> far = {{Vertex(0, 2e6f, 0, true), 6}};
+    EXPECT_EQ(RefuseBox(LayOutBox(far, settings), 1, settings).toStdString(),
+              "the map would begin 2e+06 Å from the frame's origin; the limit is 1e+06 Å");
 }

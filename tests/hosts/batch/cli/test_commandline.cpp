@@ -12,7 +12,7 @@ const Command command{
     .name = "try",
     .summary = "",
     .description = "",
-    .options = {{"--map", Value::Text, "FILE", "", "", true},
+    .options = {{"--map", Value::File, "FILE", "", "", true},
                 {"--solid", Value::Text, "FILE", "", "", false, true},
                 {"--axis", Value::Integer, "N", "", ""},
                 {"--step", Value::Number, "A", "", ""},
@@ -61,14 +61,14 @@ TEST(ParseArguments, KeepsTheOrderOfARepeatableOption) {
 
 TEST(ParseArguments, TakesBlankEmptyAndNegativeValues) {
     EXPECT_EQ(ParseArguments(command, {"--map", " "}).Text("--map"), " ");
-    EXPECT_EQ(ParseArguments(command, {"--map", ""}).Text("--map"), "");
-    EXPECT_EQ(ParseArguments(command, {"--map="}).Text("--map"), "");
+    EXPECT_EQ(ParseArguments(command, {"--map", "m", "--solid", ""}).Text("--solid"), "");
+    EXPECT_EQ(ParseArguments(command, {"--map", "m", "--solid="}).Text("--solid"), "");
     EXPECT_EQ(ParseArguments(command, {"--map=--odd=name"}).Text("--map"), "--odd=name");
     EXPECT_EQ(ParseArguments(command, {"--map", "m", "--axis", "-5"}).Integer("--axis"), -5);
 }
 
 TEST(ParseArguments, NamesTheOptionThatIsWrong) {
-    EXPECT_EQ(ErrorOf({"--map", "m", "--maps", "x"}), "unknown option '--maps'");
+    EXPECT_EQ(ErrorOf({"--map", "m", "--colour", "x"}), "unknown option '--colour'");
     EXPECT_EQ(ErrorOf({"--map", "m", "-q"}), "unknown option '-q'");
     EXPECT_EQ(ErrorOf({"--map", "m", "--map", "n"}), "--map is given twice");
     EXPECT_EQ(ErrorOf({"--map", "m", "--quiet", "--quiet"}), "--quiet is given twice");
@@ -77,6 +77,17 @@ TEST(ParseArguments, NamesTheOptionThatIsWrong) {
     EXPECT_EQ(ErrorOf({"--quiet"}), "--map FILE is missing");
     EXPECT_EQ(ErrorOf({"--map", "m", "--quiet=yes"}), "--quiet takes no value");
     EXPECT_EQ(ErrorOf({"--map", "m", "stray"}), "unexpected argument 'stray'");
+}
+
+TEST(ParseArguments, SuggestsTheOptionThatWasMeant) {
+    EXPECT_EQ(ErrorOf({"--mpa", "m"}), "unknown option '--mpa'; did you mean --map?");
+    EXPECT_EQ(ErrorOf({"--sold=m"}), "unknown option '--sold'; did you mean --solid?");
+}
+
+TEST(ParseArguments, RefusesAnEmptyFileName) {
+    EXPECT_EQ(ErrorOf({"--map", ""}), "--map: the name of the file is empty");
+    EXPECT_EQ(ErrorOf({"--map="}), "--map: the name of the file is empty");
+    EXPECT_EQ(ErrorOf({""}, WithOperand()), "FILE: the name of the file is empty");
 }
 
 TEST(ParseArguments, RefusesWhatIsNoNumber) {

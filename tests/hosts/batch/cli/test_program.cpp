@@ -24,7 +24,7 @@ std::vector<Command> Commands() {
         if (arguments.operand == "exhaust")
             throw std::bad_alloc();
         if (arguments.operand == "interrupt")
-            return Interrupted;
+            return 143;
         std::cout << "done " << arguments.operand << '\n';
         return Succeeded;
     };
@@ -61,7 +61,7 @@ TEST(RunProgram, ReportsAFailure) {
 }
 
 TEST(RunProgram, PassesTheExitStatusOn) {
-    EXPECT_EQ(OutcomeOf({"do", "interrupt"}).status, 130);
+    EXPECT_EQ(OutcomeOf({"do", "interrupt"}).status, 143);
 }
 
 TEST(RunProgram, TellsWrongUsage) {
@@ -71,9 +71,18 @@ TEST(RunProgram, TellsWrongUsage) {
     const Outcome unknown = OutcomeOf({"undo"});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_THAT(unknown.errors, StartsWith("morvanex: error: unknown command 'undo'"));
+    EXPECT_THAT(OutcomeOf({"od", "it"}).errors, HasSubstr("unknown command 'od'; did you mean do? (--help"));
     const Outcome wrongOption = OutcomeOf({"do", "--quickly", "it"});
     EXPECT_EQ(wrongOption.status, 2);
     EXPECT_THAT(wrongOption.errors, StartsWith("morvanex do: error: unknown option '--quickly'"));
+}
+
+TEST(RunProgram, ExplainsTheExitStatus) {
+    const std::string help = OutcomeOf({"--help"}).output, manual = OutcomeOf({"--man"}).output;
+    for (const std::string status : {"0 when", "1 when", "2 when", "130", "143", "129"}) {
+        EXPECT_THAT(help, HasSubstr(status));
+        EXPECT_THAT(manual, HasSubstr(status));
+    }
 }
 
 TEST(RunProgram, ShowsHelpOnStandardOutput) {
