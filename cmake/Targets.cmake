@@ -108,7 +108,7 @@ function(morvanex_fuzz name)
     if(MORVANEX_FUZZ)
         target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
     else()
-        target_sources(fuzz_${name} PRIVATE ReadSeeds.cpp)
+        target_link_libraries(fuzz_${name} PRIVATE morvanex_read_seeds)
         add_test(NAME Fuzz.ReadsItsSeeds_${name}
             COMMAND fuzz_${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
     endif()

@@ -31,7 +31,7 @@ void Read(const cli::Command &command, const std::vector<std::string> &words) {
             arguments.Number(option.name);
     }
     if (command.name == "fit")
-        hosts::CheckFitOptions(batch::ReadFitOptions(arguments));
+        hosts::CheckFitOptions(batch::ReadFitOptions(arguments, [](const std::string &) {}));
 }
 
 } // namespace
