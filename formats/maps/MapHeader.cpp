@@ -17,12 +17,12 @@ namespace formats {
 namespace {
 
 constexpr const char *axisNames[] = {"X", "Y", "Z"};
-constexpr std::int32_t mostVoxels = 65535;
+constexpr std::int32_t maxVoxels = 65535;
 /// FEI headers take up to 1 KiB per section; 64 MiB hold those of 65535 sections.
-constexpr std::int32_t mostExtendedBytes = 1 << 26;
-constexpr double smallestSpacing = 0.001, largestSpacing = 1000; // Å
-constexpr float largestCoordinate = 1e6f;                        // Å; a float still resolves 0.06 Å there
-constexpr float angleTolerance = 0.01f;                          // degrees
+constexpr std::int32_t maxExtendedBytes = 1 << 26;
+constexpr double minSpacing = 0.001, maxSpacing = 1000; // Å
+constexpr float maxCoordinate = 1e6f;                   // Å; a float still resolves 0.06 Å there
+constexpr float angleTolerance = 0.01f;                 // degrees
 /// Below this, in Å, an ORIGIN word is rounding noise, or an integer taken for a float.
 constexpr float originNoise = 1e-6f;
 constexpr std::size_t titleSize = 80;
@@ -94,7 +94,7 @@ unsigned BytesPerVoxel(std::int32_t mode) {
 }
 
 bool IsPlausibleCount(std::int32_t count) {
-    return count >= 1 && count <= mostVoxels;
+    return count >= 1 && count <= maxVoxels;
 }
 
 /// How many of dimensions and mode make sense in a byte order. Mode 0 makes sense in both.
@@ -201,16 +201,16 @@ private:
         for (unsigned i = 0; i < 3; ++i) {
             if (!IsPlausibleCount(m_header.counts[i]))
                 Refuse(std::string("N") + axisNames[i], Word::counts + i,
-                       Text(m_header.counts[i]) + " voxels, can only be 1 to " + Text(mostVoxels));
+                       Text(m_header.counts[i]) + " voxels, can only be 1 to " + Text(maxVoxels));
             m_layout.voxels *= std::uint64_t(m_header.counts[i]);
         }
     }
 
     void CheckExtendedHeader() {
-        if (m_header.extendedBytes < 0 || m_header.extendedBytes > mostExtendedBytes)
+        if (m_header.extendedBytes < 0 || m_header.extendedBytes > maxExtendedBytes)
             Refuse("NSYMBT", Word::extendedBytes,
                    Text(m_header.extendedBytes) + " bytes of extended header, can only be 0 to " +
-                       Text(mostExtendedBytes));
+                       Text(maxExtendedBytes));
         m_layout.fileBytes = MapHeader::size + std::uint64_t(m_header.extendedBytes) +
                              m_layout.voxels * m_layout.bytesPerVoxel;
     }
@@ -248,7 +248,7 @@ private:
                        Text(length) + " Å is no length of a cell, so the scale is unknown");
             CheckAngle(axis);
             m_spacing[axis] = double(length) / SamplesAlong(axis);
-            if (m_spacing[axis] < smallestSpacing || m_spacing[axis] > largestSpacing)
+            if (m_spacing[axis] < minSpacing || m_spacing[axis] > maxSpacing)
                 Refuse("CELLA " + name, Word::cell + axis,
                        Text(length) + " Å make voxels of " + Text(float(m_spacing[axis])) +
                            " Å, can only be 0.001 to 1000 Å");
@@ -268,9 +268,9 @@ private:
     double SamplesAlong(unsigned axis) {
         const std::int32_t samples = m_header.samples[axis];
         const std::string name = std::string("M") + axisNames[axis];
-        if (samples < 0 || samples > mostVoxels)
+        if (samples < 0 || samples > maxVoxels)
             Refuse(name, Word::samples + axis,
-                   Text(samples) + " samples, can only be 0 to " + Text(mostVoxels));
+                   Text(samples) + " samples, can only be 0 to " + Text(maxVoxels));
         if (samples > 0)
             return samples;
         Warn(Place(name, Word::samples + axis) + ": 0 samples; read as the number of voxels, " +
@@ -289,7 +289,7 @@ private:
 
     bool OriginIsPlausible() {
         for (unsigned axis = 0; axis < 3; ++axis)
-            if (!(std::abs(m_header.origin[axis]) <= largestCoordinate)) {
+            if (!(std::abs(m_header.origin[axis]) <= maxCoordinate)) {
                 Warn(Place(std::string("ORIGIN ") + axisNames[axis], Word::origin + axis) + ": " +
                      Text(m_header.origin[axis]) + " Å is no position; NSTART is used");
                 return false;
@@ -307,7 +307,7 @@ private:
         for (unsigned i = 0; i < 3; ++i) {
             const unsigned axis = m_layout.axisOf[i];
             const double position = m_header.starts[i] * m_spacing[axis];
-            if (std::abs(position) > largestCoordinate)
+            if (std::abs(position) > maxCoordinate)
                 Refuse(std::string("N") + axisNames[i] + "START", Word::starts + i,
                        Text(m_header.starts[i]) + " puts the map's first voxel at " + Text(float(position)) +
                            " Å");

@@ -81,7 +81,7 @@ public:
         } else if (record == "TER" && m_inModel && m_models == 1) {
             m_text += "TER\n";
         } else if (record == "MODEL" || record == "ENDMDL" || record == "END") {
-            // Trajectories come with ENDMDL or END alone between their models, and MODEL alone is seen too.
+            // Trajectories may have ENDMDL, END or MODEL alone between their models.
             m_inModel = false;
             if (record == "MODEL" && m_models == 0)
                 TakeModelNumber(line.substr(5));

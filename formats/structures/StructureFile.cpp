@@ -18,7 +18,7 @@ namespace {
 
 /// Far more than the largest model known (some 2.4 million atoms, 250 MB); the parsed text of an mmCIF file
 /// takes about eleven times its size in memory.
-constexpr std::size_t largest = std::size_t(512) << 20;
+constexpr std::size_t maxBytes = std::size_t(512) << 20;
 
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf", anyBlank = " \t\r\n";
 
@@ -50,7 +50,7 @@ bool IsMmcif(std::string_view text) {
 
 ParsedModel Parse(ByteSource &source, StructureReport &report) {
     const std::string &file = source.Name();
-    const std::string bytes = ReadBytes(source, largest);
+    const std::string bytes = ReadBytes(source, maxBytes);
     std::string_view text = bytes;
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());

@@ -10,6 +10,10 @@
 #include <zlib.h>
 
 #include <filesystem>
+#include <fstream>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -28,6 +32,13 @@ ATOM      3  CA  GLY A   2      14.117   7.001  -2.400  1.00 14.00           C1+
 TER       4      GLY A   2                                                      
 END                                                                             
 )";
+
+/// The address space that the process takes, bytes.
+rlim_t AddressSpace() {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages * std::size_t(sysconf(_SC_PAGE_SIZE));
+}
 
 TEST_F(ReadPdb, MakesClumpMoleculeChainResiduesAtoms) {
     Clump *clump = Read(dipeptide, "1abc.pdb");
@@ -406,6 +417,29 @@ TEST_F(ReadPdb, StaysQuickWhereEverythingIsOneResidue) {
     Read(text);
     EXPECT_EQ(m_report.chains.at(0).atoms, 50'000u);
     EXPECT_EQ(m_report.alternates, 49'999u);
+}
+
+TEST_F(ReadPdb, SaysThatTheMemoryRanOut) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer's own memory is beyond any limit";
+#endif
+    std::string text;
+    for (int i = 0; i < 200'000; ++i)
+        text += "ATOM      1  CA  ALA A   1      11.639   6.071  -5.147  1.00 13.00           C  \n";
+    const std::string path = m_folder.Write("large.pdb", text);
+    const auto readInLittle = [&] {
+        rlimit limit;
+        limit.rlim_cur = limit.rlim_max = AddressSpace() + 40'000'000;
+        setrlimit(RLIMIT_AS, &limit);
+        try {
+            ReadStructure(path);
+        } catch (const FileError &error) {
+            std::fputs(error.what(), stderr);
+        }
+        std::exit(0);
+    };
+    EXPECT_EXIT(readInLittle(), testing::ExitedWithCode(0),
+                "large.pdb: there is not enough memory to read it$");
 }
 
 TEST_F(ReadPdb, ReadsTheModelsOfTheTestCases) {
