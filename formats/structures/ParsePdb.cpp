@@ -4,9 +4,12 @@
 #include "formats/files/FileError.h"
 #include "formats/structures/ParsedModel.h"
 
-#include <gemmi/pdb.hpp>
+#include <gemmi/model.hpp>
 
 #include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <unordered_map>
 #include <utility>
 
 namespace formats {
@@ -18,10 +21,12 @@ struct Columns {
     const char *name;
 };
 
-constexpr Columns atomAndResidueName{12, 8, "names"}, residueNumber{22, 4, "residue number"},
+constexpr Columns atomName{12, 4, "atom name"}, residueName{17, 3, "residue name"},
+    residueNumber{22, 4, "residue number"},
     coordinates[] = {{30, 8, "x coordinate"}, {38, 8, "y coordinate"}, {46, 8, "z coordinate"}},
-    bFactor{60, 6, "B factor"}, element{76, 2, "element"}, charge{78, 2, "charge"};
-constexpr std::size_t beforeChain = 20, coordinatesEnd = 54, afterBFactor = 66, segment = 72, width = 80;
+    bFactor{60, 6, "B factor"}, segment{72, 4, "segment"}, element{76, 2, "element"}, charge{78, 2, "charge"};
+constexpr std::size_t alternate = 16, beforeChain = 20, chain = 21, insertionCode = 26, coordinatesEnd = 54,
+                      afterBFactor = 66, width = 80;
 
 bool IsBlank(std::string_view field) {
     return field.find_first_not_of(' ') == std::string_view::npos;
@@ -50,123 +55,162 @@ std::string RecordName(std::string_view line) {
 }
 
 /// A number of four columns, or of hybrid-36 (Grosse-Kunstleve et al., http://cci.lbl.gov/hybrid_36): a
-/// capital letter first, four digits to the base 36.
-bool IsResidueNumber(std::string_view field) {
-    if (IsUpper(field[0]))
-        return std::ranges::all_of(field, [](char c) { return IsUpper(c) || IsDigit(c); });
-    return base::ReadInteger(field).has_value();
+/// capital letter first, four digits to the base 36, "A000" being 10000.
+std::optional<int> ResidueNumber(std::string_view field) {
+    if (!IsUpper(field[0]))
+        return base::ReadInteger(field);
+    if (!std::ranges::all_of(field, [](char c) { return IsUpper(c) || IsDigit(c); }))
+        return {};
+    constexpr int first = 10 * 36 * 36 * 36;
+    return int(std::strtol(std::string(field).c_str(), nullptr, 36)) - first + 10'000;
 }
 
-bool IsCharge(std::string_view field) {
+/// "2+", or "+2" as some programs write; 0 for anything else.
+signed char Charge(std::string_view field) {
     const auto isSign = [](char c) { return c == '+' || c == '-'; };
-    return (IsDigit(field[0]) && isSign(field[1])) || (isSign(field[0]) && IsDigit(field[1]));
+    const bool signFirst = isSign(field[0]);
+    const char sign = field[signFirst ? 0 : 1], digit = field[signFirst ? 1 : 0];
+    if (!isSign(sign) || !IsDigit(digit))
+        return 0;
+    return static_cast<signed char>(sign == '-' ? '0' - digit : digit - '0');
 }
 
-/// Makes of each line of a PDB file what gemmi reads without stopping at it: of the records that are of use,
-/// all columns present, the columns that are of no use blank, and all numbers checked. gemmi takes a field
-/// that is no number for 0, and gives up the whole file at an odd charge or at an ANISOU record out of place.
-class Cleaner {
+/// What the columns of the element say, where they name one. Files of the old format end in an entry's name
+/// and a line number there.
+gemmi::Element NamedElement(std::string_view field) {
+    return gemmi::Element(std::string(base::Trimmed(field)));
+}
+
+/// By the four columns of the atom's name: the element stands in the first two. "HG11" is a hydrogen, "1HB "
+/// too, and "C210" a carbon.
+gemmi::Element ElementOfName(std::string_view field) {
+    if (Upper(field[0]) == 'H' && field[3] != ' ')
+        return gemmi::El::H;
+    if (IsDigit(field[0]))
+        return gemmi::Element(std::string(1, field[1]));
+    return gemmi::Element(std::string(field.substr(0, IsDigit(field[1]) ? 1 : 2)));
+}
+
+/// Takes the lines of a PDB file one by one and makes the parts of its first model.
+class Reader {
 public:
-    explicit Cleaner(const std::string &file)
+    explicit Reader(const std::string &file)
         : m_file(file) {}
 
     void Take(std::string_view line) {
         ++m_line;
         const std::string record = RecordName(line);
         if (record == "ATOM" || record == "HETATM") {
-            m_models += !m_inModel;
+            m_model.models += !m_inModel;
             m_inModel = true;
-            if (m_models == 1)
+            if (m_model.models == 1)
                 TakeAtom(record, line);
-        } else if (record == "TER" && m_inModel && m_models == 1) {
-            m_text += "TER\n";
+        } else if (record == "TER") {
+            m_inPart = false;
         } else if (record == "MODEL" || record == "ENDMDL" || record == "END") {
             // Trajectories may have ENDMDL, END or MODEL alone between their models.
             m_inModel = false;
-            if (record == "MODEL" && m_models == 0)
+            if (record == "MODEL" && m_model.models == 0)
                 TakeModelNumber(line.substr(5));
         }
     }
 
-    const std::string &Text() const { return m_text; }
-    const std::string &ModelNumber() const { return m_modelNumber; }
-    unsigned Models() const { return m_models; }
-
-    std::vector<std::string> Warnings() const {
-        if (m_wide == 0)
-            return {};
-        return {"column 21 is not blank in " + base::Counted(m_wide, "atom record") + ", the first in line " +
-                std::to_string(m_firstWide) + "; it was ignored, column 22 is the chain's identifier"};
+    ParsedModel Release() {
+        if (m_wide > 0)
+            m_model.warnings.push_back("column 21 is not blank in " + base::Counted(m_wide, "atom record") +
+                                       ", the first in line " + std::to_string(m_firstWide) +
+                                       "; it was ignored, column 22 is the chain's identifier");
+        return std::move(m_model);
     }
 
 private:
     void TakeModelNumber(std::string_view field) {
         if (const auto number = base::ReadInteger(field))
-            m_modelNumber = std::to_string(*number);
+            m_model.number = std::to_string(*number);
     }
 
     void TakeAtom(const std::string &record, std::string_view line) {
         if (line.size() < coordinatesEnd)
             Fail("an atom record ends in column " + std::to_string(line.size()) +
                  ", before its coordinates do");
-        const bool lowerCase = IsLower(line[0]);
         m_atom = line.substr(0, width);
         m_atom.resize(width, ' ');
         CheckBytes();
-        m_atom.replace(0, 6, record + std::string(6 - record.size(), ' '));
-        if (lowerCase)
-            std::transform(m_atom.begin() + atomAndResidueName.first,
-                           m_atom.begin() + atomAndResidueName.first + atomAndResidueName.count,
-                           m_atom.begin() + atomAndResidueName.first, Upper);
-        CheckNumbers();
-        BlankBeforeChain();
-        BlankOddTail();
-        m_text += m_atom;
-        m_text += '\n';
+        // A record in lower case has its names in lower case too.
+        if (IsLower(line[0]))
+            std::transform(m_atom.begin() + atomName.first, m_atom.begin() + beforeChain,
+                           m_atom.begin() + atomName.first, Upper);
+        CountWide();
+        ResidueAt(record).atoms.push_back(ReadAtom());
     }
 
-    void CheckBytes() const {
-        const auto odd = std::find_if_not(m_atom.begin(), m_atom.begin() + afterBFactor, IsPrintable);
-        if (odd < m_atom.begin() + afterBFactor)
+    void CheckBytes() {
+        const auto end = m_atom.begin() + afterBFactor;
+        const auto odd = std::find_if_not(m_atom.begin(), end, IsPrintable);
+        if (odd < end)
             Fail("column " + std::to_string(odd - m_atom.begin() + 1) + " of an atom record holds " +
                  base::Quoted(std::string(1, *odd)));
+        std::replace_if(
+            end, m_atom.end(), [](char c) { return !IsPrintable(c); }, ' ');
     }
 
-    void CheckNumbers() const {
-        if (!IsResidueNumber(Field(residueNumber)))
-            FailAt(residueNumber);
-        for (const Columns &coordinate : coordinates)
-            if (!base::ReadNumber(Field(coordinate)))
-                FailAt(coordinate);
-        if (!IsBlank(Field(bFactor)) && !base::ReadNumber(Field(bFactor)))
-            FailAt(bFactor);
-    }
-
-    /// gemmi takes columns 21 and 22 together as the chain's identifier.
-    void BlankBeforeChain() {
-        if (std::exchange(m_atom[beforeChain], ' ') == ' ')
+    /// Some programs take columns 21 and 22 together as the chain's identifier.
+    void CountWide() {
+        if (m_atom[beforeChain] == ' ')
             return;
         m_firstWide = m_wide == 0 ? m_line : m_firstWide;
         ++m_wide;
     }
 
-    /// Files of the old format end in an entry's name and a line number where element and charge are today.
-    void BlankOddTail() {
-        std::fill(m_atom.begin() + afterBFactor, m_atom.begin() + segment, ' ');
-        std::replace_if(
-            m_atom.begin() + segment, m_atom.end(), [](char c) { return !IsPrintable(c); }, ' ');
-        if (const std::string symbol(base::Trimmed(Field(element)));
-            gemmi::find_element(symbol.c_str()) == gemmi::El::X)
-            Blank(element);
-        if (!IsCharge(Field(charge)))
-            Blank(charge);
+    gemmi::Residue &ResidueAt(const std::string &record) {
+        const std::string identifier(m_atom[chain] == ' ' ? 0 : 1, m_atom[chain]);
+        if (!std::exchange(m_inPart, true) || identifier != m_model.parts.back().name) {
+            m_model.parts.emplace_back(identifier);
+            m_residues.clear();
+        }
+        auto &residues = m_model.parts.back().residues;
+        const auto [place, isNew] = m_residues.emplace(ReadResidueId(), residues.size());
+        if (isNew) {
+            residues.emplace_back(place->first);
+            residues.back().het_flag = record[0];
+        }
+        return residues[place->second];
+    }
+
+    gemmi::ResidueId ReadResidueId() const {
+        const auto number = ResidueNumber(Field(residueNumber));
+        if (!number)
+            FailAt(residueNumber);
+        gemmi::ResidueId id;
+        id.seqid = gemmi::SeqId(*number, m_atom[insertionCode]);
+        id.segment = base::Trimmed(Field(segment));
+        id.name = base::Trimmed(Field(residueName));
+        return id;
+    }
+
+    gemmi::Atom ReadAtom() const {
+        gemmi::Atom atom;
+        atom.name = base::Trimmed(Field(atomName));
+        atom.altloc = m_atom[alternate] == ' ' ? '\0' : m_atom[alternate];
+        for (const unsigned i : {0, 1, 2})
+            atom.pos.at(int(i)) = Number(coordinates[i]);
+        atom.b_iso = IsBlank(Field(bFactor)) ? 0 : float(Number(bFactor));
+        atom.element = NamedElement(Field(element));
+        if (atom.element == gemmi::El::X)
+            atom.element = ElementOfName(Field(atomName));
+        atom.charge = Charge(Field(charge));
+        return atom;
+    }
+
+    double Number(const Columns &columns) const {
+        const auto number = base::ReadNumber(Field(columns));
+        if (!number)
+            FailAt(columns);
+        return *number;
     }
 
     std::string_view Field(const Columns &columns) const {
         return std::string_view(m_atom).substr(columns.first, columns.count);
-    }
-    void Blank(const Columns &columns) {
-        m_atom.replace(columns.first, columns.count, std::string(columns.count, ' '));
     }
 
     [[noreturn]] void FailAt(const Columns &columns) const {
@@ -179,12 +223,12 @@ private:
     }
 
     const std::string &m_file;
-    std::string m_text;
-    std::string m_atom; ///< the record at work, 80 columns
-    std::string m_modelNumber = "1";
+    ParsedModel m_model = {{}, "1", 0, {}};
+    std::unordered_map<gemmi::ResidueId, std::size_t> m_residues; ///< of the part at work
+    std::string m_atom;                                           ///< the record at work, 80 columns
     std::size_t m_line = 0, m_wide = 0, m_firstWide = 0;
-    unsigned m_models = 0;
     bool m_inModel = false; ///< an atom has been seen since the last model ended
+    bool m_inPart = false;  ///< an atom has been seen since the last TER
 };
 
 /// Takes the first line off the text; lines end at LF, CR LF or CR.
@@ -198,14 +242,10 @@ std::string_view TakeLine(std::string_view &text) {
 } // namespace
 
 ParsedModel ParsePdb(const std::string &file, std::string_view text) {
-    Cleaner cleaner(file);
+    Reader reader(file);
     while (!text.empty())
-        cleaner.Take(TakeLine(text));
-    gemmi::PdbReadOptions options;
-    options.split_chain_on_ter = true;
-    gemmi::Structure structure = gemmi::read_pdb_string(cleaner.Text(), file, options);
-    return {std::move(structure.first_model().chains), cleaner.ModelNumber(), cleaner.Models(),
-            cleaner.Warnings()};
+        reader.Take(TakeLine(text));
+    return reader.Release();
 }
 
 } // namespace formats

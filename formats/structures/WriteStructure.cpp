@@ -10,9 +10,11 @@
 #include "Group.h"
 
 #include <gemmi/cifdoc.hpp>
+#include <gemmi/resinfo.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <ostream>
 
 using namespace VARNO;
@@ -211,8 +213,46 @@ private:
     bool m_wroteAtom = false; ///< in this chain
 };
 
-/// mmCIF: the entities (one for each chain), the chains and the atoms. Chains and residues have the names of
-/// the model tree as the author's; label_asym_id and label_seq_id count chains and residues.
+/// What the tables of mmCIF say of a residue name (_chem_comp.type) and of a chain of such residues
+/// (_entity_poly.type). Names that are in no table of ours may be links of a polymer or not.
+struct MonomerKind {
+    const char *component;
+    const char *polymer; ///< null for what makes no polymer
+};
+
+MonomerKind KindOf(const std::string &residue, bool inPolymer) {
+    using Kind = gemmi::ResidueInfo;
+    switch (gemmi::find_tabulated_residue(residue).kind) {
+    case Kind::AA:
+    case Kind::PAA:
+    case Kind::MAA:
+        return {residue == "GLY" ? "peptide linking" : "L-peptide linking", "polypeptide(L)"};
+    case Kind::AAD:
+        return {"D-peptide linking", "polypeptide(D)"};
+    case Kind::DNA:
+        return {"DNA linking", "polydeoxyribonucleotide"};
+    case Kind::RNA:
+        return {"RNA linking", "polyribonucleotide"};
+    default:
+        return {inPolymer ? "other" : "non-polymer", nullptr};
+    }
+}
+
+/// That of most of the chain's residues, "other" where none is known.
+std::string PolymerType(const Compound *chain) {
+    std::map<std::string, std::size_t> counts;
+    for (const Residue *residue : Children<Residue>(chain))
+        if (const char *type = KindOf(residue->GetName(), true).polymer)
+            ++counts[type];
+    if (counts.contains("polydeoxyribonucleotide") && counts.contains("polyribonucleotide"))
+        return "polydeoxyribonucleotide/polyribonucleotide hybrid";
+    const auto most = std::ranges::max_element(counts, {}, [](const auto &entry) { return entry.second; });
+    return most == counts.end() ? "other" : most->first;
+}
+
+/// mmCIF: the entities (one for each chain), the kinds of residues, the chains and the atoms. Chains and
+/// residues have the names of the model tree as the author's; label_asym_id and label_seq_id count chains and
+/// residues.
 class MmcifWriter : public Writer {
 public:
     using Writer::Writer;
@@ -223,6 +263,8 @@ private:
               << "\n#\nloop_\n_entity.id\n_entity.type\n";
         for (std::size_t i = 0; i < chains.size(); ++i)
             m_out << i + 1 << (chains[i].polymer ? " polymer\n" : " non-polymer\n");
+        WritePolymers(chains);
+        WriteComponents(chains);
         m_out << "#\nloop_\n_struct_asym.id\n_struct_asym.entity_id\n";
         for (std::size_t i = 0; i < chains.size(); ++i)
             m_out << Letters(i + 1) << ' ' << i + 1 << '\n';
@@ -239,6 +281,26 @@ private:
                                 "auth_asym_id",      "auth_atom_id",
                                 "pdbx_PDB_model_num"})
             m_out << "_atom_site." << tag << '\n';
+    }
+
+    void WritePolymers(const std::vector<WrittenChain> &chains) {
+        if (std::ranges::none_of(chains, &WrittenChain::polymer))
+            return;
+        m_out << "#\nloop_\n_entity_poly.entity_id\n_entity_poly.type\n";
+        for (std::size_t i = 0; i < chains.size(); ++i)
+            if (chains[i].polymer)
+                m_out << i + 1 << ' ' << gemmi::cif::quote(PolymerType(chains[i].node)) << '\n';
+    }
+
+    /// Readers that look up every residue's name stop where this table is missing.
+    void WriteComponents(const std::vector<WrittenChain> &chains) {
+        std::map<std::string, const char *> types;
+        for (const WrittenChain &chain : chains)
+            for (const Residue *residue : Children<Residue>(chain.node))
+                types.emplace(residue->GetName(), KindOf(residue->GetName(), chain.polymer).component);
+        m_out << "#\nloop_\n_chem_comp.id\n_chem_comp.type\n";
+        for (const auto &[name, type] : types)
+            m_out << gemmi::cif::quote(name) << ' ' << gemmi::cif::quote(type) << '\n';
     }
 
     void WriteAtom(const Atom &atom, const Vertex &position) override {

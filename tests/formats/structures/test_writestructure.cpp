@@ -87,6 +87,22 @@ _entity.type
 3 polymer
 #
 loop_
+_entity_poly.entity_id
+_entity_poly.type
+1 polypeptide(L)
+3 polyribonucleotide
+#
+loop_
+_chem_comp.id
+_chem_comp.type
+ALA 'L-peptide linking'
+CA non-polymer
+G 'RNA linking'
+HOH non-polymer
+MSE 'L-peptide linking'
+VAL 'L-peptide linking'
+#
+loop_
 _struct_asym.id
 _struct_asym.entity_id
 A 1
