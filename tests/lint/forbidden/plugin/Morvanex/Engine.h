@@ -1,6 +1,7 @@
 #include <QWidget>
 #include <QtWidgets/QWidget>
 #include "Dialog.h"
-#  include "../../formats/MapFile.h"
+#  include "../../formats/maps/MapFile.h"
+#include "fast/FastSearch.h"
 #include "Interface.h"
-#include <hwy/highway.h>
+#include "search/Search.h"

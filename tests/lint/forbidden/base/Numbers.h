@@ -1,0 +1,4 @@
+#include "include/Interface.h"
+#include "base/Numbers.h"
+#include <QString>
+#include <unistd.h>

@@ -1,1 +1,0 @@
-#include "Engine.h"

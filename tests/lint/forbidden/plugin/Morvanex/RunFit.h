@@ -1,0 +1,3 @@
+#include <hwy/highway.h>
+#include "fast/FastSearch.h"
+#include "search/Search.h"

@@ -1,0 +1,3 @@
+#include "formats/maps/MapFile.h"
+#include <hwy/highway.h>
+#include "search/Search.h"
