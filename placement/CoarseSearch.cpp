@@ -203,8 +203,7 @@ std::vector<Candidate> Merge(std::vector<BestCandidates> &lists) {
 
 } // namespace
 
-std::vector<bool> DensePlaces(const Volume &smoothed, const std::array<std::size_t, 3> &inBox,
-                              const PlaceFilter &allowed) {
+double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3> &inBox) {
     std::vector<float> values;
     values.reserve(inBox[0] * inBox[1] * inBox[2]);
     for (std::size_t k = 0; k < inBox[2]; ++k)
@@ -215,7 +214,12 @@ std::vector<bool> DensePlaces(const Volume &smoothed, const std::array<std::size
     const auto lowest = values.begin() + std::ptrdiff_t(maskBase * double(values.size()));
     std::nth_element(values.begin(), lowest, values.end());
     const double base = double(*lowest), top = double(*std::ranges::max_element(values));
-    const double height = base + maskHeight * (top - base);
+    return base + maskHeight * (top - base);
+}
+
+std::vector<bool> DensePlaces(const Volume &smoothed, const std::array<std::size_t, 3> &inBox,
+                              const PlaceFilter &allowed) {
+    const double height = DensityThreshold(smoothed, inBox);
     std::vector<bool> places(smoothed.values.size());
     for (std::size_t k = 0; k < inBox[2]; ++k)
         for (std::size_t j = 0; j < inBox[1]; ++j)

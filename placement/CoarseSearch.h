@@ -21,8 +21,12 @@ struct CoarseJob {
     std::span<const Matrix> rotations;
 };
 
-/// The voxels of a smoothed map, of those `inBox`, where a model's centre may lie: higher than 15 % of the
-/// way from their lowest tenth to their maximum, and allowed by the filter, where there is one.
+/// The value above which a smoothed map counts as density: 15 % of the way from the lowest tenth of its
+/// voxels `inBox` to their maximum.
+double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3> &inBox);
+
+/// The voxels of a smoothed map, of those `inBox`, where a model's centre may lie: above that threshold, and
+/// allowed by the filter, where there is one.
 std::vector<bool> DensePlaces(const Volume &smoothed, const std::array<std::size_t, 3> &inBox,
                               const PlaceFilter &allowed);
 

@@ -59,7 +59,7 @@ std::vector<double> LevelWidths(double coarsest, double finest) {
 
 class Search {
 public:
-    Search(const Volume &map, const std::vector<ModelAtom> &atoms, const PlacementParameters &parameters,
+    Search(const VolumeView &map, const std::vector<ModelAtom> &atoms, const PlacementParameters &parameters,
            Monitor &monitor)
         : m_parameters(parameters)
         , m_monitor(monitor)
@@ -88,10 +88,7 @@ private:
         const Volume level = MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan);
         const double smoothing = std::max(maskWidth * scan, maskWidthPerRadius * m_model.gyration);
         const Volume smoothed = MakeLevel(GaussianFilter(m_spectrum, smoothing), coarseVoxel * scan);
-        std::array<std::size_t, 3> inBox;
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            inBox[axis] = std::min(level.count[axis],
-                                   std::size_t(std::ceil(m_spectrum.box[axis] / level.spacing[axis])));
+        const std::array<std::size_t, 3> inBox = InBox(level);
         m_result.rotationStep = RotationStep(m_model, scan);
         m_result.rotations = RotationsForStep(m_result.rotationStep);
         const std::vector<Matrix> rotations = SpreadRotations(m_result.rotations);
@@ -102,6 +99,15 @@ private:
                              .points = m_model.scanPoints,
                              .rotations = rotations},
                             m_parameters.threads, monitor);
+    }
+
+    /// How many of a volume's voxels lie in the map itself; the rest is padding.
+    std::array<std::size_t, 3> InBox(const Volume &volume) const {
+        std::array<std::size_t, 3> inBox;
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            inBox[axis] = std::min(volume.count[axis],
+                                   std::size_t(std::ceil(m_spectrum.box[axis] / volume.spacing[axis])));
+        return inBox;
     }
 
     Volume MakeLevel(const RadialCurve &filter, double voxel) const {
@@ -135,6 +141,11 @@ private:
         RefineList(poses, finest, m_points,
                    {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution});
         Judge(DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses));
+        if (m_result.places.empty())
+            return;
+        AddProfile(finest);
+        finest = {};
+        AddDensityShares();
     }
 
     /// Refines each pose; those that a cancelled search did not come to are left out.
@@ -162,6 +173,34 @@ private:
         m_result.verdict = VerdictOf(m_result.confidence);
     }
 
+    /// The first place's score, residue by residue.
+    void AddProfile(const Volume &finest) {
+        std::vector<double> weights(m_model.residues);
+        m_result.profile.assign(m_model.residues, 0);
+        for (std::size_t i = 0; i < m_model.points.size(); ++i) {
+            const WeightedPoints one({&m_model.points[i], 1}, {&m_model.weights[i], 1});
+            m_result.profile[m_model.residue[i]] +=
+                ScorePose(finest, one, m_result.places.front().pose).score;
+            weights[m_model.residue[i]] += m_model.weights[i];
+        }
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            m_result.profile[i] /= weights[i];
+    }
+
+    /// How much of the model lies in density, for each place.
+    void AddDensityShares() {
+        const double width = finestWidth * m_parameters.resolution;
+        Volume density = MakeLevel(GaussianFilter(m_spectrum, width), levelVoxel * width);
+        const auto threshold = float(DensityThreshold(density, InBox(density)));
+        for (float &value : density.values)
+            value = value > threshold ? 1.0f : 0.0f;
+        double all = 0;
+        for (const double weight : m_model.weights)
+            all += weight;
+        for (Place &place : m_result.places)
+            place.inDensity = ScorePose(density, m_points, place.pose).score / all;
+    }
+
     Verdict VerdictOf(const Confidence &confidence) const {
         if (m_result.sharpShare > mostSharpShare)
             return Verdict::NotJudged;
@@ -183,7 +222,7 @@ private:
 
 } // namespace
 
-PlacementResult FindPlaces(const Volume &map, const std::vector<ModelAtom> &atoms,
+PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                            const PlacementParameters &parameters, Monitor &monitor) {
     if (!(parameters.resolution > 0) || !std::isfinite(parameters.resolution))
         throw std::invalid_argument("the resolution is not a positive number of Å");

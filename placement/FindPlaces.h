@@ -19,6 +19,7 @@ struct Place {
     double score = 0;       ///< the log-likelihood ratio's sum, on a scale of the map's own
     double probability = 0; ///< that a wrong place does not score as well; turns in the same hole left out
     double logExpected = 0; ///< ln of the number of wrong places that are expected to score as well
+    double inDensity = 0;   ///< part of the model, by electrons, that lies in the map's density
 };
 
 enum class Verdict {
@@ -31,8 +32,11 @@ enum class Verdict {
 
 struct PlacementResult {
     Verdict verdict = Verdict::NoDensity;
-    Confidence confidence;      ///< of the first place
-    std::vector<Place> places;  ///< distinct ones, best first
+    Confidence confidence;     ///< of the first place
+    std::vector<Place> places; ///< distinct ones, best first
+    /// Of the first place: for each residue the mean of the filtered map at its electrons, in standard
+    /// deviations of that map. Low values tell which part of the model fits badly.
+    std::vector<double> profile;
     double predictedSignal = 0; ///< what was to be expected before the search, see Forecast.h
     double sharpShare = 0;      ///< part of the map's power beyond its resolution
     double scanResolution = 0;  ///< Å
@@ -48,7 +52,7 @@ struct PlacementResult {
 /// of the best (DistinctPlaces.h, Confidence.h). A model larger than the map is no error: what lies outside
 /// scores nothing. Throws std::invalid_argument for a model without atoms or a resolution that is not
 /// positive, std::bad_alloc where memory does not suffice.
-PlacementResult FindPlaces(const Volume &map, const std::vector<ModelAtom> &atoms,
+PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                            const PlacementParameters &parameters, Monitor &monitor);
 
 } // namespace placement

@@ -20,7 +20,7 @@ double LetDown(double x, double begin, double end) {
     return x >= end ? 0 : 0.5 * (1 + std::cos(std::numbers::pi * (x - begin) / (end - begin)));
 }
 
-RowSource RowsOf(const Volume &volume) {
+RowSource RowsOf(const VolumeView &volume) {
     return [&volume](std::size_t j, std::size_t k, float *row) {
         std::copy_n(volume.values.begin() + std::ptrdiff_t(volume.Index(0, j, k)), volume.count[0], row);
     };
@@ -43,7 +43,7 @@ void ForEachWave(const Waves &waves, Visit visit) {
 }
 
 /// Mean square of the values about their mean.
-double Variance(const std::vector<float> &values) {
+double Variance(std::span<const float> values) {
     double mean = 0, squares = 0;
     for (const float value : values)
         mean += double(value);
@@ -54,7 +54,7 @@ double Variance(const std::vector<float> &values) {
 }
 
 /// Part of the map's power that lies beyond k, its mean left out.
-double PowerBeyond(const Waves &waves, const Volume &map, double end) {
+double PowerBeyond(const Waves &waves, const VolumeView &map, double end) {
     const double all = Variance(map.values);
     if (all == 0)
         return 0;
@@ -67,7 +67,7 @@ double PowerBeyond(const Waves &waves, const Volume &map, double end) {
 }
 
 /// Mean of the values on the six faces.
-double BorderMean(const Volume &map) {
+double BorderMean(const VolumeView &map) {
     const auto [nx, ny, nz] = map.count;
     double sum = 0;
     std::size_t number = 0;
@@ -97,7 +97,7 @@ Mixture MixtureAt(std::size_t i, std::size_t count, std::size_t padded) {
 }
 
 /// The rows of the padded map.
-RowSource PaddedRows(const Volume &map, const std::array<std::size_t, 3> &padded, float border) {
+RowSource PaddedRows(const VolumeView &map, const std::array<std::size_t, 3> &padded, float border) {
     return [&map, padded, border](std::size_t j, std::size_t k, float *row) {
         const std::size_t nx = map.count[0];
         std::fill_n(row, nx, -border);
@@ -118,7 +118,7 @@ RowSource PaddedRows(const Volume &map, const std::array<std::size_t, 3> &padded
     };
 }
 
-Waves TransformPadded(const Volume &map, double resolution, unsigned threads) {
+Waves TransformPadded(const VolumeView &map, double resolution, unsigned threads) {
     std::array<std::size_t, 3> padded;
     for (std::size_t axis = 0; axis < 3; ++axis)
         padded[axis] =
@@ -163,7 +163,7 @@ RadialCurve RadialPower(const Waves &waves, double end) {
     return power;
 }
 
-Spectrum TransformMap(const Volume &map, double resolution, unsigned threads) {
+Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads) {
     Spectrum spectrum;
     spectrum.resolution = resolution;
     spectrum.nyquist = 0.5 / Largest(map.spacing);

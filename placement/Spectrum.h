@@ -20,7 +20,7 @@ struct Spectrum {
 /// smooth step: density that the box cuts makes no edge, and so no false peaks.
 ///
 /// A map whose values are all equal gives a spectrum with `strongest` 0.
-Spectrum TransformMap(const Volume &map, double resolution, unsigned threads);
+Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads);
 
 /// S(k) of some waves: the mean of |F|² over shells of 1/(shortest edge), smoothed twice by [1 2 1]/4 in the
 /// logarithm.

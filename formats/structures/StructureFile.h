@@ -59,5 +59,8 @@ StructureFormat StructureFormatOf(const std::string &file);
 /// coordinate, number or name too wide), then with the advice to write mmCIF.
 void WriteStructure(const std::string &file, StructureFormat format, const VARNO::Compound *node,
                     const VARNO::Transform &pose = VARNO::Transform({}, {}));
+/// Likewise the chains below several nodes, in their order.
+void WriteStructure(const std::string &file, StructureFormat format,
+                    const std::vector<const VARNO::Compound *> &nodes, const VARNO::Transform &pose);
 
 } // namespace formats

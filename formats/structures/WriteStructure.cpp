@@ -354,12 +354,20 @@ StructureFormat StructureFormatOf(const std::string &file) {
 
 void WriteStructure(const std::string &file, StructureFormat format, const Compound *node,
                     const Transform &pose) {
+    WriteStructure(file, format, std::vector<const Compound *>{node}, pose);
+}
+
+void WriteStructure(const std::string &file, StructureFormat format,
+                    const std::vector<const Compound *> &nodes, const Transform &pose) {
     std::vector<WrittenChain> chains;
-    CollectChains(node, chains);
+    std::string labels;
+    for (const Compound *node : nodes) {
+        CollectChains(node, chains);
+        labels += (labels.empty() ? "" : ", ") + base::Quoted(node->GetLabel());
+    }
     std::erase_if(chains, [](const WrittenChain &chain) { return !HasAtoms(chain); });
     if (chains.empty())
-        throw FileError(file, "",
-                        "nothing to write: no chain with atoms in " + base::Quoted(node->GetLabel()));
+        throw FileError(file, "", "nothing to write: no chain with atoms in " + labels);
     ReplaceFile(file, [&](std::ostream &out) {
         if (format == StructureFormat::Pdb)
             PdbWriter(file, pose, out).Write(chains);

@@ -5,7 +5,7 @@ using namespace cli;
 namespace batch {
 
 const std::vector<Command> &AllCommands() {
-    static const std::vector<Command> commands = {FitCommand(), InfoCommand(), BuildCommand(),
+    static const std::vector<Command> commands = {PlaceCommand(), FitCommand(), InfoCommand(), BuildCommand(),
                                                   SimulateCommand()};
     return commands;
 }

@@ -8,6 +8,7 @@ namespace batch {
 const std::vector<cli::Command> &AllCommands();
 
 // Each is defined in the file of its name.
+cli::Command PlaceCommand();
 cli::Command FitCommand();
 cli::Command InfoCommand();
 cli::Command BuildCommand();

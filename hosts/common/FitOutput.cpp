@@ -2,7 +2,6 @@
 
 #include "hosts/common/FitJson.h"
 #include "hosts/common/Outputs.h"
-#include "hosts/common/SignalHold.h"
 
 #include "formats/files/FileError.h"
 #include "formats/files/ReplaceFile.h"
@@ -12,7 +11,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 
 using namespace VARNO;
 
@@ -21,25 +19,6 @@ namespace hosts {
 namespace {
 
 using formats::FileError;
-
-/// Writes files one after the other; one that fails does not keep the next from being tried.
-class Writer {
-public:
-    void Write(const std::string &file, const std::string &what, const std::function<void()> &write) {
-        const SignalHold hold;
-        try {
-            write();
-            m_delivery.written.push_back(what + ": " + file);
-        } catch (const FileError &error) {
-            m_delivery.errors.push_back(error.what());
-        }
-    }
-
-    const Delivery &Result() const { return m_delivery; }
-
-private:
-    Delivery m_delivery;
-};
 
 void WriteResultsFile(const std::string &file, const std::list<SolutionScore> &solutions) {
     QBuffer buffer;
@@ -52,14 +31,7 @@ void WriteResultsFile(const std::string &file, const std::list<SolutionScore> &s
 
 std::vector<std::string> ModelFiles(const FitOptions &options, formats::StructureFormat format) {
     const int count = std::min(options.models, std::max(options.keep, 0));
-    const std::size_t digits = std::to_string(count).size();
-    std::vector<std::string> files;
-    for (int rank = 1; rank <= count; ++rank) {
-        const std::string number = std::to_string(rank);
-        files.push_back(options.modelPrefix + std::string(digits - number.size(), '0') + number +
-                        (format == formats::StructureFormat::Mmcif ? ".cif" : ".pdb"));
-    }
-    return files;
+    return RankedFiles(options.modelPrefix, count, format);
 }
 
 void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &models) {
@@ -81,7 +53,7 @@ Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore>
                          const Chain *target, formats::StructureFormat format) {
     const FitOptions &options = record.options;
     const std::string count = std::to_string(solutions.size()) + " solutions";
-    Writer writer;
+    DeliveryWriter writer;
     if (options.results)
         writer.Write(*options.results, count, [&] { WriteResultsFile(*options.results, solutions); });
     if (options.json)

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "hosts/common/Delivery.h"
 #include "hosts/common/FitRecord.h"
-
-#include "formats/structures/StructureFile.h"
 
 namespace hosts {
 
@@ -15,12 +14,6 @@ std::vector<std::string> ModelFiles(const FitOptions &options, formats::Structur
 /// Throws FileError for an output that cannot be written, that is an input or that is another output. Changes
 /// nothing.
 void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &models);
-
-/// What became of the files that were asked for.
-struct Delivery {
-    std::vector<std::string> written; ///< what was written and where, one line each
-    std::vector<std::string> errors;
-};
 
 /// Writes what was asked for, each file as a whole. A file that fails does not keep the others from being
 /// written.

@@ -36,10 +36,17 @@ std::string BarText(std::size_t done, std::size_t total, std::size_t width) {
     return bar;
 }
 
+<<<<<<< HEAD
 ProgressBar::ProgressBar(bool visible, Clock::duration silence)
     : m_visible(visible)
     , m_terminal(isatty(STDERR_FILENO))
     , m_firstLine(Clock::now() + silence) {}
+=======
+ProgressBar::ProgressBar(bool visible, const std::string &unit)
+    : m_visible(visible)
+    , m_terminal(isatty(STDERR_FILENO))
+    , m_unit(unit) {}
+>>>>>>> c7615a8 (batch: place, the whole-map placement as a command)
 
 ProgressBar::~ProgressBar() {
     if (!m_drawn.empty())
@@ -52,8 +59,9 @@ void ProgressBar::Show(std::size_t done, std::size_t total, double seconds) {
     const std::string remaining = seconds < 0 ? "" : ", about " + base::DurationText(seconds) + " left";
     if (!m_terminal)
         return ShowTenth(done, total, remaining);
-    const std::string text = std::to_string(Percent(done, total)) + " %, axis " + std::to_string(done) +
-                             " of " + std::to_string(total) + remaining;
+    const std::string units =
+        m_unit.empty() ? "" : ", " + m_unit + " " + std::to_string(done) + " of " + std::to_string(total);
+    const std::string text = std::to_string(Percent(done, total)) + " %" + units + remaining;
     const std::size_t columns = TerminalWidth();
     const std::size_t width = std::clamp<std::size_t>(columns, 50, 80) - 50;
     const std::string line = BarText(done, total, width) + ' ' + text.substr(0, columns - width - 2);

@@ -1,0 +1,76 @@
+#include "Commands.h"
+
+#include "base/Words.h"
+
+#include "PlaceArguments.h"
+#include "PlaceProgress.h"
+#include "PlaceReport.h"
+#include "cli/Diagnostics.h"
+#include "cli/Interrupt.h"
+#include "hosts/common/PlaceOutput.h"
+
+using namespace cli;
+using namespace hosts;
+
+namespace batch {
+
+namespace {
+
+/// The files come first: whoever reads standard output may have gone away. False where a file failed.
+bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
+    const auto [written, errors] = WritePlaceOutputs(record, input);
+    if (std::size_t(record.options.models) > record.result.places.size())
+        Warn(base::Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
+             base::Counted(record.result.places.size(), "place") + " found");
+    ReportPlaces(record, written);
+    for (const std::string &error : errors)
+        ReportError(error);
+    return errors.empty();
+}
+
+int Run(const Arguments &arguments) {
+    CatchInterrupt();
+    PlaceRecord record;
+    record.options = ReadPlaceOptions(arguments);
+    const PlaceInput input = ReadPlaceInput(record.options, Warn);
+    CheckPlaceOutputs(record.options, input.format);
+    for (const VARNO::Chain *chain : input.chains)
+        record.chains.push_back(chain->GetName());
+    record.residues = input.residues;
+    if (!record.options.quiet)
+        ReportPlaceInput(record.options, input);
+    {
+        PlaceProgress progress(record.options.quiet);
+        record.result = FindPlacesOf(input, record.options, progress);
+        record.seconds = progress.Seconds();
+    }
+    if (record.result.cancelled)
+        Warn("stopped by Ctrl-C; what was found by then is written, and its verdict is that of an unfinished "
+             "search");
+    if (!Deliver(record, input))
+        return Failed;
+    return record.result.cancelled ? Interrupted : Succeeded;
+}
+
+} // namespace
+
+Command PlaceCommand() {
+    return {
+        .name = "place",
+        .summary = "find where a model belongs in a whole density map",
+        .description =
+            "Searches the whole map for the model, in every turn and without a start, and tells how sure the "
+            "best place is: \"placed\" with a probability, or that no place stands out. Either is an answer "
+            "(exit status 0).\n\n"
+            "Scores are log-likelihood ratios, sums of a filtered map at two points for each residue; the "
+            "probability compares the best score with those of the wrong places of the same search.\n\n"
+            "What was read, a forecast, the verdict and a table of the ten best places go to standard output. "
+            "Progress goes to standard error. Ctrl-C stops the search and writes what was found by then "
+            "(exit status 130); a second Ctrl-C ends at once.",
+        .options = PlaceOptionTable(),
+        .example = "morvanex place --map map.mrc --model model.pdb --resolution 8",
+        .run = Run,
+    };
+}
+
+} // namespace batch

@@ -1,0 +1,93 @@
+#include "PlaceReport.h"
+
+#include "base/Numbers.h"
+#include "base/Words.h"
+
+#include "hosts/common/Chains.h"
+
+#include "placement/Forecast.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+using namespace hosts;
+using namespace placement;
+
+namespace batch {
+
+namespace {
+
+constexpr std::size_t rowsShown = 10;
+
+void Print(const QString &line) {
+    std::cout << line.toStdString() << '\n';
+}
+
+/// A line of the first part; an empty label goes on with the line before.
+void PrintItem(const QString &label, const QString &text) {
+    Print(label.leftJustified(12) + text);
+}
+
+QString Text(const std::string &text) {
+    return QString::fromStdString(text);
+}
+
+/// One line of the table; the cells' widths are those of the head.
+void PrintRow(const std::array<QString, 5> &cells) {
+    static constexpr int widths[] = {5, 10, 13, 12, 28};
+    QString line;
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        line += cells[i].rightJustified(widths[i]);
+    Print(line);
+}
+
+void PrintTable(const std::vector<Place> &places) {
+    PrintRow({"Place", "Score", "Probability", "In density", "Centre, Å"});
+    for (std::size_t i = 0; i < std::min(rowsShown, places.size()); ++i) {
+        const Place &place = places[i];
+        const Point &c = place.pose.centre;
+        PrintRow(
+            {QString::number(i + 1), base::FixedNumber(place.score, 0, 1),
+             base::FixedNumber(place.probability, 0, 3),
+             base::FixedNumber(100 * place.inDensity, 0, 0) + " %",
+             base::FixedNumber(c.x, 9, 2) + base::FixedNumber(c.y, 9, 2) + base::FixedNumber(c.z, 9, 2)});
+    }
+}
+
+} // namespace
+
+void ReportPlaceInput(const PlaceOptions &options, const PlaceInput &input) {
+    const VARNO::Grid &map = *input.map;
+    const auto &size = map.Dimensions();
+    const auto &voxel = map.Spacing();
+    PrintItem("Map", Text(options.map));
+    PrintItem("",
+              QString("%1 x %2 x %3 voxels of %4 x %5 x %6 Å, resolution %7 Å")
+                  .arg(size[0])
+                  .arg(size[1])
+                  .arg(size[2])
+                  .arg(base::FixedNumber(double(voxel[0]), 0, 3), base::FixedNumber(double(voxel[1]), 0, 3),
+                       base::FixedNumber(double(voxel[2]), 0, 3), base::GeneralNumber(options.resolution)));
+    PrintItem("Model", Text(options.model));
+    PrintItem("", Text((input.chains.size() == 1 ? "chain " : "chains ") + ChainNames(input.chains) + ", " +
+                       base::Counted(input.residues.size(), "residue")));
+    if (input.lowConfidence > 0)
+        PrintItem("", Text(base::Counted(input.lowConfidence, "residue") +
+                           " of low confidence left out of the search"));
+    PrintItem("Forecast", Text(ForecastText(PredictedSignal(input.atoms.size(), options.resolution))));
+    Print("");
+    std::cout << std::flush;
+}
+
+void ReportPlaces(const PlaceRecord &record, const std::vector<std::string> &written) {
+    PrintItem("Verdict", Text(VerdictText(record.result)));
+    if (!record.result.places.empty()) {
+        Print("");
+        PrintTable(record.result.places);
+    }
+    for (const std::string &line : written)
+        Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));
+}
+
+} // namespace batch

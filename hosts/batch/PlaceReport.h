@@ -1,0 +1,15 @@
+#pragma once
+
+#include "hosts/common/PlaceInput.h"
+#include "hosts/common/PlaceRecord.h"
+
+namespace batch {
+
+/// What a placement says on standard output.
+
+/// What was read, and what is to be expected of the search.
+void ReportPlaceInput(const hosts::PlaceOptions &options, const hosts::PlaceInput &input);
+/// The verdict, a table of the ten best places, and the files written, a line each.
+void ReportPlaces(const hosts::PlaceRecord &record, const std::vector<std::string> &written);
+
+} // namespace batch

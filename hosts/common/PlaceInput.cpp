@@ -1,0 +1,80 @@
+#include "hosts/common/PlaceInput.h"
+
+#include "hosts/common/Chains.h"
+#include "hosts/common/Inputs.h"
+
+#include "Atom.h"
+#include "Collect.h"
+#include "formats/files/FileError.h"
+#include "formats/structures/AtomicNumber.h"
+
+#include <set>
+
+using namespace VARNO;
+
+namespace hosts {
+
+namespace {
+
+/// Names of an amino acid's backbone, and of a nucleotide's phosphate and sugar.
+bool IsInBackbone(const std::string &name) {
+    static const std::set<std::string> names = {"N",   "CA",  "C",   "O",   "OXT", "P",   "OP1",
+                                                "OP2", "OP3", "O1P", "O2P", "O5'", "C5'", "C4'",
+                                                "O4'", "C3'", "O3'", "C2'", "O2'", "C1'"};
+    return names.contains(name);
+}
+
+double MeanBFactor(const std::vector<Compound *> &atoms) {
+    double sum = 0;
+    for (const Compound *node : atoms)
+        if (const auto *atom = dynamic_cast<const Atom *>(node))
+            sum += double(atom->GetBFactor());
+    return atoms.empty() ? 0 : sum / double(atoms.size());
+}
+
+} // namespace
+
+void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor) {
+    for (unsigned chain = 0; chain < input.chains.size(); ++chain) {
+        std::vector<Compound *> residues;
+        GetResidues(input.chains[chain], residues, true);
+        for (Compound *residue : residues) {
+            std::vector<Compound *> atoms;
+            GetAtoms(residue, atoms, true);
+            if (minBFactor && MeanBFactor(atoms) < *minBFactor) {
+                ++input.lowConfidence;
+                continue;
+            }
+            const std::size_t before = input.atoms.size();
+            for (const Compound *atom : atoms) {
+                const int electrons = formats::AtomicNumber(atom->GetLabel());
+                const Vertex at = atom->GetPosition();
+                if (electrons > 1)
+                    input.atoms.push_back({{double(at[0]), double(at[1]), double(at[2])},
+                                           double(electrons),
+                                           unsigned(input.residues.size()),
+                                           chain,
+                                           IsInBackbone(atom->GetName())});
+            }
+            if (input.atoms.size() > before)
+                input.residues.push_back({input.chains[chain]->GetName(), residue->GetLabel()});
+        }
+    }
+}
+
+PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) {
+    PlaceInput input;
+    formats::StructureReport report;
+    const Clump *clump = LoadStructure(options.model, warn, &report);
+    input.chains = ChooseChains(options.model, clump, options.chains);
+    input.format = report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
+    CollectModelAtoms(input, options.minPlddt);
+    if (input.atoms.empty())
+        throw formats::FileError(options.model, "chains " + ChainNames(input.chains),
+                                 input.lowConfidence > 0 ? "no residue reaches the confidence asked for"
+                                                         : "there is no atom that a map could show");
+    input.map = LoadMap(options.map, warn, &input.mapReport);
+    return input;
+}
+
+} // namespace hosts

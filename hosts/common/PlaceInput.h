@@ -1,0 +1,38 @@
+#pragma once
+
+#include "hosts/common/PlaceOptions.h"
+#include "hosts/common/WarningSink.h"
+
+#include "Compound.h"
+#include "Grid.h"
+#include "formats/maps/MapFile.h"
+#include "formats/structures/StructureFile.h"
+#include "placement/PointModel.h"
+
+namespace hosts {
+
+/// A residue that takes part in a search.
+struct PlacedResidue {
+    std::string chain, label; ///< "A", "ALA12"
+};
+
+/// The files of a placement, read into the model.
+struct PlaceInput {
+    VARNO::Grid *map = nullptr;
+    formats::MapReport mapReport;
+    std::vector<VARNO::Chain *> chains; ///< that move together
+    formats::StructureFormat format = formats::StructureFormat::Pdb;
+    std::vector<placement::ModelAtom> atoms; ///< of those chains, without hydrogens
+    std::vector<PlacedResidue> residues;     ///< by the atoms' residue numbers
+    std::size_t lowConfidence = 0;           ///< residues left out for it
+};
+
+/// Reads the map and the model. `warn` hears what the readers took differently from how it stands. Throws
+/// FileError, also where no atom is left to be placed.
+PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn);
+
+/// The chains' atoms for a search. Hydrogens, atoms of unknown elements and residues whose mean B factor lies
+/// below `minBFactor` are left out; the last are counted.
+void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor);
+
+} // namespace hosts
