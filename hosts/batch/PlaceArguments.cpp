@@ -57,17 +57,17 @@ std::string ModelPrefix(const Arguments &arguments) {
 std::vector<Option> PlaceOptionTable() {
     return {
         {.name = "--map",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
          .help =
-             "The density map, MRC2014 or CCP4 with an orthogonal cell; it may be packed by gzip or bzip2",
+             "The density map, MRC2014 or CCP4 with an orthogonal cell, plain or compressed by gzip or bzip2",
          .required = true,
          .heading = "Input"},
         {.name = "--model",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
          .help =
-             "The structure to be placed, PDB or mmCIF, coordinates in Å; it may be packed by gzip. Where "
+             "The structure to be placed, PDB or mmCIF, coordinates in Å, plain or compressed by gzip. Where "
              "it stands does not matter",
          .required = true},
         {.name = "--resolution",
@@ -96,14 +96,14 @@ std::vector<Option> PlaceOptionTable() {
          .heading = "Search"},
 
         {.name = "--json",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
          .help = "Write the verdict, every place in full precision, the best first, and the score of each "
                  "residue at the first one",
          .defaultText = "no file",
          .heading = "Output"},
         {.name = "--results",
-         .value = Value::Text,
+         .value = Value::File,
          .valueName = "FILE",
          .help = "Write the places, the best last, in the format that the results dialog loads",
          .defaultText = "no file"},

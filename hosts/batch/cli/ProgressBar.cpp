@@ -36,17 +36,11 @@ std::string BarText(std::size_t done, std::size_t total, std::size_t width) {
     return bar;
 }
 
-<<<<<<< HEAD
-ProgressBar::ProgressBar(bool visible, Clock::duration silence)
+ProgressBar::ProgressBar(bool visible, Clock::duration silence, const std::string &unit)
     : m_visible(visible)
     , m_terminal(isatty(STDERR_FILENO))
-    , m_firstLine(Clock::now() + silence) {}
-=======
-ProgressBar::ProgressBar(bool visible, const std::string &unit)
-    : m_visible(visible)
-    , m_terminal(isatty(STDERR_FILENO))
+    , m_firstLine(Clock::now() + silence)
     , m_unit(unit) {}
->>>>>>> c7615a8 (batch: place, the whole-map placement as a command)
 
 ProgressBar::~ProgressBar() {
     if (!m_drawn.empty())

@@ -10,16 +10,12 @@ namespace cli {
 /// (a log file, a pipe) a plain line for every tenth of the work; no line in the first two seconds.
 class ProgressBar {
 public:
-<<<<<<< HEAD
     using Clock = std::chrono::steady_clock;
 
-    /// Shows nothing unless `visible`, and no plain line before `silence` has passed.
-    explicit ProgressBar(bool visible, Clock::duration silence = std::chrono::seconds(2));
-=======
-    /// Shows nothing unless `visible`. `unit` is what the work is counted in; without one only the percentage
-    /// is shown.
-    explicit ProgressBar(bool visible, const std::string &unit = "axis");
->>>>>>> c7615a8 (batch: place, the whole-map placement as a command)
+    /// Shows nothing unless `visible`, and no plain line before `silence` has passed. `unit` is what the work
+    /// is counted in; without one only the percentage is shown.
+    explicit ProgressBar(bool visible, Clock::duration silence = std::chrono::seconds(2),
+                         const std::string &unit = "axis");
     ProgressBar(const ProgressBar &) = delete;
     ProgressBar &operator=(const ProgressBar &) = delete;
     /// Takes the bar off the terminal.
@@ -33,11 +29,8 @@ private:
 
     bool m_visible;
     bool m_terminal;
-<<<<<<< HEAD
     Clock::time_point m_firstLine; ///< no plain line before
-=======
     std::string m_unit;
->>>>>>> c7615a8 (batch: place, the whole-map placement as a command)
     std::size_t m_tenths = 0;
     std::string m_drawn;
 };

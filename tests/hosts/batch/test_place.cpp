@@ -1,0 +1,163 @@
+#include "CommandFixture.h"
+
+#include "Collect.h"
+#include "TestData.h"
+#include "formats/structures/StructureFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+
+using namespace VARNO;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+/// One chain of a toxin, displaced, and the map of the whole complex, in which five copies of it stand.
+class Place : public CommandFixture {
+protected:
+    std::vector<std::string> Words(const std::vector<std::string> &more = {}) const {
+        std::vector<std::string> words{"place",
+                                       "--map",
+                                       SourceFolder() + "/examples/1tii_8A.mrc",
+                                       "--model",
+                                       SourceFolder() + "/examples/1tii_D_displaced.pdb",
+                                       "--resolution",
+                                       "8",
+                                       "--quiet"};
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+
+    nlohmann::json JsonOf(const std::vector<std::string> &more = {}) {
+        std::vector<std::string> words = Words({"--json", m_folder.File("places.json")});
+        words.insert(words.end(), more.begin(), more.end());
+        OutputOf(words);
+        return nlohmann::json::parse(ReadFile(m_folder.File("places.json")));
+    }
+};
+
+std::vector<Vertex> PositionsOf(Compound *node) {
+    std::vector<Compound *> residues;
+    GetResidues(node, residues, true);
+    std::vector<Vertex> positions;
+    for (const Compound *residue : residues)
+        positions.push_back(residue->GetPosition());
+    return positions;
+}
+
+double Rmsd(const std::vector<Vertex> &a, const std::vector<Vertex> &b) {
+    double squares = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        squares += double((a[i] - b[i]).SquaredLength());
+    return std::sqrt(squares / double(a.size()));
+}
+
+/// RMSD of a chain from the nearest of the five copies that the complex has.
+double DistanceFromCopies(const std::string &file) {
+    const std::vector<Vertex> placed = PositionsOf(formats::ReadStructure(file));
+    Compound *complex = formats::ReadStructure(SourceFolder() + "/examples/1tii.pdb");
+    std::vector<Compound *> chains;
+    GetPeptides(complex, chains, true);
+    double least = 1e9;
+    for (Compound *chain : chains)
+        if (const std::vector<Vertex> copy = PositionsOf(chain); copy.size() == placed.size())
+            least = std::min(least, Rmsd(placed, copy));
+    return least;
+}
+
+} // namespace
+
+TEST_F(Place, FindsTheFiveCopiesInTheWholeMap) {
+    const std::string output = OutputOf(Words({"--models", "5", "--model-prefix", m_folder.File("placed-")}));
+    EXPECT_THAT(output, HasSubstr("placed, with a probability of 1.000"));
+    for (const char *rank : {"1", "2", "3", "4", "5"})
+        EXPECT_LT(DistanceFromCopies(m_folder.File(std::string("placed-") + rank + ".pdb")), 0.5) << rank;
+}
+
+TEST_F(Place, TheJsonFileTellsTheVerdictAndThePlaces) {
+    const nlohmann::json json = JsonOf();
+    EXPECT_EQ(json.at("placed"), true);
+    EXPECT_EQ(json.at("verdict"), "placed");
+    EXPECT_EQ(json.at("forecast").at("prospect"), "good");
+    EXPECT_EQ(json.at("input").at("chains"), (nlohmann::json{"D"}));
+    const auto &first = json.at("places").at(0);
+    EXPECT_GT(first.at("probability"), 0.99);
+    EXPECT_GT(first.at("inDensity"), 0.9);
+    EXPECT_EQ(first.at("rotation").size(), 4u);
+    EXPECT_EQ(json.at("profile").size(), 98u);
+    EXPECT_EQ(json.at("profile").at(0).at("chain"), "D");
+}
+
+TEST_F(Place, TheRotationAndTranslationActOnTheCoordinatesGiven) {
+    const nlohmann::json json = JsonOf({"--models", "1", "--model-prefix", m_folder.File("placed-")});
+    const auto q = json["places"][0]["rotation"].get<std::vector<double>>();
+    const auto t = json["places"][0]["translation"].get<std::vector<double>>();
+    Quaternion rotation;
+    rotation.Set(q[0], q[1], q[2], q[3]);
+    const Transform motion(rotation, Vertex(float(t[0]), float(t[1]), float(t[2]), false));
+    std::vector<Vertex> moved =
+        PositionsOf(formats::ReadStructure(SourceFolder() + "/examples/1tii_D_displaced.pdb"));
+    for (Vertex &position : moved)
+        position = motion * position;
+    EXPECT_LT(Rmsd(moved, PositionsOf(formats::ReadStructure(m_folder.File("placed-1.pdb")))), 0.002);
+}
+
+TEST_F(Place, ThreadsGiveTheSameFiles) {
+    const auto filesOf = [&](const std::string &threads) {
+        OutputOf(Words({"--threads", threads, "--results", m_folder.File("places.txt"), "--models", "1",
+                        "--model-prefix", m_folder.File("placed-")}));
+        return ReadFile(m_folder.File("places.txt")) + ReadFile(m_folder.File("placed-1.pdb"));
+    };
+    EXPECT_EQ(filesOf("1"), filesOf("3"));
+}
+
+TEST_F(Place, TheResultsListHasTheBestPlaceLast) {
+    OutputOf(Words({"--results", m_folder.File("places.txt")}));
+    OutputOf({"build", "--results", m_folder.File("places.txt"), "--target",
+              SourceFolder() + "/examples/1tii_D_displaced.pdb", "--rank", "1", "--out",
+              m_folder.File("built.pdb")});
+    // Two decimals of a quaternion move a model that stands far from the origin.
+    EXPECT_LT(DistanceFromCopies(m_folder.File("built.pdb")), 2);
+}
+
+TEST_F(Place, WithoutQuietItTellsWhatWasReadAndWhatToExpect) {
+    std::vector<std::string> words = Words();
+    std::erase(words, "--quiet");
+    EXPECT_THAT(OutputOf(words), AllOf(StartsWith("Map "), HasSubstr("chain D, 98 residues"),
+                                       HasSubstr("nearly always found (predicted signal 8.2)")));
+}
+
+TEST_F(Place, ResiduesOfLowConfidenceAreLeftOutAndMovedAlong) {
+    // The structure's B factors stand in for the confidence of a predicted one.
+    const std::string output =
+        OutputOf(Words({"--min-plddt", "20", "--models", "1", "--model-prefix", m_folder.File("placed-")}));
+    EXPECT_THAT(output, HasSubstr("placed"));
+    EXPECT_LT(DistanceFromCopies(m_folder.File("placed-1.pdb")), 1);
+    EXPECT_THAT(ErrorOf(Words({"--min-plddt", "1000"})), HasSubstr("confidence"));
+}
+
+TEST_F(Place, RefusesNumbersThatMakeNoSense) {
+    const auto errorOf = [&](const std::string &option, const std::string &value) {
+        return ErrorOf({"place", "--map", "x", "--model", "y", "--resolution", "8", option, value});
+    };
+    EXPECT_THAT(errorOf("--threads", "0"), StartsWith("--threads 0: must be"));
+    EXPECT_THAT(errorOf("--models", "-1"), StartsWith("--models -1: must be"));
+    EXPECT_THAT(ErrorOf({"place", "--map", "x", "--model", "y", "--resolution", "0"}),
+                StartsWith("--resolution 0: must be a number"));
+    EXPECT_THAT(ErrorOf({"place", "--map", "x", "--model", "y", "--resolution", "nan"}),
+                HasSubstr("--resolution"));
+}
+
+TEST_F(Place, AMapWithoutDensityIsAnAnswer) {
+    std::vector<std::string> words = Words();
+    OutputOf({"simulate", "--model", SourceFolder() + "/examples/1tii_D_displaced.pdb", "--resolution", "8",
+              "--voxel", "4", "--out", m_folder.File("map.mrc")});
+    // Zeros in the place of every voxel behind the header.
+    std::string bytes = ReadFile(m_folder.File("map.mrc"));
+    std::fill(bytes.begin() + 1024, bytes.end(), '\0');
+    words[2] = m_folder.Write("zero.mrc", bytes);
+    EXPECT_THAT(OutputOf(words), HasSubstr("no density"));
+}
