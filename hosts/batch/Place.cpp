@@ -6,7 +6,7 @@
 #include "PlaceProgress.h"
 #include "PlaceReport.h"
 #include "cli/Diagnostics.h"
-#include "cli/Interrupt.h"
+#include "cli/StopSignals.h"
 #include "hosts/common/PlaceOutput.h"
 
 using namespace cli;
@@ -29,7 +29,6 @@ bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
 }
 
 int Run(const Arguments &arguments) {
-    CatchInterrupt();
     PlaceRecord record;
     record.options = ReadPlaceOptions(arguments);
     const PlaceInput input = ReadPlaceInput(record.options, Warn);
@@ -39,17 +38,19 @@ int Run(const Arguments &arguments) {
     record.residues = input.residues;
     if (!record.options.quiet)
         ReportPlaceInput(record.options, input);
+    StopSignals stopSignals("what has begun");
     {
         PlaceProgress progress(record.options.quiet);
         record.result = FindPlacesOf(input, record.options, progress);
         record.seconds = progress.Seconds();
     }
     if (record.result.cancelled)
-        Warn("stopped by Ctrl-C; what was found by then is written, and its verdict is that of an unfinished "
-             "search");
+        Warn("stopped by " + SignalName(StopSignal()) +
+             "; what was found by then is written, and the verdict is that of an unfinished search");
+    stopSignals.EnterStep("the writing of what was found");
     if (!Deliver(record, input))
         return Failed;
-    return record.result.cancelled ? Interrupted : Succeeded;
+    return record.result.cancelled ? 128 + StopSignal() : int(Succeeded);
 }
 
 } // namespace
@@ -65,8 +66,8 @@ Command PlaceCommand() {
             "Scores are log-likelihood ratios, sums of a filtered map at two points for each residue; the "
             "probability compares the best score with those of the wrong places of the same search.\n\n"
             "What was read, a forecast, the verdict and a table of the ten best places go to standard output. "
-            "Progress goes to standard error. Ctrl-C stops the search and writes what was found by then "
-            "(exit status 130); a second Ctrl-C ends at once.",
+            "Progress goes to standard error. Ctrl-C, SIGTERM and SIGHUP stop the search, and what it has found is "
+            "written (exit status 130, 143 and 129). A second signal ends the program at once.",
         .options = PlaceOptionTable(),
         .example = "morvanex place --map map.mrc --model model.pdb --resolution 8",
         .run = Run,

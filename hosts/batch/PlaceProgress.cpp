@@ -1,6 +1,6 @@
 #include "PlaceProgress.h"
 
-#include "cli/Interrupt.h"
+#include "cli/StopSignals.h"
 
 namespace batch {
 
@@ -17,7 +17,7 @@ void PlaceProgress::Advance(double share) {
 }
 
 bool PlaceProgress::IsCancelled() {
-    return cli::WasInterrupted();
+    return cli::StopSignal() != 0;
 }
 
 } // namespace batch

@@ -7,7 +7,7 @@
 
 namespace batch {
 
-/// The search's monitor that drives a terminal: shows how far it is, and stops it at Ctrl-C.
+/// The search's monitor that drives a terminal: shows how far it is, and stops it at a signal.
 class PlaceProgress : public placement::Monitor {
 public:
     /// No bar where `quiet`.
