@@ -3,10 +3,10 @@
 
 #include "Cases.h"
 #include "Parameters.h"
+#include "RunFit.h"
 #include "fit/Axes.h"
 #include "fit/Rotations.h"
 #include "search/PoseScorer.h"
-#include "search/Search.h"
 
 #include <benchmark/benchmark.h>
 
@@ -37,13 +37,13 @@ class Silence : public search::FitMonitor {
     void Finished() override {}
 };
 
-search::PoseCounts Search(const fit::Preparation &fit, int keep, const search::SearchOptions &options) {
-    Solutions.clear();
-    top_size = keep;
-    logging = false;
+search::PoseCounts Search(const fit::Preparation &fit, int keep, const SearchOptions &options) {
+    fit::FitParameters parameters;
+    parameters.keep = keep;
+    std::list<SolutionScore> solutions;
     search::PoseCounts counts;
     Silence silence;
-    search::RunSearch(fit, silence, counts, options);
+    RunSearch(fit, parameters, solutions, silence, counts, options);
     return counts;
 }
 
@@ -130,7 +130,6 @@ double StatusOf(const std::string &key) {
 void MeasureMemory(benchmark::State &state, const Case &searched, int offsets, unsigned threads) {
     const fit::Preparation fit = Prepare(searched, offsets);
     for (auto _ : state) {
-        Solutions.clear();
         malloc_trim(0);
         std::ofstream("/proc/self/clear_refs") << 5; // the peak starts again from here
         const double before = StatusOf("VmRSS");

@@ -21,9 +21,9 @@ private:
     std::optional<std::string> m_text;
 };
 
-/// The host's settings: what this process overrides, over the user's INI file, over the defaults that the
-/// host ships. A value arrives as it stands in the file, commas, backslashes and quotes included; blanks
-/// around it do not belong to it. Sections and keys are case-sensitive.
+/// The host's settings: the user's INI file over the defaults that the host ships. A value arrives as it
+/// stands in the file, commas, backslashes and quotes included; blanks around it do not belong to it.
+/// Sections and keys are case-sensitive.
 class Config {
 public:
     /// The file is read anew where it has changed. One that is there but cannot be read counts as empty, and
@@ -31,10 +31,6 @@ public:
     static Setting GetSetting(const std::string &section, const std::string &key);
     /// The user's home directory, without a trailing separator: empty where that is the root directory.
     static std::string GetPersonalDir();
-
-    /// The value stands for the setting until the process, or all overriding, ends; no file is written.
-    static void Override(const std::string &section, const std::string &key, const std::string &value);
-    static void EndOverrides();
 
     /// The user's settings file: `varno/varno.ini` below the user's configuration directory unless set here.
     static std::string GetUserFile();

@@ -3,7 +3,7 @@
 #include "Atom.h"
 #include "Compound.h"
 #include "Grid.h"
-#include "Group.h"
+#include "Residue.h"
 
 namespace VARNO {
 

@@ -1,7 +1,7 @@
 #include "Collect.h"
 
 #include "Atom.h"
-#include "Group.h"
+#include "Residue.h"
 
 namespace VARNO {
 

@@ -1,6 +1,6 @@
 #include "Compound.h"
 
-#include "Group.h"
+#include "Residue.h"
 
 #include <algorithm>
 

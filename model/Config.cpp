@@ -1,26 +1,15 @@
 #include "Config.h"
 
+#include "ShippedSettings.h"
+
 #include <QDir>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTextStream>
 
-#include <map>
-#include <utility>
-
 namespace VARNO {
 
 namespace {
-
-/// Texts by section and key.
-using Values = std::map<std::pair<std::string, std::string>, std::string>;
-
-const Values shipped = {
-    {{"Morvanex", "Axis"}, "2"},        {{"Morvanex", "RotationStep"}, "10.0"},
-    {{"Morvanex", "TransNum"}, "5"},    {{"Morvanex", "TransStep"}, "5.0"},
-    {{"Morvanex", "TopList"}, "100"},   {{"Morvanex", "Output"}, "morvanex.log"},
-    {{"Morvanex", "Marginal"}, "60.0"},
-};
 
 /// Reads "key=value" lines below "[section]" lines as they stand. The toolkit's own INI format splits a value
 /// at commas and eats backslashes, which a file name written by hand may hold. A comment that holds an equals
@@ -57,11 +46,6 @@ void WarnWhereUnreadable(const QSettings &user) {
     qWarning("The settings file %s cannot be read: the default settings are used", qPrintable(warned));
 }
 
-Values &Overrides() {
-    static Values values;
-    return values;
-}
-
 /// The number that `read` makes of the text, 0 where there is none or it does not convert.
 template <class Number, class Read>
 Number Convert(const std::optional<std::string> &text, bool *ok, Read read) {
@@ -89,28 +73,18 @@ std::string Setting::ToString(bool *ok) const {
 }
 
 Setting Config::GetSetting(const std::string &section, const std::string &key) {
-    if (const auto override = Overrides().find({section, key}); override != Overrides().end())
-        return Setting(override->second);
     const QSettings user(UserFile(), PlainIni());
     WarnWhereUnreadable(user);
     const QString name = QString::fromStdString(section + '/' + key);
     if (user.contains(name))
         return Setting(user.value(name).toString().toStdString());
-    const auto standard = shipped.find({section, key});
-    return standard == shipped.end() ? Setting() : Setting(standard->second);
+    const char *const shipped = ShippedSetting(section, key);
+    return shipped ? Setting(shipped) : Setting();
 }
 
 std::string Config::GetPersonalDir() {
     const QString home = QDir::homePath();
     return QDir(home).isRoot() ? std::string() : home.toStdString();
-}
-
-void Config::Override(const std::string &section, const std::string &key, const std::string &value) {
-    Overrides()[{section, key}] = value;
-}
-
-void Config::EndOverrides() {
-    Overrides().clear();
 }
 
 std::string Config::GetUserFile() {

@@ -4,7 +4,7 @@
 
 #include "Parameters.h"
 #include "Progress.h"
-#include "search/Search.h"
+#include "RunFit.h"
 
 #include <QApplication>
 #include <QLabel>

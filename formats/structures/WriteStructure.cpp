@@ -7,7 +7,7 @@
 #include "formats/files/ReplaceFile.h"
 
 #include "Atom.h"
-#include "Group.h"
+#include "Residue.h"
 
 #include <gemmi/cifdoc.hpp>
 #include <gemmi/resinfo.hpp>

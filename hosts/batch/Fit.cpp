@@ -10,10 +10,8 @@
 #include "hosts/common/Chains.h"
 #include "hosts/common/FitChecks.h"
 #include "hosts/common/FitOutput.h"
-#include "hosts/common/RestraintsCheck.h"
 
-#include "Config.h"
-#include "Parameters.h"
+#include "RunFit.h"
 #include "formats/files/FileError.h"
 #include "solutions/TopList.h"
 
@@ -24,34 +22,11 @@ namespace batch {
 
 namespace {
 
-void SetParameters(const FitOptions &options, const FitInput &input) {
-    Axis = options.axis;
-    gammaStep = Radians(options.rotationStep);
-    Step = options.translationStep;
-    TCount = options.translationSteps;
-    top_size = options.keep;
-    logging = false;
-    em_fname.clear();
-    restraints = options.restraints.has_value();
-    re_fname = QString::fromStdString(options.restraints.value_or(""));
-    m_Target = input.target;
-    m_Solid = input.SolidResidues();
-    m_Map = input.map;
-    VARNO::Config::Override("Morvanex", "Marginal",
-                            QString::number(options.inclusionDistance, 'g', 17).toStdString());
-}
-
-/// The log comes last: a search empties its file, and one may be run before to measure the pace.
-void SetLog(const FitOptions &options) {
-    logging = options.log.has_value();
-    em_fname = QString::fromStdString(options.log.value_or(""));
-}
-
 /// Runs the search; the record then holds what came of it. False where a signal stopped it.
-bool Search(FitRecord &record) {
+bool Search(const fit::FitParameters &parameters, std::list<SolutionScore> &solutions, FitRecord &record) {
     FitProgress progress(record, record.options.quiet);
     const bool finished =
-        RunFit(progress, &record.poses,
+        RunFit(parameters, solutions, progress, &record.poses,
                {.anyNumberOfPoses = record.options.force, .threads = unsigned(record.options.threads)});
     if (!progress.LogError().isEmpty())
         throw formats::FileError(*record.options.log, "",
@@ -60,14 +35,15 @@ bool Search(FitRecord &record) {
     if (!finished && StopSignal() == 0)
         throw std::runtime_error("the fit did not start");
     if (!finished)
-        weed(Solutions, top_size);
-    record.solutions = RankByScore(Solutions);
+        weed(solutions, parameters.keep);
+    record.solutions = RankByScore(solutions);
     return finished;
 }
 
 /// The files come first: whoever reads standard output may have gone away. False where a file failed.
-bool Deliver(const FitRecord &record, const FitInput &input, const std::string &outOfReach) {
-    const auto [written, errors] = WriteFitOutputs(record, Solutions, input.target, input.targetFormat);
+bool Deliver(const FitRecord &record, const std::list<SolutionScore> &solutions, const FitInput &input,
+             const std::string &outOfReach) {
+    const auto [written, errors] = WriteFitOutputs(record, solutions, input.target, input.targetFormat);
     if (!outOfReach.empty())
         Warn(outOfReach);
     if (record.poses.accepted == 0)
@@ -86,26 +62,24 @@ int Run(const Arguments &arguments) {
     record.options = ReadFitOptions(arguments, Warn);
     const FitOptions &options = record.options;
     CheckFitOptions(options);
-    if (options.restraints)
-        CheckRestraintsFile(*options.restraints);
     const FitInput input = ReadFitInput(options, Warn);
     CheckFitOutputs(options, ModelFiles(options, input.targetFormat));
-    SetParameters(options, input);
-    const fit::Survey survey = CheckFit(options, input, Warn);
+    const fit::FitParameters parameters = ParametersOf(options, input);
+    const fit::Survey survey = CheckFit(options, input, parameters, Warn);
     const std::string outOfReach = WarningOfReach(survey, options, *input.map);
     if (!outOfReach.empty())
         Warn(outOfReach);
-    SetLog(options);
     record.chain = input.target->GetName();
     if (!options.quiet)
-        ReportInput(options, input, survey);
+        ReportInput(options, input, parameters, survey);
     StopSignals stopSignals("the current axis");
-    const bool finished = Search(record);
+    std::list<SolutionScore> solutions;
+    const bool finished = Search(parameters, solutions, record);
     if (!finished)
         Warn("stopped by " + SignalName(StopSignal()) + " after " + std::to_string(record.axesDone) + " of " +
              std::to_string(record.axes) + " axes; what was found by then is written");
     stopSignals.EnterStep("the writing of what was found");
-    if (!Deliver(record, input, outOfReach))
+    if (!Deliver(record, solutions, input, outOfReach))
         return Failed;
     return finished ? int(Succeeded) : 128 + StopSignal();
 }

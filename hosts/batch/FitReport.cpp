@@ -8,7 +8,6 @@
 
 #include "hosts/common/Chains.h"
 
-#include "Parameters.h"
 #include "fit/Cost.h"
 
 #include <algorithm>
@@ -83,7 +82,7 @@ QString LeftOut(const SolidFile &solid, const Chain *target) {
     return text;
 }
 
-void ReportSolid(const FitInput &input, const fit::Survey &survey) {
+void ReportSolid(const FitInput &input, const fit::FitParameters &parameters, const fit::Survey &survey) {
     for (const SolidFile &solid : input.solids) {
         PrintItem("Solid", Text(solid.file));
         PrintItem("", ChainWord(solid.chains));
@@ -93,8 +92,8 @@ void ReportSolid(const FitInput &input, const fit::Survey &survey) {
     if (!input.solids.empty())
         PrintItem("", QString("%1 of %2 residues lie within %3 Å of the target's centre")
                           .arg(survey.solid.points.size())
-                          .arg(m_Solid.size())
-                          .arg(base::GeneralNumber(double(survey.inclusionDistance))));
+                          .arg(parameters.solid.size())
+                          .arg(base::GeneralNumber(double(parameters.inclusionDistance))));
 }
 
 void ReportRestraints(const FitOptions &options, const fit::Survey &survey) {
@@ -110,8 +109,9 @@ QString PoseNumber(double poses) {
     return poses < 1e15 ? Text(base::Grouped(std::uint64_t(poses))) : base::GeneralNumber(poses);
 }
 
-void ReportSearch(const FitOptions &options, const fit::Survey &survey) {
-    const fit::FitCost cost = fit::EstimateCost(survey);
+void ReportSearch(const FitOptions &options, const fit::FitParameters &parameters,
+                  const fit::Survey &survey) {
+    const fit::FitCost cost = fit::EstimateCost(parameters, survey);
     const int steps = fit::OddCount(options.translationSteps);
     PrintItem("Search", QString("%1 axes, turned about in steps of %2°")
                             .arg(base::GeneralNumber(cost.axes), base::GeneralNumber(options.rotationStep)));
@@ -182,12 +182,13 @@ void PrintSample(const FitRecord &record) {
 
 } // namespace
 
-void ReportInput(const FitOptions &options, const FitInput &input, const fit::Survey &survey) {
+void ReportInput(const FitOptions &options, const FitInput &input, const fit::FitParameters &parameters,
+                 const fit::Survey &survey) {
     ReportMap(options, input);
     ReportTarget(options, input, survey.target);
-    ReportSolid(input, survey);
+    ReportSolid(input, parameters, survey);
     ReportRestraints(options, survey);
-    ReportSearch(options, survey);
+    ReportSearch(options, parameters, survey);
     std::cout << std::flush;
 }
 

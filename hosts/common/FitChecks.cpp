@@ -8,7 +8,6 @@
 #include "hosts/common/Pace.h"
 #include "hosts/common/RestraintsCheck.h"
 
-#include "Parameters.h"
 #include "fit/Cost.h"
 #include "formats/files/FileError.h"
 
@@ -42,10 +41,11 @@ std::string FirstOf(const std::vector<std::string> &names) {
     return names.size() > shown ? text + " and " + std::to_string(names.size() - shown) + " more" : text;
 }
 
-void CheckRestraints(const FitOptions &options, const fit::Survey &survey, const WarningSink &warn) {
+void CheckRestraints(const FitOptions &options, const fit::FitParameters &parameters,
+                     const fit::Survey &survey, const WarningSink &warn) {
     if (!options.restraints)
         return;
-    const std::vector<std::string> unknown = UnknownResidues(survey.records, m_Target);
+    const std::vector<std::string> unknown = UnknownResidues(parameters.restraints, parameters.target);
     const std::string problem = "the target has no residue of that name with a position: " + FirstOf(unknown);
     if (survey.target.restraints.empty())
         throw FileError(*options.restraints, "", "no record names a residue of the target: " + problem);
@@ -63,18 +63,20 @@ void CheckSolid(const FitOptions &options, const fit::Survey &survey, const Warn
 }
 
 /// Why the fit is not to be run, with what it would take; empty when it may.
-std::string Refusal(const fit::Survey &survey, const FitOptions &options) {
-    const fit::FitCost cost = fit::EstimateCost(survey);
-    const QString atAll = fit::RefuseFit(cost, gammaStep, true);
+std::string Refusal(const FitOptions &options, const fit::FitParameters &parameters,
+                    const fit::Survey &survey) {
+    const fit::FitCost cost = fit::EstimateCost(parameters, survey);
+    const QString atAll = fit::RefuseFit(cost, parameters.angleStep, true);
     if (!atAll.isEmpty())
         return atAll.toStdString();
     if (options.force || cost.poses < fewPoses)
         return {};
     // With a log poses are scored one by one.
     const double pace =
-        MeasurePace(survey, {.poseByPose = options.log.has_value(), .threads = unsigned(options.threads)});
+        MeasurePace(parameters, survey.target,
+                    {.poseByPose = options.log.has_value(), .threads = unsigned(options.threads)});
     const double seconds = cost.poses / pace;
-    std::string problem = fit::RefuseFit(cost, gammaStep, false).toStdString();
+    std::string problem = fit::RefuseFit(cost, parameters.angleStep, false).toStdString();
     if (problem.empty() && seconds > longestFit)
         problem = "The fit would try " + base::GeneralNumber(cost.poses).toStdString() + " poses.";
     if (problem.empty())
@@ -86,12 +88,13 @@ std::string Refusal(const fit::Survey &survey, const FitOptions &options) {
 
 } // namespace
 
-fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const WarningSink &warn) {
-    fit::Survey survey = fit::SurveyFit();
+fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const fit::FitParameters &parameters,
+                     const WarningSink &warn) {
+    fit::Survey survey = fit::SurveyFit(parameters);
     CheckTarget(options, input, survey.target, warn);
-    CheckRestraints(options, survey, warn);
+    CheckRestraints(options, parameters, survey, warn);
     CheckSolid(options, survey, warn);
-    if (const std::string refusal = Refusal(survey, options); !refusal.empty())
+    if (const std::string refusal = Refusal(options, parameters, survey); !refusal.empty())
         throw std::runtime_error(refusal);
     return survey;
 }

@@ -2,8 +2,10 @@
 
 #include "hosts/common/Chains.h"
 #include "hosts/common/Inputs.h"
+#include "hosts/common/RestraintsCheck.h"
 
 #include "Collect.h"
+#include "Parameters.h"
 #include "formats/files/FileError.h"
 
 #include <algorithm>
@@ -81,8 +83,10 @@ std::vector<Compound *> FitInput::SolidResidues() const {
 }
 
 FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn) {
-    CheckNoneTwice(options.solids);
     FitInput input;
+    if (options.restraints)
+        input.restraints = LoadRestraints(*options.restraints);
+    CheckNoneTwice(options.solids);
     formats::StructureReport report;
     const Clump *targetModel = LoadStructure(options.target, warn, &report);
     input.target = ChooseChain(options.target, targetModel, options.chain);
@@ -96,6 +100,23 @@ FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn) {
     CheckNamedChains(options, input.solids);
     input.map = LoadMap(options.map, warn, &input.mapReport);
     return input;
+}
+
+fit::FitParameters ParametersOf(const FitOptions &options, const FitInput &input) {
+    fit::FitParameters parameters;
+    parameters.axisDepth = options.axis;
+    parameters.angleStep = Radians(options.rotationStep);
+    parameters.translationStep = options.translationStep;
+    parameters.translationCount = options.translationSteps;
+    parameters.keep = options.keep;
+    parameters.logging = options.log.has_value();
+    parameters.log = QString::fromStdString(options.log.value_or(""));
+    parameters.restraints = input.restraints;
+    parameters.inclusionDistance = float(options.inclusionDistance);
+    parameters.target = input.target;
+    parameters.map = input.map;
+    parameters.solid = input.SolidResidues();
+    return parameters;
 }
 
 } // namespace hosts

@@ -5,6 +5,7 @@
 #include "hosts/common/WarningSink.h"
 
 #include "Compound.h"
+#include "fit/FitParameters.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 
@@ -25,13 +26,17 @@ struct FitInput {
     VARNO::Chain *target = nullptr;
     formats::StructureFormat targetFormat = formats::StructureFormat::Pdb;
     std::vector<SolidFile> solids;
+    std::vector<fit::RestraintRecord> restraints;
 
     /// The residues of all solid files' chains that are used.
     std::vector<VARNO::Compound *> SolidResidues() const;
 };
 
-/// Reads the map, the target and the solids. `warn` hears what the readers took differently from how it
-/// stands. Throws FileError.
+/// Reads the restraints, the target, the solids and the map. `warn` hears what the readers took differently
+/// from how it stands. Throws FileError.
 FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn);
+
+/// What the engine is asked to do with that input.
+fit::FitParameters ParametersOf(const FitOptions &options, const FitInput &input);
 
 } // namespace hosts

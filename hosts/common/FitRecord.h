@@ -3,7 +3,8 @@
 #include "hosts/common/FitOptions.h"
 
 #include "search/PoseSample.h"
-#include "search/Search.h"
+#include "search/SearchPasses.h"
+#include "solutions/Solution.h"
 
 #include <list>
 

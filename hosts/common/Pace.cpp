@@ -44,19 +44,23 @@ private:
 
 } // namespace
 
-double MeasurePace(const fit::Survey &survey, const search::SearchOptions &options) {
+double MeasurePace(const fit::FitParameters &parameters, const fit::Target &target,
+                   const SearchOptions &options) {
     // Few enough that a single axis does not take long.
-    constexpr int mostTranslations = 11;
+    constexpr int maxTranslations = 11;
     fit::Preparation trial;
-    trial.map = dynamic_cast<const Grid *>(m_Map);
-    trial.target = survey.target;
+    trial.map = parameters.map;
+    trial.target = target;
     trial.axes = fit::RotationAxes(4);
-    trial.offsets = fit::TranslationOffsets(fit::OddCount(std::min(TCount, mostTranslations)), Step);
+    const int translations = fit::OddCount(std::min(parameters.translationCount, maxTranslations));
+    trial.offsets = fit::TranslationOffsets(translations, parameters.translationStep);
     trial.angleStep = Radians(45);
+    fit::FitParameters withoutLog;
+    withoutLog.keep = parameters.keep;
+    std::list<SolutionScore> solutions;
     search::PoseCounts counts;
     Stopwatch stopwatch(counts);
-    search::RunSearch(trial, stopwatch, counts, options);
-    Solutions.clear();
+    RunSearch(trial, withoutLog, solutions, stopwatch, counts, options);
     return stopwatch.Pace();
 }
 

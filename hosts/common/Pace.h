@@ -1,13 +1,13 @@
 #pragma once
 
-#include "fit/Preparation.h"
-#include "search/Search.h"
+#include "RunFit.h"
+#include "fit/Target.h"
 
 namespace hosts {
 
-/// Poses that this machine scores in a second: measured on a small search of the surveyed target in the map
-/// `m_Map`, with the translations of the fit. Leaves `Solutions` empty; writes no file, so `logging` has to
-/// be off and `em_fname` empty.
-double MeasurePace(const fit::Survey &survey, const search::SearchOptions &options);
+/// Poses that this machine scores in a second: measured on a small search of the target in the parameters'
+/// map, with the translations of the fit. Writes no log.
+double MeasurePace(const fit::FitParameters &parameters, const fit::Target &target,
+                   const SearchOptions &options);
 
 } // namespace hosts

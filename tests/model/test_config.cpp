@@ -17,10 +17,7 @@ namespace {
 class ConfigTest : public testing::Test {
 protected:
     ConfigTest() { Config::SetUserFile(folder.File("absent.ini")); }
-    ~ConfigTest() override {
-        Config::EndOverrides();
-        Config::SetUserFile(before);
-    }
+    ~ConfigTest() override { Config::SetUserFile(before); }
 
     void UserFile(const std::string &text) { Config::SetUserFile(folder.Write("user.ini", text)); }
 
@@ -183,21 +180,6 @@ TEST_F(ConfigTest, ConvertsNumbersInTheCLocale) {
         EXPECT_EQ(Setting(text).ToFloat(&ok), number) << text;
         EXPECT_EQ(ok, converts) << text;
     }
-}
-
-TEST_F(ConfigTest, OverridesAValueUntilOverridingEnds) {
-    UserFile("[Morvanex]\nMarginal=40\n");
-    Config::Override("Morvanex", "Marginal", "12.5");
-    Config::Override("Morvanex", "New", "a, b\\c");
-    EXPECT_EQ(Config::GetSetting("Morvanex", "Marginal").ToFloat(), 12.5f);
-    EXPECT_EQ(Text("New"), "a, b\\c");
-    EXPECT_EQ(Text("Axis"), "2");
-    Config::Override("Morvanex", "Marginal", "13");
-    EXPECT_EQ(Text("Marginal"), "13");
-    Config::EndOverrides();
-    EXPECT_EQ(Text("Marginal"), "40");
-    EXPECT_EQ(Text("New"), "");
-    EXPECT_EQ(ReadFile(Config::GetUserFile()), "[Morvanex]\nMarginal=40\n");
 }
 
 TEST_F(ConfigTest, LooksForTheUsersFileInTheUsersConfigurationFolder) {

@@ -70,7 +70,7 @@ void KeepLast(std::vector<EntryNumber> &numbers, std::uint64_t count) {
 
 } // namespace
 
-bool FastSearch::Serves(const fit::Preparation &fit) {
+bool FastSearch::Serves(const fit::Preparation &fit, const std::list<SolutionScore> &solutions) {
     const std::size_t points = fit.target.points.size();
     if (!fit.map || points == 0 || points > LevelMap::maxPoints || fit.offsets.empty() || !AreInRange(fit))
         return false;
@@ -82,7 +82,7 @@ bool FastSearch::Serves(const fit::Preparation &fit) {
         if (grid && !(GridLayout::Holds(*grid) && AreFinite(grid->Values())))
             return false;
     return GridBytes(fit) <= MemoryAllowance(fit) &&
-           std::ranges::all_of(Solutions, [](const SolutionScore &s) { return std::isfinite(s.score); });
+           std::ranges::all_of(solutions, [](const SolutionScore &s) { return std::isfinite(s.score); });
 }
 
 unsigned FastSearch::ThreadsWithin(const fit::Preparation &fit, int keep, unsigned threads) {
@@ -91,20 +91,22 @@ unsigned FastSearch::ThreadsWithin(const fit::Preparation &fit, int keep, unsign
     return unsigned(std::clamp(fitting, 1.0, double(threads)));
 }
 
-FastSearch::FastSearch(const fit::Preparation &fit, int keep, unsigned threads, search::PoseCounts &counts)
+FastSearch::FastSearch(const fit::Preparation &fit, int keep, unsigned threads,
+                       std::list<SolutionScore> &solutions, search::PoseCounts &counts)
     : m_fit(fit)
     , m_keep(std::size_t(std::max(keep, 0)))
+    , m_solutions(solutions)
     , m_counts(counts)
     , m_grids(fit)
     , m_scorer(fit, m_grids)
     , m_best(m_keep)
     , m_poseScorer(fit)
     , m_rotations(fit)
-    , m_earlier(Solutions.size())
+    , m_earlier(solutions.size())
     , m_next(m_earlier)
     , m_appended(m_earlier) {
     EntryNumber number = 0;
-    for (const SolutionScore &solution : Solutions)
+    for (const SolutionScore &solution : solutions)
         m_best.Add(solution.score, number++);
     m_best.Advance(m_earlier, m_earlier);
     if (const unsigned many = ThreadsWithin(fit, keep, threads); many > 1)
@@ -146,7 +148,7 @@ void FastSearch::Complete() {
     if (m_appended < m_keep)
         std::ranges::sort(numbers);
     List(numbers);
-    weed(Solutions, int(m_keep));
+    weed(m_solutions, int(m_keep));
 }
 
 void FastSearch::Abandon() {
@@ -206,13 +208,13 @@ void FastSearch::KeepLastAccepted(std::uint64_t rotation, std::uint64_t count,
     KeepLast(accepted, count);
 }
 
-/// Makes `Solutions` consist of these entries, in this order.
+/// Makes the list consist of these entries, in this order.
 void FastSearch::List(const std::vector<EntryNumber> &numbers) {
     std::vector<std::size_t> order(numbers.size());
     std::iota(order.begin(), order.end(), std::size_t(0));
     std::ranges::sort(order, {}, [&numbers](std::size_t i) { return numbers[i]; });
     std::vector<SolutionScore> solutions(numbers.size());
-    auto earlier = Solutions.begin();
+    auto earlier = m_solutions.begin();
     EntryNumber reached = 0;
     for (const std::size_t i : order) {
         if (numbers[i] < m_earlier) {
@@ -225,7 +227,7 @@ void FastSearch::List(const std::vector<EntryNumber> &numbers) {
             solutions[i] = m_poseScorer.Score(m_fit.offsets[pose % m_fit.offsets.size()]);
         }
     }
-    Solutions.assign(std::move_iterator(solutions.begin()), std::move_iterator(solutions.end()));
+    m_solutions.assign(std::move_iterator(solutions.begin()), std::move_iterator(solutions.end()));
 }
 
 } // namespace fast

@@ -4,7 +4,6 @@
 #include "fast/BestPoses.h"
 #include "fit/Rotations.h"
 #include "search/PoseScorer.h"
-#include "search/Search.h"
 #include "search/SearchPasses.h"
 #include "solutions/Solution.h"
 
@@ -15,15 +14,17 @@ namespace fast {
 class FastSearch : public search::SearchPasses {
 public:
     /// Whether this search can take the place of the pose-by-pose one, and is worth its preparation.
-    static bool Serves(const fit::Preparation &fit);
+    static bool Serves(const fit::Preparation &fit, const std::list<SolutionScore> &solutions);
 
     /// How many of `threads` may score poses, 1 or more: what they take beside the host's own map stays
     /// within twice that map and 64 MiB.
     static unsigned ThreadsWithin(const fit::Preparation &fit, int keep, unsigned threads);
 
-    /// Keeps the `keep` best. `counts` is kept up to date from pass to pass; `Solutions` is brought up to
-    /// date by `Complete` and `Abandon` alone. More than one thread score the axes beside the caller's.
-    FastSearch(const fit::Preparation &fit, int keep, unsigned threads, search::PoseCounts &counts);
+    /// Keeps the `keep` best. `counts` is kept up to date from pass to pass; `solutions` is brought up to
+    /// date by `Complete` and `Abandon` alone. All references must outlive it. More than one thread score the
+    /// axes beside the caller's.
+    FastSearch(const fit::Preparation &fit, int keep, unsigned threads, std::list<SolutionScore> &solutions,
+               search::PoseCounts &counts);
 
     void Identity() override;
     void Axis(std::size_t number) override;
@@ -40,6 +41,7 @@ private:
 
     const fit::Preparation &m_fit;
     std::size_t m_keep;
+    std::list<SolutionScore> &m_solutions;
     search::PoseCounts &m_counts;
     LevelGrids m_grids;
     CubeScorer m_scorer;

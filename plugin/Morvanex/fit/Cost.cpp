@@ -4,7 +4,6 @@
 
 #include "base/Numbers.h"
 
-#include "Parameters.h"
 #include "fit/Angles.h"
 #include "solutions/RecordBytes.h"
 
@@ -27,22 +26,30 @@ QString GiB(double bytes) {
     return Figure(bytes / (1024.0 * 1024.0 * 1024.0), 1) + " GiB";
 }
 
+/// Values of the angle: counted, since where the step divides the turn rounding decides on the last one. So
+/// many that counting would take a while need not be known to the last.
+double AngleCount(double step) {
+    constexpr double countable = 1e6;
+    const double steps = fullTurn / step;
+    return steps >= 0 && steps < countable ? double(Angles(step).Count()) : std::floor(steps);
+}
+
 } // namespace
 
-FitCost EstimateCost(const Survey &survey) {
+FitCost EstimateCost(const FitParameters &parameters, const Survey &survey) {
     // An axis stands in the list and, while the list is built, in a set of nodes.
     constexpr double axisBytes = sizeof(Vertex) + 48.0;
     const double record = solutions::RecordBytes(survey.target.restraints.size());
-    const double count = std::max(OddCount(TCount), 0);
+    const double count = std::max(OddCount(parameters.translationCount), 0);
     const double offsets = count * count * count;
     FitCost cost;
-    cost.axes = 5 * std::pow(4.0, std::max(Axis, 0)) + 1;
-    cost.angles = std::floor(fullTurn / gammaStep);
+    cost.axes = 5 * std::pow(4.0, std::max(parameters.axisDepth, 0)) + 1;
+    cost.angles = AngleCount(parameters.angleStep);
     cost.poses = offsets * (1 + cost.axes * cost.angles);
     cost.axisBytes = cost.axes * axisBytes;
     cost.offsetBytes = offsets * sizeof(Vertex);
     cost.identityBytes = offsets * record;
-    cost.listBytes = (2.0 * std::max(top_size, 0) + 1) * record;
+    cost.listBytes = (2.0 * std::max(parameters.keep, 0) + 1) * record;
     if (!survey.solid.points.empty()) {
         const KeepOutLayout layout = LayOutKeepOut(survey.solid);
         cost.keepOutBytes = layout.nodes[0] * layout.nodes[1] * layout.nodes[2] * sizeof(float);

@@ -21,8 +21,8 @@ struct FitCost {
 /// The most poses that a fit may have unless its user insists: weeks of computing.
 constexpr double poseLimit = 1e13;
 
-/// The cost of a fit with the current parameters.
-FitCost EstimateCost(const Survey &survey);
+/// What a fit with these parameters costs.
+FitCost EstimateCost(const FitParameters &parameters, const Survey &survey);
 
 /// Why a fit of that cost cannot run, with the figures; empty when it can. It cannot when the rotation step
 /// is not a positive finite number of radians or too small for an angle to grow by it, when it has more than

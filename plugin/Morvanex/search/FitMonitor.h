@@ -1,7 +1,8 @@
 #pragma once
 
 #include "fit/Preparation.h"
-#include "solutions/Solution.h"
+
+#include <QString>
 
 namespace search {
 

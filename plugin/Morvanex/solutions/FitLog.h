@@ -5,6 +5,13 @@
 
 namespace solutions {
 
+/// A file that knows why it took only a part of what was written: the rest is offered once more, and refused
+/// with the reason.
+class WholeFile : public QFile {
+protected:
+    qint64 writeData(const char *data, qint64 size) override;
+};
+
 /// The log of accepted poses. Its file is emptied by every fit, whether anything is logged or not. A file
 /// that cannot be opened is not reported: the lines are lost.
 class FitLog {
@@ -20,7 +27,7 @@ public:
     QString ErrorText() const { return m_file.errorString(); }
 
 private:
-    QFile m_file;
+    WholeFile m_file;
     QTextStream m_stream;
     bool m_writing = false;
 };

@@ -8,9 +8,17 @@
 
 class QIODevice;
 
-namespace solutions {
+/// The results file: the comment line, then one line per solution in the order of the list. The log of a fit
+/// has the same lines.
+///
+/// A line holds 8 + n numbers separated by blanks: the quaternion's w, x, y, z and the translation's x, y, z
+/// in Å (two decimals), the score (three decimals) and n extra scores (two decimals).
 
-/// The results file: the comment line, then one line per solution in the order of the list.
+/// The words of a line, separated by blanks only. A word of a single character at the very end of the line is
+/// not returned: files and programs that rely on the line format have been written against that.
+std::vector<QString> split(const QString &line);
+
+namespace solutions {
 
 /// Writes the list to an open device.
 void WriteResults(QIODevice &device, const std::list<SolutionScore> &solutions);

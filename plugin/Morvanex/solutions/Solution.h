@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Types.h"
+#include "Transform.h"
 
 #include <QString>
 
@@ -8,10 +8,6 @@
 #include <vector>
 
 /// One scored pose: it maps a target point p to rotation·p + translation, in the model frame.
-///
-/// As text it is one line of 8 + n numbers separated by blanks: the quaternion's w, x, y, z and the
-/// translation's x, y, z in Å (two decimals), the score (three decimals) and n extra scores (two decimals).
-/// The same line stands in results files and in the log.
 struct SolutionScore {
     /// The score that marks a pose as rejected for collision. One whose density sums to exactly that is
     /// dropped the same way.
@@ -24,10 +20,10 @@ struct SolutionScore {
 
     bool IsAccepted() const { return score != rejected; }
 
-    /// The record as one line, without a line end.
+    /// The record as a line of a results file, without a line end.
     QString getLine() const;
-    /// Overwrites the record from a line. Numbers are read in single precision; a word that is no number, or
-    /// that is missing, reads as 0. Words beyond the eighth become the extra scores.
+    /// Overwrites the record from such a line. Numbers are read in single precision; a word that is no
+    /// number, or that is missing, reads as 0. Words beyond the eighth become the extra scores.
     void setFromLine(const QString &line);
     /// The comment line that heads a results file, without a line end.
     static QString getFormatComment();
@@ -41,7 +37,3 @@ inline bool operator<(const SolutionScore &a, const SolutionScore &b) {
 /// The list that the search fills, the results dialog shows and builds from, and files are saved from and
 /// loaded into.
 extern std::list<SolutionScore> Solutions;
-
-/// The words of a line, separated by blanks only. A word of a single character at the very end of the line is
-/// not returned: files and programs that rely on the line format have been written against that.
-std::vector<QString> split(const QString &line);

@@ -2,7 +2,7 @@
 
 #include "Atom.h"
 #include "Collect.h"
-#include "Group.h"
+#include "Residue.h"
 #include "Space.h"
 #include "formats/files/FileError.h"
 

@@ -1,7 +1,7 @@
 #include "Atom.h"
 #include "Collect.h"
 #include "DataAdder.h"
-#include "Group.h"
+#include "Residue.h"
 #include "StructureFixture.h"
 #include "TestData.h"
 #include "formats/files/FileError.h"

@@ -6,7 +6,9 @@
 
 #include "Collect.h"
 #include "Messages.h"
+#include "ModelGuard.h"
 #include "Parameters.h"
+#include "RunFit.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 #include "solutions/ResultsFile.h"
@@ -65,25 +67,23 @@ std::string EngineResults(const std::string &map, const std::string &model, cons
     const ModelGuard guard;
     const Messages silence;
     const auto *clump = formats::ReadStructure(model);
-    m_Target = ChooseChain(model, clump, "A");
-    m_Solid.clear();
-    GetResidues(ChooseChain(model, clump, "B"), m_Solid, true);
-    m_Map = formats::ReadMap(map);
-    Axis = 0;
-    gammaStep = Radians(30);
-    Step = 3;
-    TCount = 3;
-    top_size = 20;
-    logging = true;
-    em_fname = QString::fromStdString(log);
-    restraints = false;
-    Solutions.clear();
+    fit::FitParameters parameters;
+    parameters.angleStep = Radians(30);
+    parameters.translationStep = 3;
+    parameters.translationCount = 3;
+    parameters.keep = 20;
+    parameters.logging = true;
+    parameters.log = QString::fromStdString(log);
+    parameters.inclusionDistance = 60;
+    parameters.target = ChooseChain(model, clump, "A");
+    parameters.map = formats::ReadMap(map);
+    GetResidues(ChooseChain(model, clump, "B"), parameters.solid, true);
+    std::list<SolutionScore> solutions;
     Nobody nobody;
-    search::RunFit(nobody);
+    ::RunFit(parameters, solutions, nobody);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    solutions::WriteResults(buffer, Solutions);
-    Solutions.clear();
+    solutions::WriteResults(buffer, solutions);
     return buffer.data().toStdString();
 }
 

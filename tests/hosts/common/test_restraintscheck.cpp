@@ -22,7 +22,7 @@ std::string ErrorOf(const std::string &content) {
     const TemporaryFolder folder;
     const std::string file = folder.Write("restraints.txt", content);
     try {
-        CheckRestraintsFile(file);
+        LoadRestraints(file);
     } catch (const formats::FileError &error) {
         return std::string(error.what()).substr(file.size());
     }
@@ -31,7 +31,7 @@ std::string ErrorOf(const std::string &content) {
 
 std::string ErrorOfPath(const std::string &path) {
     try {
-        CheckRestraintsFile(path);
+        LoadRestraints(path);
     } catch (const formats::FileError &error) {
         return error.what();
     }
@@ -40,13 +40,14 @@ std::string ErrorOfPath(const std::string &path) {
 
 } // namespace
 
-TEST(CheckRestraintsFile, TakesRecordsSeparatedByAnyWhiteSpace) {
+TEST(LoadRestraints, TakesRecordsSeparatedByAnyWhiteSpace) {
     EXPECT_EQ(ErrorOf("LYS6 10.5 -3.25 7.0\n"), "no error");
     EXPECT_EQ(ErrorOf("LYS6\t10.5\t-3.25 7.0  VAL26 1 2e1\n\n+3 \r\n  \n"), "no error");
     EXPECT_EQ(ErrorOf("\xEF\xBB\xBFLYS6 1 2 3"), "no error");
+    EXPECT_EQ(ErrorOf("LYS6 1.e1 2. \u22123"), "no error");
 }
 
-TEST(CheckRestraintsFile, NamesLineAndWordThatIsNoNumber) {
+TEST(LoadRestraints, NamesLineAndWordThatIsNoNumber) {
     EXPECT_EQ(ErrorOf("LYS6 1 2 3\n\nVAL26 1 2x 3\n"),
               ": line 3: '2x', a coordinate of 'VAL26', is not a number");
     EXPECT_EQ(ErrorOf("LYS 6 1 2 3\n"), ": line 1: the record of '3' has fewer than three coordinates");
@@ -59,15 +60,16 @@ TEST(CheckRestraintsFile, NamesLineAndWordThatIsNoNumber) {
               ": line 2: the record of 'VAL26' has fewer than three coordinates");
 }
 
-TEST(CheckRestraintsFile, RefusesWhatIsNoText) {
+TEST(LoadRestraints, RefusesWhatIsNoText) {
     EXPECT_EQ(ErrorOf(std::string("LYS6 1 2 3\n\0", 12)), ": is no text file");
     EXPECT_EQ(ErrorOf("LYS6 1 2 3\n\xE9\n"), ": is no text file");
     EXPECT_EQ(ErrorOf("MAP \x01\x02"), ": is no text file");
+    EXPECT_EQ(ErrorOf("LYS6 1 2 3\nVAL26 1 2 3\xC3"), ": is no text file");
     EXPECT_EQ(ErrorOf(""), ": holds no restraint");
     EXPECT_EQ(ErrorOf(" \n\t\n"), ": holds no restraint");
 }
 
-TEST(CheckRestraintsFile, RefusesWhatTheEngineDoesNotRead) {
+TEST(LoadRestraints, RefusesWhatTheEngineDoesNotRead) {
     const TemporaryFolder folder;
     EXPECT_EQ(ErrorOfPath(folder.File("absent")),
               folder.File("absent") + ": cannot be read: No such file or directory");

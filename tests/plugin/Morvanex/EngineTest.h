@@ -2,9 +2,9 @@
 
 #include "ModelGuard.h"
 #include "PlainFit.h"
+#include "RunFit.h"
 #include "TemporaryFolder.h"
 #include "search/FitMonitor.h"
-#include "search/Search.h"
 
 #include <gtest/gtest.h>
 

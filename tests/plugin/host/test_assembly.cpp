@@ -1,6 +1,6 @@
 #include "HostTest.h"
 
-#include "Group.h"
+#include "Residue.h"
 
 #include <limits>
 

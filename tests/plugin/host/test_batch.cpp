@@ -2,7 +2,7 @@
 
 #include "TestData.h"
 
-#include "Group.h"
+#include "Residue.h"
 
 #include <QProcess>
 

@@ -4,7 +4,7 @@
 
 #include "Atom.h"
 #include "Collect.h"
-#include "Group.h"
+#include "Residue.h"
 #include "Transform.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"

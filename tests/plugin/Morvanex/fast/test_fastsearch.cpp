@@ -1,8 +1,8 @@
 #include "LongTests.h"
 #include "Messages.h"
 #include "OnlyTarget.h"
-#include "Parameters.h"
 #include "RandomSearch.h"
+#include "RunFit.h"
 #include "fast/FastSearch.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +17,9 @@ namespace {
 /// Answers yes when the search asks for the n-th time whether to stop, and writes down everything it hears.
 class Listener : public search::FitMonitor {
 public:
-    explicit Listener(std::optional<std::size_t> cancelAt)
-        : m_cancelAt(cancelAt) {}
+    Listener(std::optional<std::size_t> cancelAt, const std::list<SolutionScore> &solutions)
+        : m_cancelAt(cancelAt)
+        , m_solutions(solutions) {}
 
     void Started(const fit::Preparation &) override { heard.push_back("started"); }
     bool IsCancelled() override {
@@ -29,13 +30,14 @@ public:
     void AxisDone(std::size_t done, std::size_t axes, double) override {
         heard.push_back("axis " + std::to_string(done) + " of " + std::to_string(axes));
     }
-    void Cancelled() override { heard.push_back("cancelled with " + std::to_string(Solutions.size())); }
-    void Finished() override { heard.push_back("finished with " + std::to_string(Solutions.size())); }
+    void Cancelled() override { heard.push_back("cancelled with " + std::to_string(m_solutions.size())); }
+    void Finished() override { heard.push_back("finished with " + std::to_string(m_solutions.size())); }
 
     std::vector<std::string> heard;
 
 private:
     std::optional<std::size_t> m_cancelAt;
+    const std::list<SolutionScore> &m_solutions;
     std::size_t m_asked = 0;
 };
 
@@ -61,17 +63,16 @@ struct Outcome {
     std::uint64_t tried = 0, accepted = 0, scoredExactly = 0;
 };
 
-Outcome RunRandom(const RandomSearch &random, const search::SearchOptions &options) {
-    Solutions = random.earlier;
-    top_size = random.keep;
-    logging = false;
-    em_fname.clear();
-    Listener listener(random.cancelAt);
+Outcome RunRandom(const RandomSearch &random, const SearchOptions &options) {
+    fit::FitParameters parameters;
+    parameters.keep = random.keep;
+    std::list<SolutionScore> solutions = random.earlier;
+    Listener listener(random.cancelAt, solutions);
     search::PoseCounts counts;
     Outcome outcome;
     const Messages messages;
-    outcome.completed = search::RunSearch(random.fit, listener, counts, options);
-    for (const SolutionScore &solution : Solutions)
+    outcome.completed = RunSearch(random.fit, parameters, solutions, listener, counts, options);
+    for (const SolutionScore &solution : solutions)
         outcome.solutions.push_back(BitsOf(solution));
     outcome.heard = listener.heard;
     outcome.debug = messages.Debug();
@@ -79,7 +80,6 @@ Outcome RunRandom(const RandomSearch &random, const search::SearchOptions &optio
     outcome.tried = counts.tried;
     outcome.accepted = counts.accepted;
     outcome.scoredExactly = counts.scoredExactly;
-    Solutions.clear();
     return outcome;
 }
 
@@ -94,10 +94,7 @@ void ExpectSame(const Outcome &found, const Outcome &expected) {
 }
 
 bool Serves(const RandomSearch &random) {
-    Solutions = random.earlier;
-    const bool serves = fast::FastSearch::Serves(random.fit);
-    Solutions.clear();
-    return serves;
+    return fast::FastSearch::Serves(random.fit, random.earlier);
 }
 
 class FastSearchOn : public testing::TestWithParam<std::int64_t> {};

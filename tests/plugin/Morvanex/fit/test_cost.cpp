@@ -20,16 +20,18 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 class Cost : public EngineTest {
 protected:
     Cost() {
-        Axis = 1;
-        gammaStep = Radians(10);
-        Step = 2;
-        TCount = 4;
-        top_size = 10;
-        m_Target = AddChain(ResiduesAt({{0, 0, 0}, {2, 4, 6}}));
+        parameters.axisDepth = 1;
+        parameters.angleStep = Radians(10);
+        parameters.translationStep = 2;
+        parameters.translationCount = 4;
+        parameters.keep = 10;
+        parameters.inclusionDistance = 60;
+        parameters.target = AddChain(ResiduesAt({{0, 0, 0}, {2, 4, 6}}));
     }
 
-    fit::FitCost Estimate() const { return fit::EstimateCost(fit::SurveyFit()); }
+    fit::FitCost Estimate() const { return fit::EstimateCost(parameters, fit::SurveyFit(parameters)); }
 
+    fit::FitParameters parameters;
     const Messages quiet;
 };
 
@@ -50,38 +52,38 @@ TEST_F(Cost, CountsWhatTheSearchWillTry) {
     EXPECT_GE(cost.listBytes, 21 * sizeof(SolutionScore));
     EXPECT_EQ(cost.keepOutBytes, 0);
     EXPECT_EQ(cost.Bytes(), cost.axisBytes + cost.offsetBytes + cost.identityBytes + cost.listBytes);
-    EXPECT_EQ(Refusal(cost, gammaStep), "");
+    EXPECT_EQ(Refusal(cost, parameters.angleStep), "");
 }
 
 TEST_F(Cost, AgreesWithTheSearch) {
-    for (const double degrees : {45.0, 90.0, 77.0, 360.0, 400.0}) {
-        gammaStep = Radians(degrees);
+    for (const double degrees : {30.0, 45.0, 72.0, 90.0, 77.0, 360.0, 400.0}) {
+        parameters.angleStep = Radians(degrees);
         const fit::FitCost cost = Estimate();
         RecordingMonitor monitor;
         search::PoseCounts counts;
-        RunFit(monitor, &counts);
-        EXPECT_NEAR(cost.poses, double(counts.tried), 125 * 21) << degrees; // rounding may add an angle
+        std::list<SolutionScore> solutions;
+        RunFit(parameters, solutions, monitor, &counts);
+        EXPECT_EQ(cost.poses, double(counts.tried)) << degrees;
     }
 }
 
 TEST_F(Cost, KnowsTheKeepOutGrid) {
-    m_Solid = ResiduesOf(AddChain(ResiduesAt({{0, 0, 0}, {20, 30, 40}})));
+    parameters.solid = ResiduesOf(AddChain(ResiduesAt({{0, 0, 0}, {20, 30, 40}})));
     const double expected = Estimate().keepOutBytes;
-    const Grid *grid = fit::PrepareFit(fit::SurveyFit(), nullptr).keepOut;
+    const Grid *grid = fit::PrepareFit(parameters, fit::SurveyFit(parameters)).keepOut;
     EXPECT_EQ(expected, double(grid->Values().size_bytes()));
 }
 
 TEST_F(Cost, RestraintsMakeRecordsLarger) {
     const double before = Estimate().identityBytes;
-    restraints = true;
-    re_fname = QString::fromStdString(folder.Write("restraints.txt", "GLY1 1 2 3 GLY1 1 2 3 GLY2 1 2 3"));
+    parameters.restraints = fit::ParseRestraints("GLY1 1 2 3 GLY1 1 2 3 GLY2 1 2 3");
     EXPECT_GE(Estimate().identityBytes, before + 375 * sizeof(double));
 }
 
 TEST_F(Cost, NegativeNumbersCountAsNothing) {
-    Axis = -3;
-    TCount = -7;
-    top_size = -5;
+    parameters.axisDepth = -3;
+    parameters.translationCount = -7;
+    parameters.keep = -5;
     const fit::FitCost cost = Estimate();
     EXPECT_EQ(cost.axes, 6);
     EXPECT_EQ(cost.poses, 0);
@@ -91,15 +93,15 @@ TEST_F(Cost, NegativeNumbersCountAsNothing) {
 }
 
 TEST_F(Cost, TheLargestNumbersDoNotOverflow) {
-    Axis = std::numeric_limits<int>::max();
-    TCount = std::numeric_limits<int>::max();
-    top_size = std::numeric_limits<int>::max();
-    gammaStep = 1e-300;
+    parameters.axisDepth = std::numeric_limits<int>::max();
+    parameters.translationCount = std::numeric_limits<int>::max();
+    parameters.keep = std::numeric_limits<int>::max();
+    parameters.angleStep = 1e-300;
     const fit::FitCost cost = Estimate();
     EXPECT_EQ(cost.axes, infinity);
     EXPECT_EQ(cost.poses, infinity);
     EXPECT_GT(cost.offsetBytes, 1e29);
-    EXPECT_GT(cost.listBytes, 2.0 * top_size * sizeof(SolutionScore));
+    EXPECT_GT(cost.listBytes, 2.0 * parameters.keep * sizeof(SolutionScore));
     EXPECT_NE(Refusal(cost, 1), "");
     EXPECT_NE(Refusal(cost, 1, true), "");
 }

@@ -34,21 +34,21 @@ std::vector<Point> Positions(const std::vector<TaggedPoint> &points) {
 class PreparationTest : public EngineTest {
 protected:
     PreparationTest() {
-        Axis = 0;
-        gammaStep = 1;
-        Step = 2;
-        TCount = 1;
-        top_size = 10;
-        m_Target = AddChain(ResiduesAt({{0, 0, 0}, {2, 4, 6}}));
+        parameters.angleStep = 1;
+        parameters.translationStep = 2;
+        parameters.translationCount = 1;
+        parameters.keep = 10;
+        parameters.inclusionDistance = 60;
+        parameters.target = AddChain(ResiduesAt({{0, 0, 0}, {2, 4, 6}}));
     }
 
-    void SetSolid(const std::vector<PlainResidue> &residues) { m_Solid = ResiduesOf(AddChain(residues)); }
-    void SetRestraints(const std::string &text) {
-        restraints = true;
-        re_fname = QString::fromStdString(folder.Write("restraints.txt", text));
+    void SetSolid(const std::vector<PlainResidue> &residues) {
+        parameters.solid = ResiduesOf(AddChain(residues));
     }
-    fit::Preparation Prepare() { return fit::PrepareFit(fit::SurveyFit(), nullptr); }
+    void SetRestraints(const std::string &text) { parameters.restraints = fit::ParseRestraints(text); }
+    fit::Preparation Prepare() { return fit::PrepareFit(parameters, fit::SurveyFit(parameters)); }
 
+    fit::FitParameters parameters;
     const Messages messages;
 };
 
@@ -142,7 +142,7 @@ TEST_F(PreparationTest, TheSolidsBoxHoldsItsNearResidues) {
 TEST_F(PreparationTest, SolidEntriesThatAreNoResiduesArePassedBy) {
     std::vector<Compound *> nodes = ResiduesOf(AddChain({{"ALA", "1", Point{1, 2, 3}}, {"GLY", "2", {}}}));
     nodes.insert(nodes.begin(), nullptr);
-    nodes.push_back(m_Target);
+    nodes.push_back(parameters.target);
     const fit::Solid solid = fit::CollectSolid(nodes, V(0, 0, 0), 100);
     EXPECT_THAT(Positions(solid.points), ElementsAre(Point{1, 2, 3}));
     EXPECT_EQ(solid.invalidResidues, 1u);
@@ -284,46 +284,35 @@ TEST_F(PreparationTest, EvenCountsBecomeTheNextOdd) {
     EXPECT_EQ(fit::OddCount(std::numeric_limits<int>::max()), std::numeric_limits<int>::max());
 }
 
-TEST_F(PreparationTest, AnEvenTranslationCountIsStoredBackOdd) {
-    TCount = 4;
+TEST_F(PreparationTest, AnEvenTranslationCountBecomesOdd) {
+    parameters.translationCount = 4;
     const fit::Preparation fit = Prepare();
-    EXPECT_EQ(TCount, 5);
     ASSERT_EQ(fit.offsets.size(), 125u);
     EXPECT_EQ(fit.offsets.front(), V(-4, -4, -4));
     EXPECT_EQ(fit.offsets.back(), V(4, 4, 4));
 }
 
 TEST_F(PreparationTest, TheSurveyChangesNothing) {
-    TCount = 4;
     SetSolid(ResiduesAt({{1, 1, 1}}));
     SetRestraints("GLY1 1 2 3\n");
-    const fit::Survey survey = fit::SurveyFit();
+    const fit::Survey survey = fit::SurveyFit(parameters);
     EXPECT_EQ(survey.solid.points.size(), 1u);
     EXPECT_EQ(survey.target.restraints.size(), 1u);
-    EXPECT_EQ(TCount, 4);
     EXPECT_FALSE(FindGrid("GridFix"));
     EXPECT_THAT(messages.Debug(), IsEmpty());
     EXPECT_THAT(messages.Warnings(), IsEmpty());
 }
 
-TEST_F(PreparationTest, TheInclusionDistanceComesFromTheSettings) {
+TEST_F(PreparationTest, TheInclusionDistanceIsThatOfTheParameters) {
     SetSolid(ResiduesAt({{30, 0, 0}, {40, 0, 0}}));
-    SetMarginal(folder, "35.5");
-    EXPECT_EQ(fit::SurveyFit().inclusionDistance, 35.5f);
-    EXPECT_EQ(fit::SurveyFit().solid.points.size(), 1u);
-    SetMarginal(folder, "far");
-    EXPECT_EQ(fit::SurveyFit().inclusionDistance, 0.0f);
-    EXPECT_THAT(fit::SurveyFit().solid.points, IsEmpty());
-}
-
-TEST_F(PreparationTest, RestraintsAreReadOnlyWhereTheyAreAskedFor) {
-    SetRestraints("GLY1 1 2 3");
-    restraints = false;
-    EXPECT_THAT(fit::SurveyFit().records, IsEmpty());
+    parameters.inclusionDistance = 35.5f;
+    EXPECT_EQ(fit::SurveyFit(parameters).solid.points.size(), 1u);
+    parameters.inclusionDistance = 0;
+    EXPECT_THAT(fit::SurveyFit(parameters).solid.points, IsEmpty());
 }
 
 TEST_F(PreparationTest, MessagesOfAPlainFit) {
-    Axis = 1;
+    parameters.axisDepth = 1;
     Prepare();
     EXPECT_THAT(messages.Debug(),
                 ElementsAre("Points 21", "Extra scores 1", "Solid inclusion distance:  60.000"));
@@ -331,7 +320,7 @@ TEST_F(PreparationTest, MessagesOfAPlainFit) {
 }
 
 TEST_F(PreparationTest, MessagesOfEverythingInTheirOrder) {
-    m_Target = AddChain(
+    parameters.target = AddChain(
         {{"ALA", "1", Point{0, 0, 0}}, {"GLY", "2", {}}, {"GLY", "3", {}}, {"GLY", "4", Point{1, 1, 1}}});
     SetSolid({{"ALA", "1", Point{10.2f, -3.5f, 44.1f}},
               {"ALA", "2", {}},
@@ -368,7 +357,7 @@ TEST_F(PreparationTest, ResidueNamesOfAnyLanguageAreToldOf) {
 
 TEST_F(PreparationTest, BoxCoordinatesHaveThreeDigits) {
     SetSolid(ResiduesAt({{12.345f, 1234.5f, -0.00012345f}}));
-    SetMarginal(folder, "5000");
+    parameters.inclusionDistance = 5000;
     Prepare();
     ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().back(),
@@ -377,7 +366,7 @@ TEST_F(PreparationTest, BoxCoordinatesHaveThreeDigits) {
 
 TEST_F(PreparationTest, TheBoxIsToldOfEvenWhereNothingIsNear) {
     SetSolid(ResiduesAt({{1, 1, 1}}));
-    SetMarginal(folder, "0");
+    parameters.inclusionDistance = 0;
     EXPECT_FALSE(Prepare().keepOut);
     ASSERT_FALSE(messages.Debug().empty());
     EXPECT_EQ(messages.Debug().back(),
@@ -392,7 +381,7 @@ TEST_F(PreparationTest, WithoutASolidNoBoxIsToldOf) {
 }
 
 TEST_F(PreparationTest, ATargetWithoutAnyPositionIsReportedAndTheFitGoesOn) {
-    m_Target = AddChain({{"ALA", "1", {}}});
+    parameters.target = AddChain({{"ALA", "1", {}}});
     SetSolid(ResiduesAt({{1, 1, 1}}));
     const fit::Preparation fit = Prepare();
     EXPECT_THAT(messages.Warnings(), ElementsAre("ASSERT: \"0 < count\" in Morvanex (580)"));
@@ -407,10 +396,10 @@ TEST_F(PreparationTest, EveryFitWithANearSolidAddsAGrid) {
 
 TEST_F(PreparationTest, TheSearchRunsOnWhatWasFound) {
     SetSolid(ResiduesAt({{1, 1, 1}}));
-    gammaStep = 0.25;
-    const Grid *map = AddMap(ConstantMap({2, 2, 2}, 1));
-    const fit::Preparation fit = fit::PrepareFit(fit::SurveyFit(), map);
-    EXPECT_EQ(fit.map, map);
+    parameters.angleStep = 0.25;
+    parameters.map = AddMap(ConstantMap({2, 2, 2}, 1));
+    const fit::Preparation fit = Prepare();
+    EXPECT_EQ(fit.map, parameters.map);
     EXPECT_EQ(fit.keepOut, FindGrid("GridFix"));
     EXPECT_EQ(fit.target.centre, V(1, 2, 3));
     EXPECT_THAT(fit.axes, SizeIs(6));

@@ -56,9 +56,46 @@ TEST(Restraints, AnEmptyFileHoldsNone) {
 TEST(Restraints, NothingInARecordIsChecked) {
     EXPECT_THAT(Records("ALA12 1"), ElementsAre("ALA12 1 0 0"));
     EXPECT_THAT(Records("ALA12"), ElementsAre("ALA12 0 0 0"));
-    EXPECT_EQ(Records("ALA12 one two three GLY3 1 2 3").front(), "ALA12 0 0 0");
     EXPECT_THAT(Records("1 2 3 4"), ElementsAre("1 2 3 4"));
     EXPECT_THAT(Records("ALA12 1e1 -2.5E-1 +3"), ElementsAre("ALA12 10 -0.25 3"));
+}
+
+TEST(Restraints, AWordThatIsNoNumberIsZeroAndShiftsNothing) {
+    EXPECT_THAT(Records("LYS6 abc 2 3 GLY3 1 2 3"), ElementsAre("LYS6 0 2 3", "GLY3 1 2 3"));
+    EXPECT_THAT(Records("LYS6 1.5x 2,5 3\nGLY3 1 2 3"), ElementsAre("LYS6 0 0 3", "GLY3 1 2 3"));
+    EXPECT_THAT(Records("ALA12 one two three GLY3 1 2 3"), ElementsAre("ALA12 0 0 0", "GLY3 1 2 3"));
+}
+
+TEST(Restraints, NumbersMayLackDigitsBehindThePoint) {
+    EXPECT_THAT(Records("LYS6 1.e1 -2.5e+00 3.\nGLY3 -1.e-01 .5 0."),
+                ElementsAre("LYS6 10 -2.5 3", "GLY3 -0.1 0.5 0"));
+}
+
+TEST(Restraints, TheMinusSignOfPrintedTextIsOne) {
+    EXPECT_THAT(Records("LYS6 \u22121.5 2 3"), ElementsAre("LYS6 -1.5 2 3"));
+}
+
+TEST(Restraints, NumbersTooLargeAreInfinite) {
+    EXPECT_THAT(Records("LYS6 1e99 -1e99 1e-99"), ElementsAre("LYS6 inf -inf 0"));
+}
+
+TEST(Restraints, EveryFaultIsSaidWithItsLine) {
+    std::vector<std::string> faults;
+    const auto records = fit::ParseRestraints(
+        "LYS6 a 2 3\n\nVAL26 1 b\ninf GLY \xc3", [&faults](std::size_t line, const QString &text) {
+            faults.push_back(std::to_string(line) + ": " + text.toStdString());
+        });
+    EXPECT_EQ(records.size(), 3u);
+    EXPECT_THAT(faults, ElementsAre("0: is no text file", "1: 'a', a coordinate of 'LYS6', is not a number",
+                                    "3: 'b', a coordinate of 'VAL26', is not a number",
+                                    "4: 'inf', a coordinate of 'VAL26', is not a number",
+                                    "4: the record of 'GLY' has fewer than three coordinates",
+                                    "4: '\xef\xbf\xbd', a coordinate of 'GLY', is not a number"));
+}
+
+TEST(Restraints, AFileOfAnotherEncodingIsReadByItsByteOrderMark) {
+    EXPECT_THAT(Records("\xef\xbb\xbfLYS6 1 2 3"), ElementsAre("LYS6 1 2 3"));
+    EXPECT_THAT(Records(std::string("\xff\xfeK\0 \0\x31\0 \0\x32\0 \0\x33\0", 16)), ElementsAre("K 1 2 3"));
 }
 
 TEST(Restraints, ABinaryFileEnds) {

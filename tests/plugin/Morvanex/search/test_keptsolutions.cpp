@@ -1,6 +1,5 @@
 #include "EngineTest.h"
 #include "Messages.h"
-#include "Parameters.h"
 #include "fast/FastSearch.h"
 #include "fit/Rotations.h"
 
@@ -22,7 +21,7 @@ constexpr auto tooShort = "Solutions list is shorter than requested size, not we
 
 struct Way {
     const char *name;
-    search::SearchOptions options;
+    SearchOptions options;
 };
 
 void PrintTo(const Way &way, std::ostream *out) {
@@ -55,27 +54,28 @@ protected:
 
     /// Runs the search, which is cancelled at that question, if any; that of the identity pass is 0.
     void Search(int keep, std::optional<std::size_t> cancelAt = {}) {
-        ASSERT_TRUE(fast::FastSearch::Serves(fit)) << "all ways would be one";
-        top_size = keep;
+        ASSERT_TRUE(fast::FastSearch::Serves(fit, solutions)) << "all ways would be one";
+        fit::FitParameters parameters;
+        parameters.keep = keep;
         counts = {};
         RecordingMonitor monitor(cancelAt);
-        EXPECT_EQ(search::RunSearch(fit, monitor, counts, GetParam().options), !cancelAt);
+        EXPECT_EQ(RunSearch(fit, parameters, solutions, monitor, counts, GetParam().options), !cancelAt);
     }
 
-    static std::vector<double> Scores() {
+    std::vector<double> Scores() const {
         std::vector<double> scores;
-        for (const SolutionScore &solution : Solutions)
+        for (const SolutionScore &solution : solutions)
             scores.push_back(solution.score);
         return scores;
     }
 
     /// Whether the only solution is the very last pose of the search.
     void ExpectTheLastPose() {
-        ASSERT_EQ(Solutions.size(), 1u);
+        ASSERT_EQ(solutions.size(), 1u);
         fit::Rotations rotations(fit);
         search::PoseScorer scorer(fit);
         scorer.Rotate(rotations.At(rotations.Count() - 1));
-        const SolutionScore last = scorer.Score(fit.offsets.back()), &found = Solutions.front();
+        const SolutionScore last = scorer.Score(fit.offsets.back()), &found = solutions.front();
         EXPECT_EQ(found.translation, last.translation);
         EXPECT_EQ(found.rotation.w(), last.rotation.w());
         EXPECT_EQ(found.rotation.x(), last.rotation.x());
@@ -85,6 +85,7 @@ protected:
     Grid map{"map", {2, 2, 2}, {-10, -10, -10}, {20, 20, 20}, {90, 90, 90}};
     Grid keepOut{"keep out", {15, 15, 15}, {-7, -7, -7}, {1, 1, 1}, {90, 90, 90}};
     fit::Preparation fit;
+    std::list<SolutionScore> solutions;
     search::PoseCounts counts;
     Messages messages;
 };
@@ -95,15 +96,15 @@ TEST_P(KeptSolutions, TheListIsTrimmedAfterTheFirstRotatedPoseEvenIfThatIsReject
     LetRotatedPosesCollide();
     Search(5, 1);
     EXPECT_EQ(counts.accepted, 27u);
-    EXPECT_EQ(Solutions.size(), 5u); // the identity pass alone left 27
+    EXPECT_EQ(solutions.size(), 5u); // the identity pass alone left 27
 }
 
 TEST_P(KeptSolutions, TheListIsTrimmedWhenItHasGrownBeyondTwiceTheSizeAndNotBefore) {
     Search(27, 1);
-    EXPECT_EQ(Solutions.size(), 54u);
-    Solutions.clear();
+    EXPECT_EQ(solutions.size(), 54u);
+    solutions.clear();
     Search(26, 1);
-    EXPECT_EQ(Solutions.size(), 26u + 1); // the 53rd is one too many, and one comes after it
+    EXPECT_EQ(solutions.size(), 26u + 1); // the 53rd is one too many, and one comes after it
 }
 
 TEST_P(KeptSolutions, OfEqualScoresTheLastPoseSurvives) {
@@ -158,20 +159,20 @@ TEST_P(KeptSolutions, AListJustAsLongAsAskedForIsSortedAndAShorterOneStaysInTheO
     map.SetValue(0, 0, 0, -2.5f);
     fit.offsets = fit::TranslationOffsets(3, 7);
     Search(55);
-    ASSERT_EQ(Solutions.size(), 54u);
+    ASSERT_EQ(solutions.size(), 54u);
     EXPECT_THAT(messages.Debug(), Contains(tooShort));
-    std::list<SolutionScore> expected = Solutions;
+    std::list<SolutionScore> expected = solutions;
     for (std::size_t i = 0; i < 27; ++i)
-        EXPECT_EQ(std::next(Solutions.begin(), std::ptrdiff_t(i))->translation, fit.offsets[i]);
+        EXPECT_EQ(std::next(solutions.begin(), std::ptrdiff_t(i))->translation, fit.offsets[i]);
     EXPECT_FALSE(std::ranges::is_sorted(Scores()));
 
     messages.Clear();
-    Solutions.clear();
+    solutions.clear();
     Search(54);
     EXPECT_THAT(messages.Debug(), Not(Contains(tooShort)));
     expected.sort(); // equal scores stay in their order
-    ASSERT_EQ(Solutions.size(), 54u);
-    EXPECT_TRUE(std::ranges::equal(Solutions, expected, [](const auto &a, const auto &b) {
+    ASSERT_EQ(solutions.size(), 54u);
+    EXPECT_TRUE(std::ranges::equal(solutions, expected, [](const auto &a, const auto &b) {
         return a.score == b.score && a.translation == b.translation && a.rotation.w() == b.rotation.w();
     }));
 }
@@ -180,8 +181,8 @@ TEST_P(KeptSolutions, AListJustAsLongAsAskedForStaysInTheOrderOfThePosesAfterACa
     map.SetValue(1, 1, 1, 3);
     fit.offsets = fit::TranslationOffsets(3, 7);
     Search(27, 0);
-    ASSERT_EQ(Solutions.size(), 27u);
-    auto solution = Solutions.begin();
+    ASSERT_EQ(solutions.size(), 27u);
+    auto solution = solutions.begin();
     for (const Vertex &offset : fit.offsets)
         EXPECT_EQ((solution++)->translation, offset);
 }

@@ -5,13 +5,35 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <filesystem>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using testing::IsEmpty;
 
 namespace {
+
+/// No file can grow beyond so many bytes while it lives, as on a disk that is full.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
 
 class FitLogTest : public testing::Test {
 protected:
@@ -88,4 +110,18 @@ TEST_F(FitLogTest, AFullDiskIsFoundWhereTheLinesOutgrowTheBuffers) {
     for (int i = 0; i < 10000; ++i)
         log.Stream() << "a line of some length, to fill whatever buffers there are\n";
     EXPECT_FALSE(log.Flush());
+    EXPECT_EQ(log.ErrorText(), "No space left on device");
+}
+
+TEST_F(FitLogTest, TheReasonIsKnownWhereAPartOfTheLinesIsWritten) {
+    for (const int lines : {2, 200}) {
+        const std::string file = folder.File(std::to_string(lines));
+        solutions::FitLog log;
+        log.Open(QString::fromStdString(file), true);
+        for (int i = 0; i < lines; ++i)
+            log.Stream() << "a line of some length, to fill whatever buffers there are\n";
+        const FileSizeLimit limit(100);
+        EXPECT_FALSE(log.Flush());
+        EXPECT_EQ(log.ErrorText(), "File too large");
+    }
 }

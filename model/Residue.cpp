@@ -1,4 +1,4 @@
-#include "Group.h"
+#include "Residue.h"
 
 #include <algorithm>
 #include <iterator>
