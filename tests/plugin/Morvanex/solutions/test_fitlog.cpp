@@ -115,13 +115,12 @@ TEST_F(FitLogTest, AFullDiskIsFoundWhereTheLinesOutgrowTheBuffers) {
 
 TEST_F(FitLogTest, TheReasonIsKnownWhereAPartOfTheLinesIsWritten) {
     for (const int lines : {2, 200}) {
-        const std::string file = folder.File(std::to_string(lines));
-        solutions::FitLog log;
-        log.Open(QString::fromStdString(file), true);
+        solutions::FitLog full;
+        full.Open(QString::fromStdString(folder.File(std::to_string(lines))), true);
         for (int i = 0; i < lines; ++i)
-            log.Stream() << "a line of some length, to fill whatever buffers there are\n";
+            full.Stream() << "a line of some length, to fill whatever buffers there are\n";
         const FileSizeLimit limit(100);
-        EXPECT_FALSE(log.Flush());
-        EXPECT_EQ(log.ErrorText(), "File too large");
+        EXPECT_FALSE(full.Flush());
+        EXPECT_EQ(full.ErrorText(), "File too large");
     }
 }
