@@ -32,10 +32,11 @@ constexpr double bandVoxel = 0.27;
 constexpr double usableNyquist = 0.93;
 /// Least power of a model's points in a shell, of that of independent points: a sum over few points may
 /// vanish by chance.
-constexpr double leastModelPower = 0.05;
-/// Share of a map's power beyond the filter's end above which nothing is said of confidence: sharpened
-/// without a low-pass. Sane maps have 0.04 and less.
-constexpr double mostSharpShare = 0.5;
+constexpr double minModelPower = 0.05;
+/// A map is sharpened without a low-pass, and nothing is said of confidence, where more than this share of
+/// its power lies beyond the filter's end, and waves there are this many times stronger than those just
+/// before it: those of white noise are as strong, those of a map grow weaker.
+constexpr double maxSharpShare = 0.5, maxSharpness = 2;
 
 // The levels of the search
 
@@ -63,7 +64,7 @@ constexpr double scanCells = 100, residueVolume = 135;
 /// Step of the rotation set: a point at the radius of gyration moves by this many widths of the level.
 constexpr double rotationStep = 1.8;
 /// Its bounds, degrees: small models still need every turn, and large ones are capped in cost.
-constexpr double leastRotationStep = 4, mostRotationStep = 30;
+constexpr double minRotationStep = 4, maxRotationStep = 30;
 /// Points that the scan sums, at most; 25 lose cases, 50 do not.
 constexpr std::size_t scanPoints = 80;
 /// Levels of a voxel, and the deviations from the mean at which they end: 17 of them fit a byte.
@@ -104,6 +105,8 @@ constexpr double wrongPerExpected = 3;
 constexpr double sameHole = 0.7;
 /// The probability from which a place is called found.
 constexpr double declared = 0.95;
+/// The place alone, without a turn, is called sure from here on: that names no pose, and has to be worth it.
+constexpr double declaredPlace = 0.99;
 /// Other turns weigh this much while the place itself is sure: the place is told, the turn is not.
 constexpr double unsureTurn = 0.05;
 

@@ -43,7 +43,7 @@ double ScanResolution(const PointModel &model, double resolution) {
 double RotationStep(const PointModel &model, double scanResolution) {
     constexpr double degree = std::numbers::pi / 180;
     const double step = rotationStep * coarseWidth * scanResolution / std::max(model.gyration, 1.0);
-    return std::clamp(step, leastRotationStep * degree, mostRotationStep * degree);
+    return std::clamp(step, minRotationStep * degree, maxRotationStep * degree);
 }
 
 /// The widths of the levels between the scan's and the finest, each narrower than the one before; the finest
@@ -55,6 +55,21 @@ std::vector<double> LevelWidths(double coarsest, double finest) {
         widths.push_back(width);
     widths.push_back(finest);
     return widths;
+}
+
+std::vector<double> ScoresOf(const std::vector<ScoredPose> &poses) {
+    std::vector<double> scores;
+    for (const ScoredPose &pose : poses)
+        scores.push_back(pose.score);
+    return scores;
+}
+
+/// What two opinions agree on.
+Confidence LessSure(const Confidence &a, const Confidence &b) {
+    return {.logExpected = std::max(a.logExpected, b.logExpected),
+            .place = std::min(a.place, b.place),
+            .otherTurns = std::max(a.otherTurns, b.otherTurns),
+            .probability = std::min(a.probability, b.probability)};
 }
 
 class Search {
@@ -119,58 +134,96 @@ private:
         std::vector<ScoredPose> poses;
         for (const Pose &start : starts)
             poses.push_back({start, 0});
-        const std::vector<double> widths = LevelWidths(m_coarsest, finestWidth * resolution);
-        const std::vector<double> equal(m_model.scanPoints.size(), 1);
-        const WeightedPoints scanned(m_model.scanPoints, equal);
-        double before = m_coarsest;
-        for (const double width : widths) {
-            const RefinementSteps steps{levelSteps, firstLevelStep * before, longestLevelStep * before};
-            if (width == widths.back())
-                break;
-            const Volume level = MakeLevel(LevelFilter(m_spectrum, width), levelVoxel * width);
-            RefineList(poses, level, width > pointWidth ? scanned : m_points, steps);
-            poses = DistinctBest(m_model, std::move(poses), mergedAtLevel * width,
-                                 std::size_t(survivors * double(refinedPoses)));
-            before = width;
-        }
         const RadialCurve power = DebyePower(m_model, cutEnd / resolution, m_spectrum.power.step / 2);
-        Volume finest = MakeLevel(MatchedFilter(m_spectrum, power), finestVoxel * finestWidth * resolution);
-        ScaleToUnitPower(finest);
-        RefineList(poses, finest, m_points, {levelSteps, firstLevelStep * before, longestLevelStep * before});
-        poses = DistinctBest(m_model, std::move(poses), mergedAtEnd * resolution, finalPoses);
-        RefineList(poses, finest, m_points,
-                   {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution});
-        Judge(DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses));
-        if (m_result.places.empty())
+        const double before = RefineThroughLevels(poses);
+        Volume finest = MakeFinest(MatchedFilter(m_spectrum, power));
+        const std::vector<ScoredPose> places = Finish(poses, finest, before);
+        if (places.empty())
             return;
+        ListPlaces(places);
         AddProfile(finest);
+        finest = {}; // before the next one takes as much memory
+        finest = MakeFinest(LevelFilter(m_spectrum, finestWidth * resolution));
+        const Confidence second = SecondOpinion(Finish(poses, finest, before), finest);
+        m_result.confidence = LessSure(m_result.confidence, second);
+        m_result.verdict = VerdictOf(m_result.confidence);
         finest = {};
         AddDensityShares();
     }
 
-    /// Refines each pose; those that a cancelled search did not come to are left out.
-    void RefineList(std::vector<ScoredPose> &poses, const Volume &level, const WeightedPoints &points,
-                    const RefinementSteps &steps) {
-        ForEach(poses.size(), m_parameters.threads, [&](std::size_t i, unsigned) {
-            poses[i] = Refine(level, points, m_model.gyration, poses[i].pose, steps);
-        });
+    /// Takes the poses through the levels between the scan's and the finest. Returns the last one's width.
+    double RefineThroughLevels(std::vector<ScoredPose> &poses) {
+        const std::vector<double> widths = LevelWidths(m_coarsest, finestWidth * m_parameters.resolution);
+        // Each level between is one list to refine; either of the two filters at the end has two.
+        m_lists = widths.size() - 1 + 4;
+        const std::vector<double> equal(m_model.scanPoints.size(), 1);
+        const WeightedPoints scanned(m_model.scanPoints, equal);
+        double before = m_coarsest;
+        for (auto width = widths.begin(); width + 1 != widths.end(); before = *width++) {
+            const Volume level = MakeLevel(LevelFilter(m_spectrum, *width), levelVoxel * *width);
+            RefineList(poses, level, *width > pointWidth ? scanned : m_points,
+                       {levelSteps, firstLevelStep * before, longestLevelStep * before});
+            poses = DistinctBest(m_model, std::move(poses), mergedAtLevel * *width,
+                                 std::size_t(survivors * double(refinedPoses)));
+        }
+        return before;
     }
 
-    void Judge(const std::vector<ScoredPose> &distinct) {
-        if (distinct.empty())
-            return;
-        std::vector<double> scores;
-        for (const ScoredPose &pose : distinct)
-            scores.push_back(pose.score);
-        const WrongTail tail = FitWrongTail(scores);
-        m_result.confidence = ConfidenceOf(m_model, distinct, tail);
-        for (const ScoredPose &pose : distinct)
-            m_result.places.push_back({.pose = pose.pose,
-                                       .translation = pose.pose.centre - pose.pose.rotation * m_model.centre,
-                                       .score = pose.score,
-                                       .probability = tail.Probability(pose.score),
-                                       .logExpected = tail.LogExpected(pose.score)});
-        m_result.verdict = VerdictOf(m_result.confidence);
+    Volume MakeFinest(const RadialCurve &filter) const {
+        Volume finest = MakeLevel(filter, finestVoxel * finestWidth * m_parameters.resolution);
+        ScaleToUnitPower(finest);
+        return finest;
+    }
+
+    /// Climbs to the maxima of the finest level; returns distinct places, best first.
+    std::vector<ScoredPose> Finish(std::vector<ScoredPose> poses, const Volume &finest, double before) {
+        const double resolution = m_parameters.resolution;
+        RefineList(poses, finest, m_points, {levelSteps, firstLevelStep * before, longestLevelStep * before});
+        poses = DistinctBest(m_model, std::move(poses), mergedAtEnd * resolution, finalPoses);
+        RefineList(poses, finest, m_points,
+                   {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution});
+        return DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses);
+    }
+
+    /// Refines each pose; a cancelled search only scores those that it has not come to.
+    void RefineList(std::vector<ScoredPose> &poses, const Volume &level, const WeightedPoints &points,
+                    const RefinementSteps &steps) {
+        std::atomic<std::size_t> done = 0;
+        ForEach(poses.size(), m_parameters.threads, [&](std::size_t i, unsigned worker) {
+            if (m_monitor.IsCancelled())
+                poses[i].score = ScorePose(level, points, poses[i].pose).score;
+            else
+                poses[i] = Refine(level, points, m_model.gyration, poses[i].pose, steps);
+            const double lists = double(m_listsDone) + double(++done) / double(poses.size());
+            if (worker == 0)
+                m_monitor.Advance(scanEnd + (1 - scanEnd) * lists / double(m_lists));
+        });
+        ++m_listsDone;
+    }
+
+    void ListPlaces(const std::vector<ScoredPose> &places) {
+        const WrongTail tail = FitWrongTail(ScoresOf(places));
+        m_result.confidence = ConfidenceOf(m_model, places, tail);
+        for (const ScoredPose &place : places)
+            m_result.places.push_back(
+                {.pose = place.pose,
+                 .translation = place.pose.centre - place.pose.rotation * m_model.centre,
+                 .score = place.score,
+                 .probability = tail.Probability(place.score),
+                 .logExpected = tail.LogExpected(place.score)});
+    }
+
+    /// How sure the first place is by the filter without the model, among the places that this filter finds.
+    Confidence SecondOpinion(const std::vector<ScoredPose> &places, const Volume &finest) const {
+        const double resolution = m_parameters.resolution;
+        std::vector<ScoredPose> list{
+            Refine(finest, m_points, m_model.gyration, m_result.places.front().pose,
+                   {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution})};
+        const double same = samePlace * resolution;
+        for (const ScoredPose &place : places)
+            if (SquaredRmsd(m_model, place.pose, list.front().pose) >= same * same)
+                list.push_back(place);
+        return ConfidenceOf(m_model, list, FitWrongTail(ScoresOf(places)));
     }
 
     /// The first place's score, residue by residue.
@@ -202,11 +255,11 @@ private:
     }
 
     Verdict VerdictOf(const Confidence &confidence) const {
-        if (m_result.sharpShare > mostSharpShare)
+        if (m_spectrum.sharpShare > maxSharpShare && m_spectrum.sharpness > maxSharpness)
             return Verdict::NotJudged;
         if (confidence.probability >= declared)
             return Verdict::Placed;
-        if (confidence.place >= declared && confidence.otherTurns > unsureTurn)
+        if (confidence.place >= declaredPlace && confidence.otherTurns > unsureTurn)
             return Verdict::TurnUnsure;
         return Verdict::NothingFound;
     }
@@ -216,7 +269,8 @@ private:
     PointModel m_model;
     Spectrum m_spectrum;
     WeightedPoints m_points;
-    double m_coarsest = 0; ///< width of the scan's level, Å
+    double m_coarsest = 0;                    ///< width of the scan's level, Å
+    std::size_t m_lists = 1, m_listsDone = 0; ///< of poses that are refined, for the progress
     PlacementResult m_result;
 };
 

@@ -32,7 +32,9 @@ enum class Verdict {
 
 struct PlacementResult {
     Verdict verdict = Verdict::NoDensity;
-    Confidence confidence;     ///< of the first place
+    /// Of the first place: the lesser one of what the matched filter and the filter without the model say,
+    /// each among the places that it finds. A wrong place seldom stands out by both.
+    Confidence confidence;
     std::vector<Place> places; ///< distinct ones, best first
     /// Of the first place: for each residue the mean of the filtered map at its electrons, in standard
     /// deviations of that map. Low values tell which part of the model fits badly.

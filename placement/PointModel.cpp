@@ -11,7 +11,7 @@ namespace placement {
 namespace {
 
 /// Pairs whose distances are taken one by one: a few milliseconds.
-constexpr double mostPairs = 2e6;
+constexpr double maxPairs = 2e6;
 
 /// A sum of weighted positions.
 struct Gathered {
@@ -111,8 +111,7 @@ PointModel MakePointModel(const std::vector<ModelAtom> &atoms) {
 
 RadialCurve DebyePower(const PointModel &model, double end, double step) {
     const std::size_t points = model.points.size();
-    const auto stride =
-        std::size_t(std::max(1.0, std::ceil(double(points) * double(points) / 2 / mostPairs)));
+    const auto stride = std::size_t(std::max(1.0, std::ceil(double(points) * double(points) / 2 / maxPairs)));
     const double binWidth = 0.02 / end; // a fiftieth of the shortest wave
     std::vector<double> pairs(std::size_t(2 * model.radius / binWidth) + 2);
     double self = 0;
@@ -133,7 +132,7 @@ RadialCurve DebyePower(const PointModel &model, double end, double step) {
             if (pairs[bin] > 0)
                 sum += pairs[bin] * (x < 1e-6 ? 1 : std::sin(x) / x);
         }
-        return std::max(sum, leastModelPower * self);
+        return std::max(sum, minModelPower * self);
     });
 }
 

@@ -53,17 +53,24 @@ double Variance(std::span<const float> values) {
     return squares / double(values.size());
 }
 
-/// Part of the map's power that lies beyond k, its mean left out.
-double PowerBeyond(const Waves &waves, const VolumeView &map, double end) {
-    const double all = Variance(map.values);
-    if (all == 0)
-        return 0;
-    double within = 0;
+/// Tells how much of the map's power lies beyond the filter's end, and how strong a wave is there.
+void MeasureSharpness(const Waves &waves, const VolumeView &map, Spectrum &spectrum) {
+    const double all = Variance(map.values), number = double(map.values.size());
+    const double begin = cutBegin / spectrum.resolution, end = cutEnd / spectrum.resolution;
+    double within = 0, wavesWithin = 0, band = 0, wavesInBand = 0;
     ForEachWave(waves, [&](double k, double power, double weight) {
-        if (k > 0 && k <= end)
-            within += weight * power;
+        if (k == 0 || k > end)
+            return;
+        within += weight * power;
+        wavesWithin += weight;
+        band += k > begin ? weight * power : 0;
+        wavesInBand += k > begin ? weight : 0;
     });
-    return std::max(0.0, 1 - within / all);
+    if (!(all > 0 && band > 0 && number > wavesWithin + 1))
+        return;
+    const double beyond = std::max(0.0, all - within);
+    spectrum.sharpShare = beyond / all;
+    spectrum.sharpness = beyond / (number - 1 - wavesWithin) / (band / wavesInBand);
 }
 
 /// Mean of the values on the six faces.
@@ -172,7 +179,7 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
     const bool holdsMore = 0.5 / Smallest(map.spacing) > bandBegin / resolution;
     if (holdsMore) {
         Waves own = Transform(map.count, map.spacing, map.origin, RowsOf(map), bandEnd / resolution, threads);
-        spectrum.sharpShare = PowerBeyond(own, map, cutEnd / resolution);
+        MeasureSharpness(own, map, spectrum);
         const RadialCurve band = Sample(bandEnd / resolution, 0.01 / resolution, [&](double k) {
             return LetDown(k * resolution, bandBegin, bandEnd);
         });

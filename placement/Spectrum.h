@@ -12,6 +12,7 @@ struct Spectrum {
     double nyquist = 0;          ///< of the map's widest voxel, 1/Å
     double resolution = 0;       ///< Å
     double sharpShare = 0;       ///< part of the map's power beyond `cutEnd` / resolution
+    double sharpness = 0;        ///< power of a wave there, of that of one between `cutBegin` and `cutEnd`
     std::array<double, 3> box{}; ///< lengths of the map itself, Å
 };
 

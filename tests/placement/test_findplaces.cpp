@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <stdexcept>
 
 using namespace placement;
@@ -131,6 +133,34 @@ TEST(FindPlaces, ItIsCancelledAtOnce) {
                                               {.resolution = 8, .threads = 1, .allowed = {}}, cancelled);
     EXPECT_TRUE(result.cancelled);
     EXPECT_NE(result.verdict, Verdict::Placed);
+}
+
+TEST(FindPlaces, TellsHowFarItIs) {
+    struct Recorder : Monitor {
+        void Advance(double share) override { shares.push_back(share); }
+        std::vector<double> shares;
+    } recorder;
+    const Complex complex;
+    FindPlaces(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model,
+               {.resolution = 8, .threads = 1, .allowed = {}}, recorder);
+    ASSERT_GT(recorder.shares.size(), 100u);
+    EXPECT_LT(recorder.shares.front(), 0.1);
+    EXPECT_TRUE(std::ranges::is_sorted(recorder.shares));
+    EXPECT_NEAR(recorder.shares.back(), 1, 1e-9);
+}
+
+TEST(FindPlaces, CancelledWhileItRefinesItKeepsWhatTheScanFound) {
+    struct Impatient : Monitor {
+        void Advance(double share) override { last = share; }
+        bool IsCancelled() override { return last > 0.6; }
+        double last = 0;
+    } impatient;
+    const Complex complex;
+    const PlacementResult result = FindPlaces(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model,
+                                              {.resolution = 8, .threads = 1, .allowed = {}}, impatient);
+    EXPECT_TRUE(result.cancelled);
+    ASSERT_FALSE(result.places.empty());
+    EXPECT_LT(complex.Error(result.places.front()), 5);
 }
 
 TEST(FindPlaces, RefusesWhatHasNoMeaning) {

@@ -40,6 +40,17 @@ TEST(Spectrum, PowerBeyondTheResolutionIsSeen) {
     EXPECT_LT(TransformMap(map, 10, 1).sharpShare, 0.01);
 }
 
+TEST(Spectrum, SharpenedNoiseIsToldFromWhiteNoise) {
+    Volume noise = Noise(48);
+    EXPECT_NEAR(TransformMap(noise, 6, 1).sharpness, 1, 0.1);
+    // The second difference along x strengthens the finest waves.
+    for (std::size_t i = noise.values.size() - 1; i > 1; --i)
+        noise.values[i] += noise.values[i - 2] - 2 * noise.values[i - 1];
+    EXPECT_GT(TransformMap(noise, 6, 1).sharpness, 2);
+    const Volume map = DensityOf(RandomModel(100, 1), 10, {2, 2, 2}, 12);
+    EXPECT_LT(TransformMap(map, 10, 1).sharpness, 0.5);
+}
+
 TEST(Spectrum, DensityThatTheBoxCutsMakesNoEdge) {
     Volume cut = DensityOf(RandomModel(300, 2), 10, {2, 2, 2}, -8);
     const Spectrum spectrum = TransformMap(cut, 10, 1);
