@@ -13,8 +13,9 @@ struct Shipped {
 };
 
 constexpr Shipped settings[] = {
-    {"Morvanex", "Axis", "2"},     {"Morvanex", "RotationStep", "10.0"},   {"Morvanex", "TransNum", "5"},
-    {"Morvanex", "TransStep", "5.0"}, {"Morvanex", "TopList", "100"}, {"Morvanex", "Output", "morvanex.log"},
+    {"Morvanex", "Axis", "2"},        {"Morvanex", "RotationStep", "10.0"},
+    {"Morvanex", "TransNum", "5"},    {"Morvanex", "TransStep", "5.0"},
+    {"Morvanex", "TopList", "100"},   {"Morvanex", "Output", "morvanex.log"},
     {"Morvanex", "Marginal", "60.0"},
 };
 
