@@ -59,6 +59,7 @@ std::vector<double> LevelWidths(double coarsest, double finest) {
 
 std::vector<double> ScoresOf(const std::vector<ScoredPose> &poses) {
     std::vector<double> scores;
+    scores.reserve(poses.size());
     for (const ScoredPose &pose : poses)
         scores.push_back(pose.score);
     return scores;
@@ -132,6 +133,7 @@ private:
     void RefineAll(const std::vector<Pose> &starts) {
         const double resolution = m_parameters.resolution;
         std::vector<ScoredPose> poses;
+        poses.reserve(starts.size());
         for (const Pose &start : starts)
             poses.push_back({start, 0});
         const RadialCurve power = DebyePower(m_model, cutEnd / resolution, m_spectrum.power.step / 2);

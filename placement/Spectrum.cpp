@@ -157,7 +157,7 @@ RadialCurve RadialPower(const Waves &waves, double end) {
     power.values.resize(std::size_t(end / power.step) + 3);
     std::vector<double> weights(power.values.size());
     ForEachWave(waves, [&](double k, double square, double weight) {
-        const auto shell = std::size_t(k / power.step + 0.5);
+        const auto shell = std::size_t(std::lround(k / power.step));
         if (shell < weights.size()) {
             power.values[shell] += weight * square;
             weights[shell] += weight;

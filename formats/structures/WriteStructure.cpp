@@ -29,15 +29,15 @@ struct WrittenChain {
     bool polymer;
 };
 
+/// Of a node that may be null, as children may.
 void CollectChains(const Compound *node, std::vector<WrittenChain> &chains) {
+    if (!node)
+        return;
     if (const auto *chain = dynamic_cast<const Chain *>(node))
         return chains.push_back({chain, chain->IsPolymer()});
     if (const auto *molecule = dynamic_cast<const Molecule *>(node); molecule && molecule->HoldsResidues())
         return chains.push_back({molecule, true});
-    const auto collect = [&](const Compound *below) {
-        if (below)
-            CollectChains(below, chains);
-    };
+    const auto collect = [&](const Compound *below) { CollectChains(below, chains); };
     std::for_each(node->ChildBegin(), node->ChildEnd(), collect);
     std::for_each(node->PartBegin(), node->PartEnd(), collect);
 }
