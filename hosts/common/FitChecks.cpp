@@ -104,8 +104,9 @@ std::string WarningOfReach(const fit::Survey &survey, const FitOptions &options,
     double radius = 0;
     for (const auto &[point, tag] : survey.target.points)
         radius = std::max(radius, std::sqrt(double((point - centre).SquaredLength())));
-    const double travel = std::abs(options.translationStep) * (options.translationSteps / 2);
-    double fromCentre[3], fromCube[3];
+    const int steps = options.translationSteps / 2;
+    const double travel = std::abs(options.translationStep) * steps;
+    double fromCentre[3] = {}, fromCube[3] = {};
     for (const unsigned i : {0u, 1u, 2u}) {
         // Points count up to one and a half spacings before the first voxel and half a one behind the last.
         const double spacing = double(map.Spacing()[i]), origin = double(map.Origin()[i]);
