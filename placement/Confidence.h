@@ -14,7 +14,7 @@ struct WrongTail {
 
     /// ln E: of the number of wrong places that are expected to score at least as well.
     double LogExpected(double score) const;
-    /// p = 1/(1 + 3·E).
+    /// p = 1/(1 + 60·E).
     double Probability(double score) const;
 };
 
