@@ -103,9 +103,7 @@ int Run(const Arguments &arguments) {
     solutions.reserve(ranks.size());
     for (const long rank : ranks)
         solutions.push_back(list.OfRank(rank));
-    const std::optional<std::string> identifier =
-        arguments.Has("--chain") ? std::optional(arguments.Text("--chain")) : std::nullopt;
-    Chain *chain = ChooseChain(target, LoadStructure(target, Warn), identifier);
+    Chain *chain = ChooseChain(target, LoadStructure(target, Warn), arguments.GivenText("--chain"));
     std::cout << "target: chain " << Printable(ChainNames({chain})) << " of " << Printable(target) << '\n';
     PrintRoundingCost(list, chain);
     for (std::size_t i = 0; i < files.size(); ++i)

@@ -1,10 +1,9 @@
 #include "FitArguments.h"
 
+#include "CommonOptions.h"
 #include "hosts/common/Settings.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <thread>
 
 using namespace cli;
 using namespace hosts;
@@ -14,39 +13,20 @@ namespace batch {
 namespace {
 
 /// The option's number, or the configured one.
-int IntegerOf(const Arguments &arguments, const std::string &option, const std::string &key,
-              const WarningSink &warn) {
+int IntegerOrSetting(const Arguments &arguments, const std::string &option, const std::string &key,
+                     const WarningSink &warn) {
     return arguments.Has(option) ? arguments.Integer(option) : IntegerSetting(key, warn);
 }
 
-double NumberOf(const Arguments &arguments, const std::string &option, const std::string &key,
-                const WarningSink &warn) {
+double NumberOrSetting(const Arguments &arguments, const std::string &option, const std::string &key,
+                       const WarningSink &warn) {
     return arguments.Has(option) ? arguments.Number(option) : NumberSetting(key, warn);
-}
-
-std::optional<std::string> GivenText(const Arguments &arguments, const std::string &option) {
-    return arguments.Has(option) ? std::optional(arguments.Text(option)) : std::nullopt;
 }
 
 /// The configured depth passes through the dialog's field, which holds it inside its range.
 int AxisOf(const Arguments &arguments, const WarningSink &warn) {
-    const int axis = IntegerOf(arguments, "--axis", "Axis", warn);
+    const int axis = IntegerOrSetting(arguments, "--axis", "Axis", warn);
     return arguments.Has("--axis") ? axis : std::clamp(axis, 0, maxAxis);
-}
-
-int ThreadsOf(const Arguments &arguments) {
-    if (arguments.Has("--threads"))
-        return arguments.Integer("--threads");
-    return std::clamp(int(std::thread::hardware_concurrency()), 1, maxThreads);
-}
-
-std::string ModelPrefix(const Arguments &arguments) {
-    if (arguments.Has("--model-prefix"))
-        return arguments.Text("--model-prefix");
-    std::filesystem::path name = std::filesystem::path(arguments.Text("--target")).filename();
-    while (name.has_extension())
-        name = name.stem();
-    return name.string() + "-fit-";
 }
 
 } // namespace
@@ -56,13 +36,7 @@ std::vector<Option> FitOptionTable() {
         return "\"" + key + "\" of the settings file, " + value + " as shipped";
     };
     return {
-        {.name = "--map",
-         .value = Value::File,
-         .valueName = "FILE",
-         .help =
-             "The density map, MRC2014 or CCP4 with an orthogonal cell, plain or compressed by gzip or bzip2",
-         .required = true,
-         .heading = "Input"},
+        Headed("Input", MapOption()),
         {.name = "--target",
          .value = Value::File,
          .valueName = "FILE",
@@ -129,19 +103,9 @@ std::vector<Option> FitOptionTable() {
          .help =
              "Fixed residues farther than this from the target's centre, in Å, are ignored; inf uses all of them",
          .defaultText = shipped("Marginal", "60.0")},
-        {.name = "--threads",
-         .value = Value::Integer,
-         .valueName = "N",
-         .help = "Number of threads that score poses; the results do not depend on it. With --log there is "
-                 "only one",
-         .defaultText = "one for each core available to the command"},
+        ThreadsOption("score poses", "With --log there is only one"),
 
-        {.name = "--results",
-         .value = Value::File,
-         .valueName = "FILE",
-         .help = "Write the kept solutions, the best last, in the format that the results dialog loads",
-         .defaultText = "no file",
-         .heading = "Output"},
+        Headed("Output", ResultsOption("the kept solutions")),
         {.name = "--log",
          .value = Value::File,
          .valueName = "FILE",
@@ -149,25 +113,12 @@ std::vector<Option> FitOptionTable() {
              "Write every accepted pose while the search runs. Such a search scores pose by pose and takes "
              "many times as long",
          .defaultText = "no file"},
-        {.name = "--json",
-         .value = Value::File,
-         .valueName = "FILE",
-         .help = "Write the settings, the counts and every kept solution in full precision, the best first",
-         .defaultText = "no file"},
-        {.name = "--models",
-         .value = Value::Integer,
-         .valueName = "N",
-         .help = "Write the N best solutions as structures: the target chain with all its atoms, in the "
-                 "target file's format",
-         .defaultText = "0"},
-        {.name = "--model-prefix",
-         .value = Value::Text,
-         .valueName = "PATH",
-         .help = "What the models' file names begin with; the rank and .pdb or .cif follow",
-         .defaultText = "the target file's name without folder and extensions, then -fit-, in the current "
-                        "folder"},
-        {.name = "--quiet",
-         .help = "Print neither the summary of the input nor progress; warnings and the table stay"},
+        JsonOption(
+            "Write the settings, the counts and every kept solution in full precision, the best first"),
+        ModelsOption("Write the N best solutions as structures: the target chain with all its atoms, "
+                     "in the target file's format"),
+        ModelPrefixOption("--target", "fit"),
+        QuietOption("Print neither the summary of the input nor progress; warnings and the table stay"),
         {.name = "--force", .help = "Run the fit even if it takes more than a year"},
     };
 }
@@ -178,23 +129,23 @@ FitOptions ReadFitOptions(const Arguments &arguments, const WarningSink &warn) {
     FitOptions options;
     options.map = arguments.Text("--map");
     options.target = arguments.Text("--target");
-    options.chain = GivenText(arguments, "--chain");
+    options.chain = arguments.GivenText("--chain");
     options.solids = arguments.Texts("--solid");
     options.solidChains = arguments.List("--solid-chains");
-    options.restraints = GivenText(arguments, "--restraints");
+    options.restraints = arguments.GivenText("--restraints");
 
     options.axis = AxisOf(arguments, warn);
-    options.rotationStep = NumberOf(arguments, "--rotation-step", "RotationStep", warn);
-    options.translationStep = NumberOf(arguments, "--translation-step", "TransStep", warn);
-    options.translationSteps = IntegerOf(arguments, "--translation-steps", "TransNum", warn);
-    options.keep = IntegerOf(arguments, "--keep", "TopList", warn);
-    options.inclusionDistance = NumberOf(arguments, "--inclusion-distance", "Marginal", warn);
+    options.rotationStep = NumberOrSetting(arguments, "--rotation-step", "RotationStep", warn);
+    options.translationStep = NumberOrSetting(arguments, "--translation-step", "TransStep", warn);
+    options.translationSteps = IntegerOrSetting(arguments, "--translation-steps", "TransNum", warn);
+    options.keep = IntegerOrSetting(arguments, "--keep", "TopList", warn);
+    options.inclusionDistance = NumberOrSetting(arguments, "--inclusion-distance", "Marginal", warn);
 
-    options.results = GivenText(arguments, "--results");
-    options.log = GivenText(arguments, "--log");
-    options.json = GivenText(arguments, "--json");
+    options.results = arguments.GivenText("--results");
+    options.log = arguments.GivenText("--log");
+    options.json = arguments.GivenText("--json");
     options.models = arguments.Integer("--models");
-    options.modelPrefix = ModelPrefix(arguments);
+    options.modelPrefix = ModelPrefixOf(arguments, "--target", "fit");
     options.quiet = arguments.Has("--quiet");
     options.force = arguments.Has("--force");
     options.threads = ThreadsOf(arguments);

@@ -124,6 +124,10 @@ std::string Arguments::Text(const std::string &option) const {
     return found == values.end() || found->second.empty() ? std::string() : found->second.back();
 }
 
+std::optional<std::string> Arguments::GivenText(const std::string &option) const {
+    return Has(option) ? std::optional(Text(option)) : std::nullopt;
+}
+
 std::vector<std::string> Arguments::Texts(const std::string &option) const {
     const auto found = values.find(option);
     return found == values.end() ? std::vector<std::string>() : found->second;

@@ -16,6 +16,8 @@ struct Arguments {
     bool Has(const std::string &option) const { return values.contains(option); }
     /// The option's value; empty where it was not given.
     std::string Text(const std::string &option) const;
+    /// The option's value; nothing where it was not given.
+    std::optional<std::string> GivenText(const std::string &option) const;
     /// The option's value taken apart at its commas; nothing where it was not given.
     std::optional<std::vector<std::string>> List(const std::string &option) const;
     /// All values of a repeatable option, in the order given.

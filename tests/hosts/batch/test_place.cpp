@@ -143,10 +143,10 @@ TEST_F(Place, RefusesNumbersThatMakeNoSense) {
     const auto errorOf = [&](const std::string &option, const std::string &value) {
         return ErrorOf({"place", "--map", "x", "--model", "y", "--resolution", "8", option, value});
     };
-    EXPECT_THAT(errorOf("--threads", "0"), StartsWith("--threads 0: must be"));
-    EXPECT_THAT(errorOf("--models", "-1"), StartsWith("--models -1: must be"));
+    EXPECT_THAT(errorOf("--threads", "0"), StartsWith("--threads: 0 is not"));
+    EXPECT_THAT(errorOf("--models", "-1"), StartsWith("--models: -1 is not"));
     EXPECT_THAT(ErrorOf({"place", "--map", "x", "--model", "y", "--resolution", "0"}),
-                StartsWith("--resolution 0: must be a number"));
+                StartsWith("--resolution: 0 is not a number"));
     EXPECT_THAT(ErrorOf({"place", "--map", "x", "--model", "y", "--resolution", "nan"}),
                 HasSubstr("--resolution"));
 }

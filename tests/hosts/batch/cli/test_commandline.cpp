@@ -117,4 +117,6 @@ TEST(Arguments, AListIsTakenApartAtItsCommas) {
     arguments.values["--chains"] = {"A,, B "};
     EXPECT_THAT(arguments.List("--chains"), testing::Optional(testing::ElementsAre("A", "", " B ")));
     EXPECT_EQ(arguments.List("--ranks"), std::nullopt);
+    EXPECT_EQ(arguments.GivenText("--chains"), "A,, B ");
+    EXPECT_EQ(arguments.GivenText("--ranks"), std::nullopt);
 }
