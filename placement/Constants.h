@@ -94,6 +94,17 @@ constexpr double firstFinalStep = 0.05, longestFinalStep = 0.3;
 /// Poses that are refined to the end; ninety distinct ones of them make the background.
 constexpr std::size_t finalPoses = 150;
 
+// Known neighbours
+
+/// Width of the Gaussian that an atom of a neighbour becomes, resolutions: that of a map of this resolution
+/// by its usual definition, 1 / (π·√2). The fitted amplitude mends what is different.
+constexpr double neighbourWidth = 0.225;
+/// Where that Gaussian ends, in its widths: it has fallen to 0.0003.
+constexpr double neighbourReach = 4;
+/// Within this distance of a neighbour's residues no place is rewarded, Å: nearer than residues of two
+/// chains come, and half of what holds a residue.
+constexpr double keptFree = 4;
+
 // The confidence
 
 /// Distinct places that the tail of the wrong ones is fitted to: from the `tailFrom`-th to the

@@ -18,30 +18,19 @@ double SquaredRmsd(const PointModel &model, const Pose &a, const Pose &b) {
     return std::max(0.0, Dot(shift, shift) + 2 * (c[0] + c[4] + c[8] - common));
 }
 
-std::size_t DistinctPlaces::CellHash::operator()(const Cell &cell) const {
-    // Large odd factors spread neighbouring cells (Teschner et al. 2003).
-    return std::size_t(cell[0]) * 73856093u ^ std::size_t(cell[1]) * 19349663u ^
-           std::size_t(cell[2]) * 83492791u;
-}
-
 DistinctPlaces::DistinctPlaces(const PointModel &model, double rmsd)
     : m_model(model)
-    , m_rmsd(rmsd) {}
+    , m_rmsd(rmsd)
+    , m_centres(rmsd) {}
 
 bool DistinctPlaces::Add(const Pose &pose) {
-    const auto cellOf = [&](double x) { return std::int32_t(std::floor(x / m_rmsd)); };
-    const Cell home{cellOf(pose.centre.x), cellOf(pose.centre.y), cellOf(pose.centre.z)};
-    for (std::int32_t z = -1; z <= 1; ++z)
-        for (std::int32_t y = -1; y <= 1; ++y)
-            for (std::int32_t x = -1; x <= 1; ++x) {
-                const auto cell = m_cells.find({home[0] + x, home[1] + y, home[2] + z});
-                if (cell == m_cells.end())
-                    continue;
-                for (const std::size_t other : cell->second)
-                    if (SquaredRmsd(m_model, pose, m_poses[other]) < m_rmsd * m_rmsd)
-                        return false;
-            }
-    m_cells[home].push_back(m_poses.size());
+    // Centres are never farther apart than the RMSD.
+    const auto isSame = [&](std::size_t other) {
+        return SquaredRmsd(m_model, pose, m_poses[other]) < m_rmsd * m_rmsd;
+    };
+    if (m_centres.AnyNear(pose.centre, isSame))
+        return false;
+    m_centres.Add(pose.centre, m_poses.size());
     m_poses.push_back(pose);
     return true;
 }

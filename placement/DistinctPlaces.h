@@ -1,10 +1,8 @@
 #pragma once
 
+#include "placement/Cells.h"
 #include "placement/PointModel.h"
 #include "placement/Refinement.h"
-
-#include <cstdint>
-#include <unordered_map>
 
 namespace placement {
 
@@ -22,15 +20,10 @@ public:
     std::size_t Size() const { return m_poses.size(); }
 
 private:
-    using Cell = std::array<std::int32_t, 3>;
-    struct CellHash {
-        std::size_t operator()(const Cell &cell) const;
-    };
-
     const PointModel &m_model;
     double m_rmsd;
     std::vector<Pose> m_poses;
-    std::unordered_map<Cell, std::vector<std::size_t>, CellHash> m_cells; ///< by centre, one RMSD wide
+    Cells m_centres;
 };
 
 /// The first poses that are distinct, in their order, at most `most`.

@@ -3,6 +3,7 @@
 #include "placement/Constants.h"
 #include "placement/Filter.h"
 #include "placement/Forecast.h"
+#include "placement/KnownNeighbours.h"
 #include "placement/Parallel.h"
 #include "placement/Rotations.h"
 
@@ -80,8 +81,12 @@ public:
         : m_parameters(parameters)
         , m_monitor(monitor)
         , m_model(MakePointModel(atoms))
+        , m_neighbours(parameters.neighbours)
         , m_spectrum(TransformMap(map, parameters.resolution, parameters.threads))
-        , m_points(m_model.points, m_model.weights) {}
+        , m_points(m_model.points, m_model.weights) {
+        if (!parameters.neighbours.empty())
+            m_neighbours.SubtractFrom(m_spectrum, parameters.threads);
+    }
 
     PlacementResult Run() {
         const double resolution = m_parameters.resolution;
@@ -103,7 +108,7 @@ private:
         m_coarsest = coarseWidth * scan;
         const Volume level = MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan);
         const double smoothing = std::max(maskWidth * scan, maskWidthPerRadius * m_model.gyration);
-        const Volume smoothed = MakeLevel(GaussianFilter(m_spectrum, smoothing), coarseVoxel * scan);
+        const Volume smoothed = MakeDensity(GaussianFilter(m_spectrum, smoothing), coarseVoxel * scan);
         const std::array<std::size_t, 3> inBox = InBox(level);
         m_result.rotationStep = RotationStep(m_model, scan);
         m_result.rotations = RotationsForStep(m_result.rotationStep);
@@ -126,8 +131,16 @@ private:
         return inBox;
     }
 
-    Volume MakeLevel(const RadialCurve &filter, double voxel) const {
+    /// Density smoothed by a filter.
+    Volume MakeDensity(const RadialCurve &filter, double voxel) const {
         return Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads);
+    }
+
+    /// The map under which poses are scored.
+    Volume MakeLevel(const RadialCurve &filter, double voxel) const {
+        Volume level = Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads);
+        m_neighbours.KeepFree(level);
+        return level;
     }
 
     void RefineAll(const std::vector<Pose> &starts) {
@@ -212,7 +225,8 @@ private:
                  .translation = place.pose.centre - place.pose.rotation * m_model.centre,
                  .score = place.score,
                  .probability = tail.Probability(place.score),
-                 .logExpected = tail.LogExpected(place.score)});
+                 .logExpected = tail.LogExpected(place.score),
+                 .overlap = m_neighbours.Overlap(m_model, place.pose)});
     }
 
     /// How sure the first place is by the filter without the model, among the places that this filter finds.
@@ -245,7 +259,7 @@ private:
     /// How much of the model lies in density, for each place.
     void AddDensityShares() {
         const double width = finestWidth * m_parameters.resolution;
-        Volume density = MakeLevel(GaussianFilter(m_spectrum, width), levelVoxel * width);
+        Volume density = MakeDensity(GaussianFilter(m_spectrum, width), levelVoxel * width);
         const auto threshold = float(DensityThreshold(density, InBox(density)));
         for (float &value : density.values)
             value = value > threshold ? 1.0f : 0.0f;
@@ -269,6 +283,7 @@ private:
     const PlacementParameters &m_parameters;
     Monitor &m_monitor;
     PointModel m_model;
+    KnownNeighbours m_neighbours;
     Spectrum m_spectrum;
     WeightedPoints m_points;
     double m_coarsest = 0;                    ///< width of the scan's level, Å

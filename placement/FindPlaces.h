@@ -10,6 +10,8 @@ struct PlacementParameters {
     double resolution = 0; ///< of the map, Å
     unsigned threads = 1;  ///< at least 1; the result does not depend on it
     PlaceFilter allowed;   ///< where the model's centre may lie; anywhere where it is not set
+    /// Atoms of what stands in the map already, see KnownNeighbours.h.
+    std::vector<ModelAtom> neighbours{};
 };
 
 /// One place that a search found.
@@ -19,7 +21,9 @@ struct Place {
     double score = 0;       ///< the log-likelihood ratio's sum, on a scale of the map's own
     double probability = 0; ///< that a wrong place does not score as well; turns in the same hole left out
     double logExpected = 0; ///< ln of the number of wrong places that are expected to score as well
-    double inDensity = 0;   ///< part of the model, by electrons, that lies in the map's density
+    /// Part of the model, by electrons, that lies in the map's density; in what the neighbours leave of it.
+    double inDensity = 0;
+    double overlap = 0; ///< part of the model, by electrons, within 4 Å of the neighbours' residues
 };
 
 enum class Verdict {

@@ -28,6 +28,23 @@ struct Waves {
     std::size_t Rows(std::size_t axis) const { return 2 * band[axis] + 1; }
 };
 
+/// Calls visit(k, index, weight) for each wave that is held, k being its wavenumber in 1/Å and the index that
+/// of `values`. A wave that stands for its conjugate too has the weight 2, others 1.
+template <class Visit>
+void ForEachWave(const Waves &waves, Visit visit) {
+    std::size_t index = 0;
+    for (std::size_t section = 0; section < waves.Rows(2); ++section) {
+        const double kz = double(waves.Frequency(section, 2)) / waves.length[2];
+        for (std::size_t row = 0; row < waves.Rows(1); ++row) {
+            const double ky = double(waves.Frequency(row, 1)) / waves.length[1];
+            for (std::size_t h = 0; h <= waves.band[0]; ++h) {
+                const double kx = double(h) / waves.length[0];
+                visit(std::sqrt(kx * kx + ky * ky + kz * kz), index++, h > 0 ? 2.0 : 1.0);
+            }
+        }
+    }
+}
+
 /// The smallest number of samples, at least `least`, that is even and has no prime factor above 7.
 std::size_t TransformSize(std::size_t least);
 

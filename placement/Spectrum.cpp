@@ -26,22 +26,6 @@ RowSource RowsOf(const VolumeView &volume) {
     };
 }
 
-/// Calls visit(k, |F|², weight) for each wave; one that stands for its conjugate too weighs 2.
-template <class Visit>
-void ForEachWave(const Waves &waves, Visit visit) {
-    const std::complex<float> *wave = waves.values.data();
-    for (std::size_t section = 0; section < waves.Rows(2); ++section) {
-        const double kz = double(waves.Frequency(section, 2)) / waves.length[2];
-        for (std::size_t row = 0; row < waves.Rows(1); ++row) {
-            const double ky = double(waves.Frequency(row, 1)) / waves.length[1];
-            for (std::size_t h = 0; h <= waves.band[0]; ++h) {
-                const double kx = double(h) / waves.length[0];
-                visit(std::sqrt(kx * kx + ky * ky + kz * kz), double(std::norm(*wave++)), h > 0 ? 2.0 : 1.0);
-            }
-        }
-    }
-}
-
 /// Mean square of the values about their mean.
 double Variance(std::span<const float> values) {
     double mean = 0, squares = 0;
@@ -58,9 +42,10 @@ void MeasureSharpness(const Waves &waves, const VolumeView &map, Spectrum &spect
     const double all = Variance(map.values), number = double(map.values.size());
     const double begin = cutBegin / spectrum.resolution, end = cutEnd / spectrum.resolution;
     double within = 0, wavesWithin = 0, band = 0, wavesInBand = 0;
-    ForEachWave(waves, [&](double k, double power, double weight) {
+    ForEachWave(waves, [&](double k, std::size_t index, double weight) {
         if (k == 0 || k > end)
             return;
+        const auto power = double(std::norm(waves.values[index]));
         within += weight * power;
         wavesWithin += weight;
         band += k > begin ? weight * power : 0;
@@ -103,17 +88,21 @@ Mixture MixtureAt(std::size_t i, std::size_t count, std::size_t padded) {
     return {count - 1, 0, float(w * w * (3 - 2 * w))};
 }
 
-/// The rows of the padded map.
-RowSource PaddedRows(const VolumeView &map, const std::array<std::size_t, 3> &padded, float border) {
-    return [&map, padded, border](std::size_t j, std::size_t k, float *row) {
-        const std::size_t nx = map.count[0];
+/// The rows of a padded box.
+RowSource PaddedRows(const RowSource &rows, const std::array<std::size_t, 3> &count,
+                     const std::array<std::size_t, 3> &padded, float border) {
+    return [&rows, count, padded, border](std::size_t j, std::size_t k, float *row) {
+        const std::size_t nx = count[0];
         std::fill_n(row, nx, -border);
+        std::vector<float> values(nx);
         const auto add = [&](std::size_t y, std::size_t z, float weight) {
-            const float *values = map.values.data() + map.Index(0, y, z);
-            for (std::size_t i = 0; weight != 0 && i < nx; ++i)
+            if (weight == 0)
+                return;
+            rows(y, z, values.data());
+            for (std::size_t i = 0; i < nx; ++i)
                 row[i] += weight * values[i];
         };
-        const Mixture y = MixtureAt(j, map.count[1], padded[1]), z = MixtureAt(k, map.count[2], padded[2]);
+        const Mixture y = MixtureAt(j, count[1], padded[1]), z = MixtureAt(k, count[2], padded[2]);
         add(y.first, z.first, (1 - y.share) * (1 - z.share));
         add(y.second, z.first, y.share * (1 - z.share));
         add(y.first, z.second, (1 - y.share) * z.share);
@@ -125,13 +114,19 @@ RowSource PaddedRows(const VolumeView &map, const std::array<std::size_t, 3> &pa
     };
 }
 
-Waves TransformPadded(const VolumeView &map, double resolution, unsigned threads) {
+Waves TransformPadded(const Lattice &lattice, const RowSource &rows, float border, double resolution,
+                      unsigned threads) {
     std::array<std::size_t, 3> padded;
     for (std::size_t axis = 0; axis < 3; ++axis)
-        padded[axis] =
-            TransformSize(map.count[axis] + std::size_t(std::ceil(padding * resolution / map.spacing[axis])));
-    return Transform(padded, map.spacing, map.origin, PaddedRows(map, padded, float(BorderMean(map))),
+        padded[axis] = TransformSize(lattice.count[axis] +
+                                     std::size_t(std::ceil(padding * resolution / lattice.spacing[axis])));
+    return Transform(padded, lattice.spacing, lattice.origin, PaddedRows(rows, lattice.count, padded, border),
                      bandEnd / resolution, threads);
+}
+
+Waves TransformPadded(const VolumeView &map, double resolution, unsigned threads) {
+    return TransformPadded({map.count, map.spacing, map.origin}, RowsOf(map), float(BorderMean(map)),
+                           resolution, threads);
 }
 
 double Smallest(const std::array<double, 3> &v) {
@@ -156,10 +151,10 @@ RadialCurve RadialPower(const Waves &waves, double end) {
     RadialCurve power{1 / Smallest(waves.length), {}};
     power.values.resize(std::size_t(end / power.step) + 3);
     std::vector<double> weights(power.values.size());
-    ForEachWave(waves, [&](double k, double square, double weight) {
+    ForEachWave(waves, [&](double k, std::size_t index, double weight) {
         const auto shell = std::size_t(std::lround(k / power.step));
         if (shell < weights.size()) {
-            power.values[shell] += weight * square;
+            power.values[shell] += weight * double(std::norm(waves.values[index]));
             weights[shell] += weight;
         }
     });
@@ -186,8 +181,10 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
         const double voxel = std::max(Smallest(map.spacing), bandVoxel * resolution);
         const Volume limited = Synthesise(own, band, voxel, threads);
         own = {};
+        spectrum.lattice = {limited.count, limited.spacing, limited.origin};
         spectrum.waves = TransformPadded(limited, resolution, threads);
     } else {
+        spectrum.lattice = {map.count, map.spacing, map.origin};
         spectrum.waves = TransformPadded(map, resolution, threads);
     }
     spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution);
@@ -196,6 +193,11 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
     if (*lowest < *highest)
         spectrum.strongest = *std::ranges::max_element(spectrum.power.values);
     return spectrum;
+}
+
+Waves TransformLike(const Spectrum &spectrum, const RowSource &rows, unsigned threads) {
+    // A constant, which the border's mean is, would change the wave at k = 0 alone.
+    return TransformPadded(spectrum.lattice, rows, 0, spectrum.resolution, threads);
 }
 
 } // namespace placement

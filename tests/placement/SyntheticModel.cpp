@@ -55,6 +55,12 @@ Volume DensityOf(const std::vector<ModelAtom> &atoms, double resolution, const s
     map.count = {std::size_t(edge.x / voxel[0]) + 1, std::size_t(edge.y / voxel[1]) + 1,
                  std::size_t(edge.z / voxel[2]) + 1};
     map.values.resize(map.count[0] * map.count[1] * map.count[2]);
+    AddDensity(atoms, resolution, map);
+    return map;
+}
+
+void AddDensity(const std::vector<ModelAtom> &atoms, double resolution, Volume &map) {
+    const std::array<double, 3> &voxel = map.spacing;
     const double width = 0.225 * resolution, reach = 4 * width;
     for (const ModelAtom &atom : atoms) {
         const Point p = atom.position - map.origin;
@@ -73,7 +79,6 @@ Volume DensityOf(const std::vector<ModelAtom> &atoms, double resolution, const s
                         float(atom.electrons * std::exp(-Dot(d, d) / (2 * width * width)));
                 }
     }
-    return map;
 }
 
 void AddNoise(Volume &map, double part, unsigned seed) {

@@ -19,6 +19,9 @@ std::vector<placement::ModelAtom> Moved(std::vector<placement::ModelAtom> atoms,
 placement::Volume DensityOf(const std::vector<placement::ModelAtom> &atoms, double resolution,
                             const std::array<double, 3> &voxel, double margin);
 
+/// Adds that density to a map; what lies outside of it is left out.
+void AddDensity(const std::vector<placement::ModelAtom> &atoms, double resolution, placement::Volume &map);
+
 /// Adds normally distributed noise, of the deviation of the map's values times `part`.
 void AddNoise(placement::Volume &map, double part, unsigned seed);
 

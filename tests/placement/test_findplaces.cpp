@@ -14,16 +14,15 @@ namespace {
 
 /// A complex of a model and another one beside it, and the motion that brings the model into its place.
 struct Complex {
-    std::vector<ModelAtom> model = RandomModel(150, 1), placed, all;
+    std::vector<ModelAtom> model = RandomModel(150, 1), placed, neighbour, all;
     Matrix rotation = RotationBy({1.1, -0.7, 2});
     Point translation{40, -25, 60};
 
-    Complex() {
+    explicit Complex(double distance = 38) {
         placed = Moved(model, rotation, translation);
+        neighbour = Moved(RandomModel(150, 2), RotationBy({}), translation + Point{distance, 0, 0});
         all = placed;
-        for (const ModelAtom &atom :
-             Moved(RandomModel(150, 2), RotationBy({}), translation + Point{38, 0, 0}))
-            all.push_back(atom);
+        all.insert(all.end(), neighbour.begin(), neighbour.end());
     }
 
     /// RMSD of a place from the truth, Å.
@@ -42,6 +41,13 @@ PlacementResult Find(const Volume &map, const std::vector<ModelAtom> &atoms, dou
                      unsigned threads = 1) {
     Monitor silent;
     return FindPlaces(map, atoms, {.resolution = resolution, .threads = threads, .allowed = {}}, silent);
+}
+
+PlacementResult FindBeside(const std::vector<ModelAtom> &neighbours, const Volume &map,
+                           const std::vector<ModelAtom> &atoms, double resolution) {
+    Monitor silent;
+    return FindPlaces(map, atoms, {.resolution = resolution, .allowed = {}, .neighbours = neighbours},
+                      silent);
 }
 
 } // namespace
@@ -83,6 +89,51 @@ TEST(FindPlaces, AnotherModelIsNotDeclared) {
     AddNoise(map, 0.5, 1);
     for (const unsigned seed : {11, 12, 13})
         EXPECT_NE(Find(map, RandomModel(150, seed), 8).verdict, Verdict::Placed) << seed;
+}
+
+TEST(FindPlaces, ATouchingPlaceIsFoundBesideItsNeighbour) {
+    const Complex complex(30);
+    const PlacementResult result =
+        FindBeside(complex.neighbour, DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model, 8);
+    ASSERT_FALSE(result.places.empty());
+    EXPECT_LT(complex.Error(result.places.front()), 0.5);
+    EXPECT_EQ(result.verdict, Verdict::Placed);
+    // The two balls run into one another.
+    EXPECT_GT(result.places.front().overlap, 0.02);
+    EXPECT_LT(result.places.front().overlap, 0.2);
+}
+
+TEST(FindPlaces, ASmallModelBesideALargeNeighbourNeedsItTakenOut) {
+    Complex complex;
+    complex.model = RandomModel(40, 5);
+    complex.placed = Moved(complex.model, complex.rotation, complex.translation);
+    complex.neighbour = Moved(RandomModel(500, 2), RotationBy({}), complex.translation + Point{36, 0, 0});
+    complex.all = complex.placed;
+    complex.all.insert(complex.all.end(), complex.neighbour.begin(), complex.neighbour.end());
+    Volume map = DensityOf(complex.all, 10, {2.5, 2.5, 2.5}, 10);
+    AddNoise(map, 0.5, 4);
+    EXPECT_GT(complex.Error(Find(map, complex.model, 10).places.front()), 5);
+    EXPECT_LT(complex.Error(FindBeside(complex.neighbour, map, complex.model, 10).places.front()), 2);
+}
+
+TEST(FindPlaces, WhatStandsIsNotFoundAgain) {
+    // Two copies of the model, one of which is known.
+    const Complex complex;
+    std::vector<ModelAtom> copy =
+        Moved(complex.model, RotationBy({0, 2, 0}), complex.translation + Point{0, 45, 0});
+    std::vector<ModelAtom> both = complex.placed;
+    both.insert(both.end(), copy.begin(), copy.end());
+    const Volume map = DensityOf(both, 8, {2, 2, 2}, 10);
+    EXPECT_GT(Find(map, complex.model, 8).places[1].probability, 0.95);
+    const PlacementResult result = FindBeside(copy, map, complex.model, 8);
+    EXPECT_LT(complex.Error(result.places[0]), 0.5);
+    EXPECT_LT(result.places[1].probability, 0.5);
+}
+
+TEST(FindPlaces, WhereAllIsKnownNothingIsPlaced) {
+    const Complex complex;
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    EXPECT_NE(FindBeside(complex.all, map, complex.model, 8).verdict, Verdict::Placed);
 }
 
 TEST(FindPlaces, AConstantMapHasNoPlace) {

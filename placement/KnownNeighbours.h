@@ -1,0 +1,46 @@
+#pragma once
+
+#include "placement/Cells.h"
+#include "placement/PointModel.h"
+#include "placement/Spectrum.h"
+
+#include <span>
+
+namespace placement {
+
+/// Parts of a complex that stand already, in the map's frame.
+///
+/// Their density is no background for what is still to be placed: it is taken out of the map before the map's
+/// spectrum is. And what is left of it rewards nothing: near them the filtered map is at most 0. A place that
+/// touches them gains nothing by that, and is not forbidden: a true one often does.
+class KnownNeighbours {
+public:
+    struct Scatterer {
+        Point position;
+        double electrons;
+    };
+
+    /// Atoms of one residue stand one after another. There may be none.
+    explicit KnownNeighbours(std::span<const ModelAtom> atoms);
+
+    /// Subtracts their density from a map and takes its power anew. The density is that of their atoms as
+    /// Gaussians, with an amplitude for each wavenumber that explains the most of the map, least squares:
+    ///
+    ///     A(k) = Re<F·conj(Fs)> / <|Fs|²>,   means over shells, smoothed,
+    ///
+    /// and never below 0. What lies outside the map's box does not take part.
+    void SubtractFrom(Spectrum &spectrum, unsigned threads) const;
+
+    /// Sets a filtered map to min(f, 0) within 4 Å of their residues.
+    void KeepFree(Volume &filtered) const;
+
+    /// Part of a model, by electrons, that lies within 4 Å of their residues in a pose.
+    double Overlap(const PointModel &model, const Pose &pose) const;
+
+private:
+    std::vector<Scatterer> m_atoms;
+    std::vector<Point> m_residues; ///< of each the centre of its backbone
+    Cells m_cells;                 ///< of the residues
+};
+
+} // namespace placement
