@@ -5,6 +5,7 @@
 #include "formats/files/ByteSource.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -62,5 +63,9 @@ void WriteStructure(const std::string &file, StructureFormat format, const VARNO
 /// Likewise the chains below several nodes, in their order.
 void WriteStructure(const std::string &file, StructureFormat format,
                     const std::vector<const VARNO::Compound *> &nodes, const VARNO::Transform &pose);
+/// Likewise with every atom moved by a function of its position.
+using Displacement = std::function<VARNO::Vertex(const VARNO::Vertex &)>;
+void WriteStructure(const std::string &file, StructureFormat format,
+                    const std::vector<const VARNO::Compound *> &nodes, const Displacement &displace);
 
 } // namespace formats

@@ -68,10 +68,10 @@ struct SequenceId {
 /// What both formats share: the walk over the atoms, and the checks.
 class Writer {
 public:
-    Writer(const std::string &file, const Transform &pose, std::ostream &out)
+    Writer(const std::string &file, const Displacement &displace, std::ostream &out)
         : m_out(out)
         , m_file(file)
-        , m_pose(pose) {}
+        , m_displace(displace) {}
     virtual ~Writer() = default;
 
     void Write(const std::vector<WrittenChain> &chains) {
@@ -127,7 +127,7 @@ private:
         m_residue = &residue;
         ++m_residueNumber;
         for (const Atom *atom : Children<Atom>(&residue)) {
-            const Vertex position = m_pose * atom->GetPosition();
+            const Vertex position = m_displace(atom->GetPosition());
             for (const unsigned i : {0, 1, 2})
                 if (!std::isfinite(position[i]))
                     Refuse("the coordinate " + std::to_string(position[i]) + " of atom " +
@@ -137,7 +137,7 @@ private:
         }
     }
 
-    const Transform &m_pose;
+    const Displacement &m_displace;
     const Residue *m_residue = nullptr;
 };
 
@@ -359,6 +359,12 @@ void WriteStructure(const std::string &file, StructureFormat format, const Compo
 
 void WriteStructure(const std::string &file, StructureFormat format,
                     const std::vector<const Compound *> &nodes, const Transform &pose) {
+    WriteStructure(file, format, nodes,
+                   Displacement([&pose](const Vertex &position) { return pose * position; }));
+}
+
+void WriteStructure(const std::string &file, StructureFormat format,
+                    const std::vector<const Compound *> &nodes, const Displacement &displace) {
     std::vector<WrittenChain> chains;
     std::string labels;
     for (const Compound *node : nodes) {
@@ -370,9 +376,9 @@ void WriteStructure(const std::string &file, StructureFormat format,
         throw FileError(file, "", "nothing to write: no chain with atoms in " + labels);
     ReplaceFile(file, [&](std::ostream &out) {
         if (format == StructureFormat::Pdb)
-            PdbWriter(file, pose, out).Write(chains);
+            PdbWriter(file, displace, out).Write(chains);
         else
-            MmcifWriter(file, pose, out).Write(chains);
+            MmcifWriter(file, displace, out).Write(chains);
     });
 }
 

@@ -4,6 +4,7 @@
 #include "formats/maps/MapFile.h"
 
 #include <algorithm>
+#include <set>
 
 using namespace VARNO;
 using testing::AllOf;
@@ -69,6 +70,74 @@ TEST_F(Simulate, TheSeedDecidesTheNoise) {
     EXPECT_NE(bytesOf({"--noise", "0.5", "--seed", "4"}), first);
     EXPECT_NE(bytesOf({}), first);
     EXPECT_THAT(first, HasSubstr("8 A density of in.pdb, noise 0.5 SD, seed 3"));
+}
+
+TEST_F(Simulate, TheMapIsThatOfTheBentModelThatIsWritten) {
+    const std::string bent = m_folder.File("bent.cif");
+    OutputOf(Words("8", "2", {"--bend", "3", "--seed", "5", "--bent-model", bent}));
+    const std::string map = ReadFile(m_out);
+    m_model = bent;
+    OutputOf(Words("8", "2"));
+    // Coordinates of a file have three decimals; the header's label names the model.
+    const std::string again = ReadFile(m_out);
+    ASSERT_EQ(map.size(), again.size());
+    const auto *a = reinterpret_cast<const float *>(map.data()),
+               *b = reinterpret_cast<const float *>(again.data());
+    for (std::size_t i = 256; i < map.size() / 4; ++i)
+        ASSERT_NEAR(a[i], b[i], 1e-3) << i;
+    m_model = m_folder.File("in.pdb");
+    OutputOf(Words("8", "2"));
+    EXPECT_NE(ReadFile(m_out), map);
+}
+
+TEST_F(Simulate, TheOptionsReachTheMap) {
+    const auto mapOf = [&](const std::vector<std::string> &more) {
+        OutputOf(Words("8", "2", more));
+        const ModelGuard guard;
+        const Grid &map = *formats::ReadMap(m_out);
+        return std::vector<float>(map.Values().begin(), map.Values().end());
+    };
+    const std::vector<float> plain = mapOf({});
+    std::set<std::vector<float>> maps{plain};
+    for (const std::vector<std::string> &more : std::vector<std::vector<std::string>>{
+             {"--b-factor", "300"},
+             {"--solvent", "0.6"},
+             {"--resolution-noise", "1"},
+             {"--sharpen", "50"},
+             {"--low-pass", "10"},
+             {"--mask", "4"},
+             {"--mask", "4", "--mask-edge", "3"},
+             {"--margin", "1"},
+             {"--invert"},
+             {"--bend", "1"},
+         })
+        EXPECT_TRUE(maps.insert(mapOf(more)).second) << more.front();
+    EXPECT_EQ(mapOf({"--sharpen", "0", "--solvent", "0", "--bend", "0"}), plain);
+    EXPECT_THAT(ReadFile(m_out), HasSubstr("8 A density of in.pdb"));
+    mapOf({"--resolution-noise", "0.5", "--seed", "3"});
+    EXPECT_THAT(ReadFile(m_out), HasSubstr("8 A density of in.pdb, noise of 8 A x 0.5, seed 3"));
+}
+
+TEST_F(Simulate, RefusesTreatmentsThatMakeNoSense) {
+    const auto errorOf = [&](const std::vector<std::string> &more) { return ErrorOf(Words("8", "2", more)); };
+    EXPECT_EQ(errorOf({"--solvent", "2"}), "--solvent 2: must be a number from 0 to 1\n");
+    EXPECT_EQ(errorOf({"--mask-edge", "3"}),
+              "--mask-edge: there is no --mask that it could be the edge of\n");
+    EXPECT_EQ(errorOf({"--bend", "-1"}), "--bend -1: must be a number from 0 to 100 Å\n");
+    EXPECT_EQ(errorOf({"--bend", "nan"}), "--bend nan: must be a number from 0 to 100 Å\n");
+    EXPECT_EQ(errorOf({"--bent-model", m_folder.File("bent.pdb")}),
+              "--bent-model: there is no --bend that makes one\n");
+    EXPECT_EQ(errorOf({"--bend", "1", "--bent-model", m_out}).substr(0, 8), "out.mrc:");
+    m_model = m_folder.Write(
+        "in.pdb", "ATOM      1  CA  ALA A   1      10.000   2.000   3.000  1.00 11.00           C  \n");
+    EXPECT_EQ(errorOf({"--bend", "1"}), "in.pdb: atoms on one line cannot be bent\n");
+    EXPECT_THAT(FilesOfFolder(), ElementsAre("in.pdb"));
+}
+
+TEST_F(Simulate, WarnsOfVoxelsTooLargeForTheBFactor) {
+    EXPECT_THAT(Run(Words("8", "2", {"--b-factor", "60"})).errors,
+                HasSubstr("warning: voxels of 2 Å are too large for a B factor of 60 Å²"));
+    EXPECT_EQ(Run(Words("8", "2", {"--b-factor", "64"})).errors, "");
 }
 
 TEST_F(Simulate, WarnsOfVoxelsTooLargeForTheResolution) {

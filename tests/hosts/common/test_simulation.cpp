@@ -1,6 +1,7 @@
 #include "DataMaker.h"
 #include "ModelGuard.h"
 #include "hosts/common/Simulation.h"
+#include "placement/Spectrum.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <random>
 
 using namespace hosts;
 using namespace VARNO;
@@ -55,6 +57,59 @@ std::vector<float> Difference(const Grid &a, const Grid &b) {
     for (std::size_t i = 0; i < difference.size(); ++i)
         difference[i] -= b.Values()[i];
     return difference;
+}
+
+placement::Volume VolumeOf(const Grid &map) {
+    placement::Volume volume;
+    for (unsigned axis = 0; axis < 3; ++axis) {
+        volume.count[axis] = map.Dimensions()[axis];
+        volume.spacing[axis] = double(map.Spacing()[axis]);
+    }
+    volume.values.assign(map.Values().begin(), map.Values().end());
+    return volume;
+}
+
+/// The transform at a wave along x, of a map through whose middle atom x = 0 runs.
+double TransformAlongX(const Grid &map, double wavelength) {
+    const auto &n = map.Dimensions();
+    double transform = 0;
+    for (unsigned i = 0; i < n[0]; ++i)
+        for (unsigned j = 0; j < n[1]; ++j)
+            for (unsigned k = 0; k < n[2]; ++k)
+                transform += double(map.GetValue(i, j, k)) *
+                             std::cos(2 * std::acos(-1.0) * double(map.GetPoint(i, j, k)[0]) / wavelength);
+    return transform;
+}
+
+/// A ball of atoms, large enough for shells of many waves.
+std::vector<Scatterer> Ball() {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> number(-25, 25);
+    std::vector<Scatterer> atoms;
+    while (atoms.size() < 1500)
+        if (const Vertex at(number(random), number(random), number(random), true); at.SquaredLength() < 625)
+            atoms.push_back({at, 7});
+    return atoms;
+}
+
+/// The correlation of two maps' waves between 0.95 and 1.05 / resolution.
+double ShellCorrelation(const Grid &a, const Grid &b, double resolution) {
+    const placement::Waves x = WavesOf(VolumeOf(a)), y = WavesOf(VolumeOf(b));
+    double xx = 0, yy = 0, xy = 0;
+    std::size_t i = 0;
+    for (std::size_t section = 0; section < x.Rows(2); ++section)
+        for (std::size_t row = 0; row < x.Rows(1); ++row)
+            for (std::size_t h = 0; h <= x.band[0]; ++h, ++i) {
+                const double k =
+                    std::hypot(double(h) / x.length[0], double(x.Frequency(row, 1)) / x.length[1],
+                               double(x.Frequency(section, 2)) / x.length[2]);
+                if (std::abs(k * resolution - 1) > 0.05)
+                    continue;
+                xx += double(std::norm(x.values[i]));
+                yy += double(std::norm(y.values[i]));
+                xy += double(std::real(x.values[i] * std::conj(y.values[i])));
+            }
+    return xy / std::sqrt(xx * yy);
 }
 
 } // namespace
@@ -162,6 +217,92 @@ TEST(Simulation, TheNoiseIsTheSameOnEveryMachine) {
         EXPECT_NEAR(double(noisy->Values()[i] - plain->Values()[i]) / deviation, expected[i], 1e-6);
 }
 
+TEST(Simulation, TheBFactorSaysHowTheTransformFalls) {
+    const std::vector<Scatterer> atom = {{Vertex(0, 0, 0, true), 1}};
+    for (const double b : {60.0, 128.0, 400.0}) {
+        const auto map = Simulated(atom, {.resolution = 8, .voxel = 1, .bFactor = b});
+        EXPECT_NEAR(TransformAlongX(*map, 8) / TransformAlongX(*map, 1e9), std::exp(-b / 64 / 4), 1e-4);
+    }
+}
+
+TEST(Simulation, TheResolutionStandsForABFactorOfFourTimesItsSquare) {
+    const auto plain = Simulated(threeAtoms, {8, 2});
+    const auto map = Simulated(threeAtoms, {.resolution = 8, .voxel = 2, .bFactor = 4 * 64});
+    EXPECT_LT(Deviation(Difference(*plain, *map)), 1e-6 * Deviation(plain->Values()));
+}
+
+TEST(Simulation, SolventTakesContrastFromSlowWaves) {
+    const std::vector<Scatterer> atom = {{Vertex(0, 0, 0, true), 6}};
+    const double share = 0.6;
+    const auto vacuum = Simulated(atom, {8, 1});
+    const auto map = Simulated(atom, {.resolution = 8, .voxel = 1, .solvent = share});
+    for (const double wavelength : {1e9, 30.0, 12.0, 8.0})
+        EXPECT_NEAR(TransformAlongX(*map, wavelength) / TransformAlongX(*vacuum, wavelength),
+                    1 - share * std::exp(-50 / (wavelength * wavelength)), 2e-4)
+            << wavelength;
+}
+
+TEST(Simulation, NoiseOfTheResolutionIsThreeTimesTheSignalThere) {
+    // FSC of the map with the one without noise: sqrt(SSNR / (1 + SSNR)).
+    const std::vector<Scatterer> ball = Ball();
+    for (const double strength : {0.5, 1.0, 2.0}) {
+        const SimulationSettings clean{.resolution = 8, .voxel = 2, .bFactor = 300, .solvent = 0.5};
+        SimulationSettings noisy = clean;
+        noisy.resolutionNoise = strength;
+        noisy.seed = 4;
+        const double ratio = 1 / (3 * strength * strength);
+        EXPECT_NEAR(ShellCorrelation(*Simulated(ball, clean), *Simulated(ball, noisy), 8),
+                    std::sqrt(ratio / (1 + ratio)), 0.04)
+            << strength;
+    }
+}
+
+TEST(Simulation, NoiseOfTheResolutionIsWhiteAndFollowsTheSeed) {
+    const auto plain = Simulated(threeAtoms, {8, 2});
+    const auto noiseOf = [&](std::uint64_t seed) {
+        return Difference(
+            *Simulated(threeAtoms, {.resolution = 8, .voxel = 2, .seed = seed, .resolutionNoise = 1}),
+            *plain);
+    };
+    const std::vector<float> noise = noiseOf(1);
+    double neighbours = 0;
+    for (std::size_t i = 1; i < noise.size(); ++i)
+        neighbours += double(noise[i] * noise[i - 1]) / double(noise.size());
+    EXPECT_LT(std::abs(neighbours), 4 * std::pow(Deviation(noise), 2) / std::sqrt(double(noise.size())));
+    EXPECT_EQ(noise, noiseOf(1));
+    EXPECT_NE(noise, noiseOf(2));
+}
+
+TEST(Simulation, TheMarginSaysWhereTheBoxEnds) {
+    for (const double margin : {2.0, 40.0}) {
+        const auto map =
+            Simulated(threeAtoms, {.resolution = 8, .voxel = 1.5, .treatment = {.margin = margin}});
+        const double low[] = {-6.3, -3.5, 97.5}, high[] = {4, 2, 101};
+        for (unsigned axis = 0; axis < 3; ++axis) {
+            const double first = double(map->Origin()[axis]);
+            const double last = first + 1.5 * (map->Dimensions()[axis] - 1);
+            EXPECT_LE(first, low[axis] - margin + 1e-3);
+            EXPECT_GT(first, low[axis] - margin - 1.5 - 1e-3);
+            EXPECT_GE(last, high[axis] + margin - 1e-3);
+            EXPECT_LT(last, high[axis] + margin + 1.5 + 1e-3);
+        }
+    }
+}
+
+TEST(Simulation, TheTreatmentComesAfterTheNoise) {
+    const auto map = Simulated(
+        threeAtoms,
+        {.resolution = 8, .voxel = 2, .resolutionNoise = 1, .treatment = {.mask = 4, .invert = true}});
+    const auto plain = Simulated(threeAtoms, {.resolution = 8, .voxel = 2, .resolutionNoise = 1});
+    std::size_t outside = 0;
+    for (std::size_t i = 0; i < map->Values().size(); ++i) {
+        outside += map->Values()[i] == 0;
+        EXPECT_TRUE(map->Values()[i] == 0 || map->Values()[i] == -plain->Values()[i]);
+    }
+    EXPECT_GT(outside, map->Values().size() / 2);
+    EXPECT_LT(outside, map->Values().size());
+}
+
 TEST(Simulation, AtomsWeighAsMuchAsTheirElement) {
     ModelGuard guard;
     Compound *molecule = DataMaker::makeMolecule(DataMaker::makeClump("m"), "m");
@@ -191,6 +332,34 @@ TEST(Simulation, RefusesSettingsOutOfRange) {
     EXPECT_TRUE(RefuseSettings({8, 2}).isEmpty());
     EXPECT_TRUE(RefuseSettings({0.1, 0.001, 1000}).isEmpty());
     EXPECT_TRUE(RefuseSettings({1000, 1000}).isEmpty());
+}
+
+TEST(Simulation, RefusesTreatmentsOutOfRange) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const auto refusal = [](SimulationSettings settings) {
+        settings.resolution = 8;
+        settings.voxel = settings.voxel > 0 ? settings.voxel : 2;
+        return RefuseSettings(settings).toStdString();
+    };
+    EXPECT_THAT(refusal({.bFactor = 0}), HasSubstr("--b-factor 0: must be a number from 0.04 to 4e+06 Å²"));
+    EXPECT_THAT(refusal({.solvent = 1.5}), HasSubstr("--solvent 1.5: must be a number from 0 to 1"));
+    EXPECT_THAT(refusal({.resolutionNoise = nan}), HasSubstr("--resolution-noise nan"));
+    EXPECT_THAT(refusal({.voxel = 4.5, .resolutionNoise = 1}),
+                HasSubstr("voxels of 4.5 Å hold no waves of 8 Å"));
+    EXPECT_THAT(refusal({.treatment = {.sharpen = -1e9}}), HasSubstr("--sharpen -1e+09"));
+    EXPECT_THAT(refusal({.treatment = {.sharpen = 2000}}),
+                HasSubstr("would multiply the finest waves of voxels of 2 Å by exp(93.75)"));
+    EXPECT_THAT(refusal({.treatment = {.lowPass = 0}}), HasSubstr("--low-pass 0"));
+    EXPECT_THAT(refusal({.treatment = {.mask = -1}}), HasSubstr("--mask -1"));
+    EXPECT_THAT(refusal({.treatment = {.maskEdge = nan}}), HasSubstr("--mask-edge nan"));
+    EXPECT_THAT(refusal({.treatment = {.margin = -1}}), HasSubstr("--margin -1"));
+}
+
+TEST(Simulation, AMaskMayNotTakeForEver) {
+    const SimulationSettings settings{
+        .resolution = 8, .voxel = 1, .treatment = {.mask = 1000, .margin = 500}};
+    EXPECT_THAT(RefuseBox(LayOutBox(threeAtoms, settings), 1'000'000, settings).toStdString(),
+                HasSubstr("additions"));
 }
 
 TEST(Simulation, RefusesABoxBeyondTheMachine) {
