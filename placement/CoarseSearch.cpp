@@ -203,14 +203,19 @@ std::vector<Candidate> Merge(std::vector<BestCandidates> &lists) {
 
 } // namespace
 
-double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3> &inBox) {
+std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox) {
     std::vector<float> values;
     values.reserve(inBox[0] * inBox[1] * inBox[2]);
     for (std::size_t k = 0; k < inBox[2]; ++k)
         for (std::size_t j = 0; j < inBox[1]; ++j) {
-            const auto row = smoothed.values.begin() + std::ptrdiff_t(smoothed.Index(0, j, k));
+            const auto row = volume.values.begin() + std::ptrdiff_t(volume.Index(0, j, k));
             values.insert(values.end(), row, row + std::ptrdiff_t(inBox[0]));
         }
+    return values;
+}
+
+double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3> &inBox) {
+    std::vector<float> values = ValuesInBox(smoothed, inBox);
     const auto lowest = values.begin() + std::ptrdiff_t(maskBase * double(values.size()));
     std::nth_element(values.begin(), lowest, values.end());
     const double base = double(*lowest), top = double(*std::ranges::max_element(values));
@@ -218,15 +223,18 @@ double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3>
 }
 
 std::vector<bool> DensePlaces(const Volume &smoothed, const std::array<std::size_t, 3> &inBox,
-                              const PlaceFilter &allowed) {
+                              const std::optional<Sphere> &region) {
     const double height = DensityThreshold(smoothed, inBox);
+    const auto &[sx, sy, sz] = smoothed.spacing;
+    const double halfDiagonal = 0.5 * Length({sx, sy, sz});
     std::vector<bool> places(smoothed.values.size());
     for (std::size_t k = 0; k < inBox[2]; ++k)
         for (std::size_t j = 0; j < inBox[1]; ++j)
             for (std::size_t i = 0; i < inBox[0]; ++i) {
                 const std::size_t voxel = smoothed.Index(i, j, k);
-                places[voxel] =
-                    double(smoothed.values[voxel]) > height && (!allowed || allowed(smoothed.At(i, j, k)));
+                places[voxel] = double(smoothed.values[voxel]) > height &&
+                                (!region || Length(smoothed.At(i, j, k) - region->centre) <=
+                                                region->radius + halfDiagonal);
             }
     return places;
 }

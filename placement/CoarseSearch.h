@@ -4,13 +4,10 @@
 #include "placement/PointModel.h"
 #include "placement/Volume.h"
 
-#include <functional>
+#include <optional>
 #include <span>
 
 namespace placement {
-
-/// Which part of a volume may hold the model's centre.
-using PlaceFilter = std::function<bool(const Point &centre)>;
 
 /// What the scan goes through.
 struct CoarseJob {
@@ -21,14 +18,17 @@ struct CoarseJob {
     std::span<const Matrix> rotations;
 };
 
+/// The values of the voxels `inBox`.
+std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox);
+
 /// The value above which a smoothed map counts as density: 15 % of the way from the lowest tenth of its
 /// voxels `inBox` to their maximum.
 double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3> &inBox);
 
-/// The voxels of a smoothed map, of those `inBox`, where a model's centre may lie: above that threshold, and
-/// allowed by the filter, where there is one.
+/// The voxels of a smoothed map, of those `inBox`, where a model's centre may lie: above that threshold, and,
+/// where a region is given, in it or in a voxel that reaches into it.
 std::vector<bool> DensePlaces(const Volume &smoothed, const std::array<std::size_t, 3> &inBox,
-                              const PlaceFilter &allowed);
+                              const std::optional<Sphere> &region);
 
 /// Sums the level, in 16 steps between ±2 deviations, at the model's points, for each rotation with its
 /// centre at each place. Returns the best poses, best first: at most `keptCandidates`, one for each rotation

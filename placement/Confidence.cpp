@@ -38,6 +38,10 @@ WrongTail FitWrongTail(std::span<const double> scores) {
     return tail;
 }
 
+double TurnWeight(double bestScore, double score, const WrongTail &tail) {
+    return std::exp(-2 * bestScore * (bestScore - score) / tail.scale);
+}
+
 Confidence ConfidenceOf(const PointModel &model, std::span<const ScoredPose> places, const WrongTail &tail) {
     Confidence confidence;
     if (places.empty() || !(tail.scale > 0))
@@ -47,7 +51,7 @@ Confidence ConfidenceOf(const PointModel &model, std::span<const ScoredPose> pla
     confidence.place = tail.Probability(best.score);
     for (const ScoredPose &other : places.subspan(1))
         if (Length(other.pose.centre - best.pose.centre) < sameHole * model.gyration)
-            confidence.otherTurns += std::exp(-2 * best.score * (best.score - other.score) / tail.scale);
+            confidence.otherTurns += TurnWeight(best.score, other.score, tail);
     confidence.probability = confidence.place / (1 + confidence.otherTurns);
     return confidence;
 }

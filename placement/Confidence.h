@@ -30,7 +30,10 @@ struct Confidence {
     double probability = 0; ///< that place and turn are right: place / (1 + X)
 };
 
-/// Of distinct poses, best first. X = Σ exp(-2·s1·(s1 - si)/b) over those in the same hole.
+/// What another turn in the same hole weighs against the best one's 1: exp(-2·s1·(s1 - s)/b).
+double TurnWeight(double bestScore, double score, const WrongTail &tail);
+
+/// Of distinct poses, best first. X is the sum of the weights of those in the same hole.
 Confidence ConfidenceOf(const PointModel &model, std::span<const ScoredPose> places, const WrongTail &tail);
 
 } // namespace placement

@@ -79,6 +79,14 @@ constexpr std::size_t keptCandidates = 30000, refinedPoses = 1000;
 
 // Distinct places and the refinement
 
+/// Turns of a model of several chains are equal where they lay its chains upon one another with less than
+/// this RMSD, Å: copies of a chain in one structure differ by half as much.
+constexpr double equalTurnRmsd = 2;
+/// A place overlaps a better one where more than this part of its points lies in cells of 4 Å that the
+/// better one's points lie in as well. Of two turns in one place a third and more do, of neighbours in
+/// contact a few hundredths.
+constexpr double maxOverlap = 0.2;
+
 /// Two poses are the same where their RMSD is below this, resolutions.
 constexpr double samePlace = 0.5;
 /// Poses that fell into one another while they were refined, widths of the level and resolutions.
@@ -104,6 +112,20 @@ constexpr double neighbourReach = 4;
 /// Within this distance of a neighbour's residues no place is rewarded, Å: nearer than residues of two
 /// chains come, and half of what holds a residue.
 constexpr double keptFree = 4;
+
+// A model that stands nearly right
+
+/// How far from its own place other starts are tried: Å (or half the model's radius) and degrees.
+constexpr double nearbyShift = 10, nearbyTurn = 30;
+/// Step between the shifts, widths of the coarse level, and the starts that are refined.
+constexpr double nearbyStep = 1;
+constexpr std::size_t nearbyPoses = 30;
+
+// A map of dark density
+
+/// Extremes below the median this many times as far off as those above it tell of inverted contrast; noise
+/// alone has them equally far.
+constexpr double invertedRatio = 2;
 
 // The confidence
 

@@ -4,17 +4,29 @@
 
 namespace placement {
 
-double SquaredRmsd(const PointModel &model, const Pose &a, const Pose &b) {
-    const Point shift = a.centre - b.centre;
-    const Matrix &c = model.covariance;
+namespace {
+
+/// The mean over the points p of the dot product of a·p and b·p, from the points' covariance.
+double CommonSpread(const Matrix &covariance, const Matrix &a, const Matrix &b) {
     double common = 0;
     for (std::size_t i = 0; i < 3; ++i)
         for (std::size_t j = 0; j < 3; ++j) {
             double entry = 0;
             for (std::size_t row = 0; row < 3; ++row)
-                entry += a.rotation[3 * row + i] * b.rotation[3 * row + j];
-            common += c[3 * i + j] * entry;
+                entry += a[3 * row + i] * b[3 * row + j];
+            common += covariance[3 * i + j] * entry;
         }
+    return common;
+}
+
+} // namespace
+
+double SquaredRmsd(const PointModel &model, const Pose &a, const Pose &b) {
+    const Point shift = a.centre - b.centre;
+    const Matrix &c = model.covariance;
+    double common = CommonSpread(c, a.rotation, b.rotation);
+    for (const Matrix &turn : std::span(model.equalTurns).subspan(1))
+        common = std::max(common, CommonSpread(c, a.rotation, b.rotation * turn));
     return std::max(0.0, Dot(shift, shift) + 2 * (c[0] + c[4] + c[8] - common));
 }
 
@@ -36,11 +48,11 @@ bool DistinctPlaces::Add(const Pose &pose) {
 }
 
 std::vector<Pose> Distinct(const PointModel &model, std::span<const Pose> poses, double rmsd,
-                           std::size_t most) {
+                           std::size_t maxNumber) {
     DistinctPlaces places(model, rmsd);
     std::vector<Pose> distinct;
     for (const Pose &pose : poses) {
-        if (distinct.size() == most)
+        if (distinct.size() == maxNumber)
             break;
         if (places.Add(pose))
             distinct.push_back(pose);
@@ -49,12 +61,12 @@ std::vector<Pose> Distinct(const PointModel &model, std::span<const Pose> poses,
 }
 
 std::vector<ScoredPose> DistinctBest(const PointModel &model, std::vector<ScoredPose> poses, double rmsd,
-                                     std::size_t most) {
+                                     std::size_t maxNumber) {
     std::ranges::stable_sort(poses, std::ranges::greater(), &ScoredPose::score);
     DistinctPlaces places(model, rmsd);
     std::vector<ScoredPose> distinct;
     for (const ScoredPose &pose : poses) {
-        if (distinct.size() == most)
+        if (distinct.size() == maxNumber)
             break;
         if (places.Add(pose.pose))
             distinct.push_back(pose);

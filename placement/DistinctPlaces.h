@@ -7,7 +7,8 @@
 namespace placement {
 
 /// Square of the root mean square distance between a model's points in two poses, Å²: by its covariance C,
-/// |a - b|² + 2·(tr C - tr(Ra·C·Rbᵀ)), whatever the number of points.
+/// |a - b|² + 2·(tr C - tr(Ra·C·Rbᵀ)), whatever the number of points. Of a model that has equal turns, the
+/// least.
 double SquaredRmsd(const PointModel &model, const Pose &a, const Pose &b);
 
 /// Poses that differ from one another by more than an RMSD.
@@ -26,12 +27,12 @@ private:
     Cells m_centres;
 };
 
-/// The first poses that are distinct, in their order, at most `most`.
+/// The first poses that are distinct, in their order, at most `maxNumber`.
 std::vector<Pose> Distinct(const PointModel &model, std::span<const Pose> poses, double rmsd,
-                           std::size_t most);
+                           std::size_t maxNumber);
 
 /// Likewise of scored poses, best first.
 std::vector<ScoredPose> DistinctBest(const PointModel &model, std::vector<ScoredPose> poses, double rmsd,
-                                     std::size_t most);
+                                     std::size_t maxNumber);
 
 } // namespace placement

@@ -4,6 +4,7 @@
 #include "placement/Filter.h"
 #include "placement/Forecast.h"
 #include "placement/KnownNeighbours.h"
+#include "placement/OccupiedSpace.h"
 #include "placement/Parallel.h"
 #include "placement/Rotations.h"
 
@@ -74,6 +75,42 @@ Confidence LessSure(const Confidence &a, const Confidence &b) {
             .probability = std::min(a.probability, b.probability)};
 }
 
+/// Poses about the model's own, a lattice of shifts and turns at the steps of a search.
+std::vector<Pose> PosesNearby(const PointModel &model, double width, double rotationStep) {
+    const double reach = std::min(nearbyShift, model.radius / 2), step = nearbyStep * width;
+    const auto steps = int(reach / step);
+    std::vector<Point> shifts;
+    for (int k = -steps; k <= steps; ++k)
+        for (int j = -steps; j <= steps; ++j)
+            for (int i = -steps; i <= steps; ++i)
+                if (const Point shift = step * Point{double(i), double(j), double(k)}; Length(shift) <= reach)
+                    shifts.push_back(shift);
+    constexpr double maxTurn = nearbyTurn * std::numbers::pi / 180;
+    std::vector<Matrix> turns{RotationBy({})};
+    for (const Matrix &rotation : SpreadRotations(RotationsForStep(rotationStep)))
+        if (AngleOf(rotation) <= maxTurn)
+            turns.push_back(rotation);
+    std::vector<Pose> poses;
+    for (const Matrix &turn : turns)
+        for (const Point &shift : shifts)
+            poses.push_back({turn, model.centre + shift});
+    return poses;
+}
+
+/// Whether what stands out of the background lies below it.
+bool SeemsInverted(const Volume &smoothed, const std::array<std::size_t, 3> &inBox) {
+    std::vector<float> values = ValuesInBox(smoothed, inBox);
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    const auto [lowest, highest] = std::ranges::minmax_element(values);
+    return *middle - *lowest > invertedRatio * (*highest - *middle);
+}
+
+void CheckResolution(const PlacementParameters &parameters) {
+    if (!(parameters.resolution > 0) || !std::isfinite(parameters.resolution))
+        throw std::invalid_argument("the resolution is not a positive number of Å");
+}
+
 class Search {
 public:
     Search(const VolumeView &map, const std::vector<ModelAtom> &atoms, const PlacementParameters &parameters,
@@ -84,14 +121,18 @@ public:
         , m_neighbours(parameters.neighbours)
         , m_spectrum(TransformMap(map, parameters.resolution, parameters.threads))
         , m_points(m_model.points, m_model.weights) {
+        m_result.start = m_model.centre;
+        m_result.predictedSignal = PredictedSignal(m_model.atoms, parameters.resolution);
+        m_result.sharpShare = m_spectrum.sharpShare;
+        m_result.scanResolution = ScanResolution(m_model, parameters.resolution);
+        m_result.rotationStep = RotationStep(m_model, m_result.scanResolution);
+        m_coarsest = coarseWidth * m_result.scanResolution;
         if (!parameters.neighbours.empty())
             m_neighbours.SubtractFrom(m_spectrum, parameters.threads);
     }
 
     PlacementResult Run() {
         const double resolution = m_parameters.resolution;
-        m_result.predictedSignal = PredictedSignal(m_model.atoms, resolution);
-        m_result.sharpShare = m_spectrum.sharpShare;
         if (m_spectrum.strongest > 0) {
             m_monitor.Advance(transformEnd);
             const std::vector<Pose> candidates = Scan();
@@ -101,25 +142,51 @@ public:
         return std::move(m_result);
     }
 
+    PlacementResult RunNearby() {
+        if (m_spectrum.strongest > 0) {
+            std::vector<ScoredPose> poses = BestNearby();
+            const double before = RefineThroughLevels(poses);
+            const Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
+            poses = Finish(poses, finest, before);
+            poses.resize(1);
+            m_result.places.push_back(PlaceOf(poses.front()));
+            m_result.verdict = Verdict::Refined;
+            AddProfile(finest);
+            AddDensityShares();
+        }
+        m_result.cancelled = m_monitor.IsCancelled();
+        return std::move(m_result);
+    }
+
 private:
     std::vector<Pose> Scan() {
-        const double scan = ScanResolution(m_model, m_parameters.resolution);
-        m_result.scanResolution = scan;
-        m_coarsest = coarseWidth * scan;
+        const double scan = m_result.scanResolution;
         const Volume level = MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan);
         const double smoothing = std::max(maskWidth * scan, maskWidthPerRadius * m_model.gyration);
         const Volume smoothed = MakeDensity(GaussianFilter(m_spectrum, smoothing), coarseVoxel * scan);
         const std::array<std::size_t, 3> inBox = InBox(level);
-        m_result.rotationStep = RotationStep(m_model, scan);
+        m_result.seemsInverted = SeemsInverted(smoothed, inBox);
         m_result.rotations = RotationsForStep(m_result.rotationStep);
         const std::vector<Matrix> rotations = SpreadRotations(m_result.rotations);
         PartMonitor monitor(m_monitor, transformEnd, scanEnd);
         return CoarseSearch({.level = level,
-                             .places = DensePlaces(smoothed, inBox, m_parameters.allowed),
+                             .places = DensePlaces(smoothed, inBox, m_parameters.region),
                              .inBox = inBox,
                              .points = m_model.scanPoints,
                              .rotations = rotations},
                             m_parameters.threads, monitor);
+    }
+
+    /// Poses near the model's own, those that score best on the coarsest level.
+    std::vector<ScoredPose> BestNearby() {
+        const Volume level =
+            MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * m_result.scanResolution);
+        const std::vector<double> equal(m_model.scanPoints.size(), 1);
+        const WeightedPoints scanned(m_model.scanPoints, equal);
+        std::vector<ScoredPose> poses;
+        for (const Pose &pose : PosesNearby(m_model, m_coarsest, m_result.rotationStep))
+            poses.push_back({pose, ScorePose(level, scanned, pose).score});
+        return DistinctBest(m_model, std::move(poses), samePlace * m_parameters.resolution, nearbyPoses);
     }
 
     /// How many of a volume's voxels lie in the map itself; the rest is padding.
@@ -149,9 +216,8 @@ private:
         poses.reserve(starts.size());
         for (const Pose &start : starts)
             poses.push_back({start, 0});
-        const RadialCurve power = DebyePower(m_model, cutEnd / resolution, m_spectrum.power.step / 2);
         const double before = RefineThroughLevels(poses);
-        Volume finest = MakeFinest(MatchedFilter(m_spectrum, power));
+        Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
         const std::vector<ScoredPose> places = Finish(poses, finest, before);
         if (places.empty())
             return;
@@ -163,7 +229,12 @@ private:
         m_result.confidence = LessSure(m_result.confidence, second);
         m_result.verdict = VerdictOf(m_result.confidence);
         finest = {};
+        DropOverlapping();
         AddDensityShares();
+    }
+
+    RadialCurve ModelPower() const {
+        return DebyePower(m_model, cutEnd / m_parameters.resolution, m_spectrum.power.step / 2);
     }
 
     /// Takes the poses through the levels between the scan's and the finest. Returns the last one's width.
@@ -197,6 +268,10 @@ private:
         poses = DistinctBest(m_model, std::move(poses), mergedAtEnd * resolution, finalPoses);
         RefineList(poses, finest, m_points,
                    {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution});
+        // A climb may have left the region.
+        if (m_parameters.region)
+            std::erase_if(poses,
+                          [&](const ScoredPose &p) { return !m_parameters.region->Holds(p.pose.centre); });
         return DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses);
     }
 
@@ -217,16 +292,35 @@ private:
     }
 
     void ListPlaces(const std::vector<ScoredPose> &places) {
-        const WrongTail tail = FitWrongTail(ScoresOf(places));
-        m_result.confidence = ConfidenceOf(m_model, places, tail);
-        for (const ScoredPose &place : places)
-            m_result.places.push_back(
-                {.pose = place.pose,
-                 .translation = place.pose.centre - place.pose.rotation * m_model.centre,
-                 .score = place.score,
-                 .probability = tail.Probability(place.score),
-                 .logExpected = tail.LogExpected(place.score),
-                 .overlap = m_neighbours.Overlap(m_model, place.pose)});
+        m_result.tail = FitWrongTail(ScoresOf(places));
+        m_result.confidence = ConfidenceOf(m_model, places, m_result.tail);
+        for (const ScoredPose &place : places) {
+            m_result.places.push_back(PlaceOf(place));
+            m_result.places.back().probability = m_result.tail.Probability(place.score);
+            m_result.places.back().logExpected = m_result.tail.LogExpected(place.score);
+        }
+    }
+
+    Place PlaceOf(const ScoredPose &scored) const {
+        return {.pose = scored.pose,
+                .translation = scored.pose.centre - scored.pose.rotation * m_model.centre,
+                .score = scored.score,
+                .overlap = m_neighbours.Overlap(m_model, scored.pose)};
+    }
+
+    void DropOverlapping() {
+        OccupiedSpace occupied;
+        const Place first = m_result.places.front();
+        std::erase_if(m_result.places, [&](Place &place) {
+            if (occupied.Overlap(m_model, place.pose) <= maxOverlap) {
+                occupied.Add(m_model, place.pose);
+                return false;
+            }
+            place.otherTurn = m_result.verdict == Verdict::TurnUnsure &&
+                              Length(place.pose.centre - first.pose.centre) < sameHole * m_model.gyration &&
+                              TurnWeight(first.score, place.score, m_result.tail) > unsureTurn;
+            return !place.otherTurn;
+        });
     }
 
     /// How sure the first place is by the filter without the model, among the places that this filter finds.
@@ -293,11 +387,25 @@ private:
 
 } // namespace
 
+std::size_t FoundCopies(const PlacementResult &result) {
+    if (result.verdict != Verdict::Placed && result.verdict != Verdict::TurnUnsure)
+        return 0;
+    return std::size_t(std::ranges::count_if(
+        result.places, [](const Place &place) { return !place.otherTurn && place.probability >= declared; }));
+}
+
 PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                            const PlacementParameters &parameters, Monitor &monitor) {
-    if (!(parameters.resolution > 0) || !std::isfinite(parameters.resolution))
-        throw std::invalid_argument("the resolution is not a positive number of Å");
+    CheckResolution(parameters);
     return Search(map, atoms, parameters, monitor).Run();
+}
+
+PlacementResult RefinePlace(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+                            const PlacementParameters &parameters, Monitor &monitor) {
+    CheckResolution(parameters);
+    PlacementParameters own = parameters;
+    own.region.reset();
+    return Search(map, atoms, own, monitor).RunNearby();
 }
 
 } // namespace placement

@@ -7,9 +7,9 @@ namespace placement {
 
 /// What a search is asked to do.
 struct PlacementParameters {
-    double resolution = 0; ///< of the map, Å
-    unsigned threads = 1;  ///< at least 1; the result does not depend on it
-    PlaceFilter allowed;   ///< where the model's centre may lie; anywhere where it is not set
+    double resolution = 0;        ///< of the map, Å
+    unsigned threads = 1;         ///< at least 1; the result does not depend on it
+    std::optional<Sphere> region; ///< where the model's centre may lie; anywhere where it is not set
     /// Atoms of what stands in the map already, see KnownNeighbours.h.
     std::vector<ModelAtom> neighbours{};
 };
@@ -23,7 +23,8 @@ struct Place {
     double logExpected = 0; ///< ln of the number of wrong places that are expected to score as well
     /// Part of the model, by electrons, that lies in the map's density; in what the neighbours leave of it.
     double inDensity = 0;
-    double overlap = 0; ///< part of the model, by electrons, within 4 Å of the neighbours' residues
+    double overlap = 0;     ///< part of the model, by electrons, within 4 Å of the neighbours' residues
+    bool otherTurn = false; ///< of the first place, about its centre, which scores nearly as well
 };
 
 enum class Verdict {
@@ -32,24 +33,33 @@ enum class Verdict {
     NothingFound, ///< no place stands out
     NotJudged,    ///< the map is sharpened so much that its scores say nothing of chance
     NoDensity,    ///< the map is constant, or has no density where the model may lie
+    Refined,      ///< one place, the best near the model's own; nothing is said of others
 };
 
 struct PlacementResult {
     Verdict verdict = Verdict::NoDensity;
+    Point start; ///< the model's centre as it was given, Å
     /// Of the first place: the lesser one of what the matched filter and the filter without the model say,
     /// each among the places that it finds. A wrong place seldom stands out by both.
     Confidence confidence;
-    std::vector<Place> places; ///< distinct ones, best first
+    /// Distinct ones, best first. A place that overlaps a better one is no further copy and left out, but for
+    /// other turns of the first one where its turn is unsure.
+    std::vector<Place> places;
+    WrongTail tail; ///< of the wrong places' scores, as the first filter has them
     /// Of the first place: for each residue the mean of the filtered map at its electrons, in standard
     /// deviations of that map. Low values tell which part of the model fits badly.
     std::vector<double> profile;
     double predictedSignal = 0; ///< what was to be expected before the search, see Forecast.h
     double sharpShare = 0;      ///< part of the map's power beyond its resolution
+    bool seemsInverted = false; ///< the map's extremes lie below its background: dark density
     double scanResolution = 0;  ///< Å
     std::size_t rotations = 0;  ///< that were scanned
     double rotationStep = 0;    ///< between them, radians
     bool cancelled = false;
 };
+
+/// How many of the places are called found, copies of the model each.
+std::size_t FoundCopies(const PlacementResult &result);
 
 /// Finds where a model belongs in a map, without a start: everywhere in the map and in every turn.
 ///
@@ -60,5 +70,12 @@ struct PlacementResult {
 /// positive, std::bad_alloc where memory does not suffice.
 PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                            const PlacementParameters &parameters, Monitor &monitor);
+
+/// Brings a model that stands nearly right to the best place near by: its own turn and those up to 30° off
+/// it, its own centre and those up to 10 Å or half its radius away are tried on a coarse level, and the best
+/// climb through finer ones to the filter itself, as those of a search do. `region` is left out of account.
+/// Throws as FindPlaces does.
+PlacementResult RefinePlace(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+                            const PlacementParameters &parameters, Monitor &monitor);
 
 } // namespace placement

@@ -99,8 +99,8 @@ std::vector<SectionTransform> ForThreads(unsigned threads, const std::array<std:
 
 } // namespace
 
-std::size_t TransformSize(std::size_t least) {
-    for (std::size_t size = std::max<std::size_t>(2, least + least % 2);; size += 2) {
+std::size_t TransformSize(std::size_t minimum) {
+    for (std::size_t size = std::max<std::size_t>(2, minimum + minimum % 2);; size += 2) {
         std::size_t rest = size;
         for (const std::size_t prime : {2, 3, 5, 7})
             while (rest % prime == 0)

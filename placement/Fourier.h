@@ -45,8 +45,8 @@ void ForEachWave(const Waves &waves, Visit visit) {
     }
 }
 
-/// The smallest number of samples, at least `least`, that is even and has no prime factor above 7.
-std::size_t TransformSize(std::size_t least);
+/// The smallest number of samples, at least `minimum`, that is even and has no prime factor above 7.
+std::size_t TransformSize(std::size_t minimum);
 
 /// One row of a box that is to be transformed: fills nx values of row (j, k). Called from several threads.
 using RowSource = std::function<void(std::size_t j, std::size_t k, float *row)>;

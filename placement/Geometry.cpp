@@ -43,6 +43,10 @@ UnitQuaternion QuaternionOf(const Matrix &m) {
     return q.w < 0 ? UnitQuaternion{-q.w, -q.x, -q.y, -q.z} : q;
 }
 
+double AngleOf(const Matrix &rotation) {
+    return 2 * std::acos(std::min(1.0, QuaternionOf(rotation).w));
+}
+
 Matrix RotationBy(const Point &v) {
     const double angle = Length(v);
     // sin(angle / 2) / angle tends to 1/2.

@@ -22,6 +22,14 @@ inline double Length(const Point &p) {
     return std::sqrt(Dot(p, p));
 }
 
+/// A ball in space.
+struct Sphere {
+    Point centre;
+    double radius = 0; ///< Å
+
+    bool Holds(const Point &p) const { return Length(p - centre) <= radius; }
+};
+
 /// A 3 x 3 matrix, rows first.
 using Matrix = std::array<double, 9>;
 
@@ -42,6 +50,9 @@ Matrix MatrixOf(const UnitQuaternion &q);
 
 /// The quaternion of a rotation matrix, with w >= 0.
 UnitQuaternion QuaternionOf(const Matrix &rotation);
+
+/// The angle of a rotation, from 0 to π radians.
+double AngleOf(const Matrix &rotation);
 
 /// The rotation by |v| radians about v.
 Matrix RotationBy(const Point &v);

@@ -1,6 +1,7 @@
 #include "placement/PointModel.h"
 
 #include "placement/Constants.h"
+#include "placement/EqualTurns.h"
 
 #include <algorithm>
 #include <numbers>
@@ -23,12 +24,6 @@ struct Gathered {
         weight += w;
     }
     Point Mean() const { return 1 / weight * sum; }
-};
-
-/// The centres of whole residues, with their chains.
-struct ResidueCentres {
-    std::vector<Point> positions;
-    std::vector<unsigned> chains;
 };
 
 ResidueCentres AddPoints(const std::vector<ModelAtom> &atoms, PointModel &model) {
@@ -105,6 +100,7 @@ PointModel MakePointModel(const std::vector<ModelAtom> &atoms) {
     model.atoms = atoms.size();
     model.residues = centres.positions.size();
     CentrePoints(model);
+    model.equalTurns = EqualTurns(centres, model.centre, equalTurnRmsd);
     AddScanPoints(centres, model);
     return model;
 }

@@ -29,6 +29,7 @@ struct PointModel {
     double gyration = 0;           ///< radius of gyration, Å: the root of the covariance's trace
     double radius = 0;             ///< of the farthest point
     std::size_t atoms = 0, residues = 0;
+    std::vector<Matrix> equalTurns{RotationBy({})}; ///< rotations about the centre that lay it upon itself
     std::vector<Point> scanPoints; ///< means of consecutive residues of one chain, at most about `scanPoints`
 };
 

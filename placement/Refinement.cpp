@@ -69,7 +69,7 @@ public:
         if (!(slope > 1e-20))
             return {m_best.pose, m_best.score};
         InverseHessian hessian(steps.first / slope);
-        for (int step = 0; step < steps.most; ++step) {
+        for (int step = 0; step < steps.max; ++step) {
             Six direction = hessian * m_best.gradient;
             const double length = std::sqrt(Dot(direction, direction));
             const double factor = length > steps.longest ? steps.longest / length : 1;

@@ -12,7 +12,7 @@ struct ScoredPose {
 
 /// How far a refinement may go.
 struct RefinementSteps {
-    int most = 0;       ///< steps of the minimiser
+    int max = 0;        ///< steps of the minimiser
     double first = 0;   ///< length of the first one, Å
     double longest = 0; ///< of any, Å
 };

@@ -114,19 +114,14 @@ RowSource PaddedRows(const RowSource &rows, const std::array<std::size_t, 3> &co
     };
 }
 
-Waves TransformPadded(const Lattice &lattice, const RowSource &rows, float border, double resolution,
+Waves TransformPadded(const Lattice &lattice, const RowSource &rows, float border, double pad, double cutOff,
                       unsigned threads) {
     std::array<std::size_t, 3> padded;
     for (std::size_t axis = 0; axis < 3; ++axis)
-        padded[axis] = TransformSize(lattice.count[axis] +
-                                     std::size_t(std::ceil(padding * resolution / lattice.spacing[axis])));
+        padded[axis] =
+            TransformSize(lattice.count[axis] + std::size_t(std::ceil(pad / lattice.spacing[axis])));
     return Transform(padded, lattice.spacing, lattice.origin, PaddedRows(rows, lattice.count, padded, border),
-                     bandEnd / resolution, threads);
-}
-
-Waves TransformPadded(const VolumeView &map, double resolution, unsigned threads) {
-    return TransformPadded({map.count, map.spacing, map.origin}, RowsOf(map), float(BorderMean(map)),
-                           resolution, threads);
+                     cutOff, threads);
 }
 
 double Smallest(const std::array<double, 3> &v) {
@@ -146,6 +141,11 @@ void Smooth(std::vector<double> &values) {
 }
 
 } // namespace
+
+Waves TransformPadded(const VolumeView &map, double pad, double cutOff, unsigned threads) {
+    return TransformPadded({map.count, map.spacing, map.origin}, RowsOf(map), float(BorderMean(map)), pad,
+                           cutOff, threads);
+}
 
 RadialCurve RadialPower(const Waves &waves, double end) {
     RadialCurve power{1 / Smallest(waves.length), {}};
@@ -182,10 +182,10 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
         const Volume limited = Synthesise(own, band, voxel, threads);
         own = {};
         spectrum.lattice = {limited.count, limited.spacing, limited.origin};
-        spectrum.waves = TransformPadded(limited, resolution, threads);
+        spectrum.waves = TransformPadded(limited, padding * resolution, bandEnd / resolution, threads);
     } else {
         spectrum.lattice = {map.count, map.spacing, map.origin};
-        spectrum.waves = TransformPadded(map, resolution, threads);
+        spectrum.waves = TransformPadded(map, padding * resolution, bandEnd / resolution, threads);
     }
     spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution);
     // Rounding leaves waves of a constant map that are not quite 0.
@@ -197,7 +197,8 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
 
 Waves TransformLike(const Spectrum &spectrum, const RowSource &rows, unsigned threads) {
     // A constant, which the border's mean is, would change the wave at k = 0 alone.
-    return TransformPadded(spectrum.lattice, rows, 0, spectrum.resolution, threads);
+    return TransformPadded(spectrum.lattice, rows, 0, padding * spectrum.resolution,
+                           bandEnd / spectrum.resolution, threads);
 }
 
 } // namespace placement

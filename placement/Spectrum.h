@@ -34,6 +34,9 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
 /// The waves of other density in the map's box: `rows` gives its samples on the spectrum's lattice, and its
 /// faces are joined as the map's were. The wave at k = 0 holds its whole mean.
 Waves TransformLike(const Spectrum &spectrum, const RowSource &rows, unsigned threads);
+/// The waves up to `cutOff` (1/Å) of a map whose box is padded by `pad` Å in the same way, the border's mean
+/// subtracted.
+Waves TransformPadded(const VolumeView &map, double pad, double cutOff, unsigned threads);
 
 /// S(k) of some waves: the mean of |F|² over shells of 1/(shortest edge), smoothed twice by [1 2 1]/4 in the
 /// logarithm.

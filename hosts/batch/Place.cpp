@@ -36,6 +36,7 @@ int Run(const Arguments &arguments) {
     for (const VARNO::Chain *chain : input.chains)
         record.chains.push_back(chain->GetName());
     record.residues = input.residues;
+    record.resolution = input.resolution;
     if (!record.options.quiet)
         ReportPlaceInput(record.options, input);
     StopSignals stopSignals("what has begun");
@@ -47,6 +48,9 @@ int Run(const Arguments &arguments) {
     if (record.result.cancelled)
         Warn("stopped by " + SignalName(StopSignal()) +
              "; what was found by then is written, and the verdict is that of an unfinished search");
+    if (record.result.seemsInverted)
+        Warn(
+            "the map's extremes lie below its background. If its density is dark, search again with --invert");
     stopSignals.EnterStep("the writing of what was found");
     if (!Deliver(record, input))
         return Failed;

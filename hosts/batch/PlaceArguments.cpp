@@ -2,19 +2,52 @@
 
 #include "CommonOptions.h"
 
+#include "base/Numbers.h"
+
+#include <algorithm>
+#include <cmath>
+
 using namespace cli;
 using hosts::PlaceOptions;
+using hosts::PlaceScope;
 
 namespace batch {
 
 namespace {
 
-double Resolution(const Arguments &arguments) {
+std::optional<double> Resolution(const Arguments &arguments) {
+    if (!arguments.Has("--resolution"))
+        return std::nullopt;
     const double resolution = arguments.Number("--resolution");
     // Finer than atoms are apart, or coarser than any map of a molecule.
     if (!(resolution >= 0.5 && resolution <= 200))
         Refuse("--resolution", arguments.Text("--resolution"), "a number of Å from 0.5 to 200");
     return resolution;
+}
+
+PlaceScope Scope(const Arguments &arguments) {
+    const std::vector<std::string> exclusive{"--near", "--refine", "--region"};
+    std::vector<std::string> given;
+    std::ranges::copy_if(exclusive, std::back_inserter(given),
+                         [&](const std::string &option) { return arguments.Has(option); });
+    if (given.size() > 1)
+        throw std::runtime_error(given[0] + " and " + given[1] + " exclude one another");
+    if (arguments.Has("--refine"))
+        return PlaceScope::Refine;
+    return arguments.Has("--near") ? PlaceScope::Near : PlaceScope::WholeMap;
+}
+
+std::optional<placement::Sphere> Region(const Arguments &arguments) {
+    if (!arguments.Has("--region"))
+        return std::nullopt;
+    std::vector<double> numbers;
+    const std::vector<std::string> texts = arguments.List("--region").value();
+    for (const std::string &text : texts)
+        if (const auto number = base::ReadNumber(text); number && std::isfinite(*number))
+            numbers.push_back(*number);
+    if (texts.size() != 4 || numbers.size() != 4 || !(numbers[3] > 0))
+        Refuse("--region", arguments.Text("--region"), "X,Y,Z,R, four numbers of Å with R above 0");
+    return placement::Sphere{{numbers[0], numbers[1], numbers[2]}, numbers[3]};
 }
 
 } // namespace
@@ -33,7 +66,7 @@ std::vector<Option> PlaceOptionTable() {
          .value = Value::Number,
          .valueName = "A",
          .help = "The map's resolution, in Å. 1.4 times too much or too little does no harm",
-         .required = true},
+         .defaultText = "estimated from the map's spectrum"},
         {.name = "--chain",
          .value = Value::Text,
          .valueName = "IDS",
@@ -47,7 +80,22 @@ std::vector<Option> PlaceOptionTable() {
                  "search and moved along",
          .defaultText = "every residue takes part"},
 
-        Headed("Search", ThreadsOption("search")),
+        {.name = "--invert",
+         .help = "The map's density is dark, as in a negative: its values change their sign"},
+
+        {.name = "--near",
+         .help = "Search round the model's present place only: its centre within its own radius, in every "
+                 "turn",
+         .heading = "Search"},
+        {.name = "--refine",
+         .help = "Do not search, but move the model to the best place next to its present one, up to about "
+                 "10 Å and 30 degrees away"},
+        {.name = "--region",
+         .value = Value::Text,
+         .valueName = "X,Y,Z,R",
+         .help = "Search with the model's centre within R Å of the point X, Y, Z only",
+         .defaultText = "the whole map"},
+        ThreadsOption("search"),
 
         Headed(
             "Output",
@@ -70,6 +118,9 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.chains = arguments.List("--chain");
     if (arguments.Has("--min-plddt"))
         options.minPlddt = arguments.Number("--min-plddt");
+    options.invert = arguments.Has("--invert");
+    options.scope = Scope(arguments);
+    options.region = Region(arguments);
     options.json = arguments.GivenText("--json");
     options.results = arguments.GivenText("--results");
     // More than the search keeps are never written.

@@ -42,14 +42,15 @@ void PrintRow(const std::array<QString, 5> &cells) {
     Print(line);
 }
 
-void PrintTable(const std::vector<Place> &places) {
+void PrintTable(const PlacementResult &result) {
+    const std::vector<Place> &places = result.places;
     PrintRow({"Place", "Score", "Probability", "In density", "Centre, Å"});
     for (std::size_t i = 0; i < std::min(rowsShown, places.size()); ++i) {
         const Place &place = places[i];
         const Point &c = place.pose.centre;
         PrintRow(
             {QString::number(i + 1), base::FixedNumber(place.score, 0, 1),
-             base::FixedNumber(place.probability, 0, 3),
+             result.verdict == Verdict::Refined ? "-" : base::FixedNumber(place.probability, 0, 3),
              base::FixedNumber(100 * place.inDensity, 0, 0) + " %",
              base::FixedNumber(c.x, 9, 2) + base::FixedNumber(c.y, 9, 2) + base::FixedNumber(c.z, 9, 2)});
     }
@@ -63,19 +64,23 @@ void ReportPlaceInput(const PlaceOptions &options, const PlaceInput &input) {
     const auto &voxel = map.Spacing();
     PrintItem("Map", Text(options.map));
     PrintItem("",
-              QString("%1 x %2 x %3 voxels of %4 x %5 x %6 Å, resolution %7 Å")
+              QString("%1 x %2 x %3 voxels of %4 x %5 x %6 Å, resolution %7")
                   .arg(size[0])
                   .arg(size[1])
                   .arg(size[2])
                   .arg(base::FixedNumber(double(voxel[0]), 0, 3), base::FixedNumber(double(voxel[1]), 0, 3),
-                       base::FixedNumber(double(voxel[2]), 0, 3), base::GeneralNumber(options.resolution)));
+                       base::FixedNumber(double(voxel[2]), 0, 3),
+                       options.resolution
+                           ? base::GeneralNumber(input.resolution) + " Å"
+                           : base::FixedNumber(input.resolution, 0, 1) + " Å, estimated from the map"));
     PrintItem("Model", Text(options.model));
     PrintItem("", Text((input.chains.size() == 1 ? "chain " : "chains ") + ChainNames(input.chains) + ", " +
                        base::Counted(input.residues.size(), "residue")));
     if (input.lowConfidence > 0)
         PrintItem("", Text(base::Counted(input.lowConfidence, "residue") +
                            " of low confidence left out of the search"));
-    PrintItem("Forecast", Text(ForecastText(PredictedSignal(input.atoms.size(), options.resolution))));
+    if (options.scope != PlaceScope::Refine)
+        PrintItem("Forecast", Text(ForecastText(PredictedSignal(input.atoms.size(), input.resolution))));
     Print("");
     std::cout << std::flush;
 }
@@ -84,7 +89,7 @@ void ReportPlaces(const PlaceRecord &record, const std::vector<std::string> &wri
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");
-        PrintTable(record.result.places);
+        PrintTable(record.result);
     }
     for (const std::string &line : written)
         Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));

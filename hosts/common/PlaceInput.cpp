@@ -7,7 +7,10 @@
 #include "Collect.h"
 #include "formats/files/FileError.h"
 #include "formats/structures/AtomicNumber.h"
+#include "placement/Resolution.h"
 
+#include <algorithm>
+#include <functional>
 #include <set>
 
 using namespace VARNO;
@@ -62,6 +65,17 @@ void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor) {
     }
 }
 
+placement::VolumeView ViewOf(const Grid &map) {
+    placement::VolumeView view;
+    for (unsigned axis = 0; axis < 3; ++axis) {
+        view.count[axis] = map.Dimensions()[axis];
+        view.spacing[axis] = double(map.Spacing()[axis]);
+    }
+    view.origin = {double(map.Origin()[0]), double(map.Origin()[1]), double(map.Origin()[2])};
+    view.values = map.Values();
+    return view;
+}
+
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) {
     PlaceInput input;
     formats::StructureReport report;
@@ -74,6 +88,13 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) 
                                  input.lowConfidence > 0 ? "no residue reaches the confidence asked for"
                                                          : "there is no atom that a map could show");
     input.map = LoadMap(options.map, warn, &input.mapReport);
+    if (options.invert)
+        std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
+    input.resolution =
+        options.resolution
+            ? *options.resolution
+            : placement::EstimateResolution(ViewOf(*input.map), placement::MakePointModel(input.atoms),
+                                            unsigned(options.threads));
     return input;
 }
 

@@ -8,6 +8,7 @@
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 #include "placement/PointModel.h"
+#include "placement/Volume.h"
 
 namespace hosts {
 
@@ -20,6 +21,7 @@ struct PlacedResidue {
 struct PlaceInput {
     VARNO::Grid *map = nullptr;
     formats::MapReport mapReport;
+    double resolution = 0;              ///< Å, as given or as estimated
     std::vector<VARNO::Chain *> chains; ///< that move together
     formats::StructureFormat format = formats::StructureFormat::Pdb;
     std::vector<placement::ModelAtom> atoms; ///< of those chains, without hydrogens
@@ -30,6 +32,9 @@ struct PlaceInput {
 /// Reads the map and the model. `warn` hears what the readers took differently from how it stands. Throws
 /// FileError, also where no atom is left to be placed.
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn);
+
+/// The map as the search takes it; valid as long as the map is.
+placement::VolumeView ViewOf(const VARNO::Grid &map);
 
 /// The chains' atoms for a search. Hydrogens, atoms of unknown elements and residues whose mean B factor lies
 /// below `minBFactor` are left out; the last are counted.

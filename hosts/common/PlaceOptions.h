@@ -1,18 +1,30 @@
 #pragma once
 
+#include "placement/Geometry.h"
+
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace hosts {
 
+/// Where a model's place is looked for.
+enum class PlaceScope {
+    WholeMap,
+    Near,   ///< with the centre within the model's own radius of where it is now, in every turn
+    Refine, ///< the best place next to where it is now
+};
+
 /// What `place` is asked to do.
 struct PlaceOptions {
     std::string map;
     std::string model;
-    double resolution = 0;                          ///< Å
+    std::optional<double> resolution;               ///< Å; not set: estimated from the map
     std::optional<std::vector<std::string>> chains; ///< identifiers; not set: all polymer chains
     std::optional<double> minPlddt; ///< residues of less confidence are left out of the search
+    bool invert = false;            ///< the map's density is dark: its values change their sign
+    PlaceScope scope = PlaceScope::WholeMap;
+    std::optional<placement::Sphere> region; ///< where the model's centre may lie
 
     std::optional<std::string> results;
     std::optional<std::string> json;

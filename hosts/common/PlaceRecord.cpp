@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <numbers>
 #include <ostream>
 
 using namespace placement;
@@ -37,14 +38,43 @@ std::string ProspectName(double predictedSignal) {
     return {};
 }
 
+std::string ScopeName(PlaceScope scope) {
+    switch (scope) {
+    case PlaceScope::WholeMap:
+        return "whole-map";
+    case PlaceScope::Near:
+        return "near";
+    case PlaceScope::Refine:
+        return "refine";
+    }
+    return {};
+}
+
 Json Input(const PlaceRecord &record) {
     const PlaceOptions &options = record.options;
     return {{"map", options.map},
             {"model", options.model},
             {"chains", record.chains},
             {"residues", record.residues.size()},
-            {"resolution", options.resolution},
-            {"minPlddt", options.minPlddt ? Json(*options.minPlddt) : Json(nullptr)}};
+            {"resolution", record.resolution},
+            {"resolutionEstimated", !options.resolution.has_value()},
+            {"inverted", options.invert},
+            {"minPlddt", options.minPlddt ? Json(*options.minPlddt) : Json(nullptr)},
+            {"scope", ScopeName(options.scope)},
+            {"region", options.region ? Json{{"centre", PointOf(options.region->centre)},
+                                             {"radius", options.region->radius}}
+                                      : Json(nullptr)}};
+}
+
+Json ConfidenceOf(const PlacementResult &result) {
+    if (result.verdict == Verdict::Refined)
+        return nullptr; // of one place nothing is known of others
+    return {{"probability", result.confidence.probability},
+            {"place", result.confidence.place},
+            {"otherTurns", result.confidence.otherTurns},
+            {"logExpected", result.confidence.logExpected},
+            {"background",
+             {{"places", result.tail.number}, {"scale", result.tail.scale}, {"square", result.tail.square}}}};
 }
 
 Json Head(const PlaceRecord &record) {
@@ -56,11 +86,8 @@ Json Head(const PlaceRecord &record) {
         {"placed", result.verdict == Verdict::Placed},
         {"verdict", VerdictName(result.verdict)},
         {"statement", VerdictText(result)},
-        {"confidence",
-         {{"probability", result.confidence.probability},
-          {"place", result.confidence.place},
-          {"otherTurns", result.confidence.otherTurns},
-          {"logExpected", result.confidence.logExpected}}},
+        {"copies", FoundCopies(result)},
+        {"confidence", ConfidenceOf(result)},
         {"forecast",
          {{"signal", result.predictedSignal},
           {"prospect", ProspectName(result.predictedSignal)},
@@ -69,19 +96,21 @@ Json Head(const PlaceRecord &record) {
         {"search",
          {{"scanResolution", result.scanResolution},
           {"rotations", result.rotations},
-          {"rotationStep", result.rotationStep * 180 / 3.141592653589793},
+          {"rotationStep", result.rotationStep * 180 / std::numbers::pi},
           {"powerBeyondResolution", result.sharpShare},
+          {"mapSeemsInverted", result.seemsInverted},
           {"cancelled", result.cancelled},
           {"seconds", record.seconds}}},
     };
 }
 
-Json Entry(const Place &place, std::size_t rank) {
+Json Entry(const Place &place, std::size_t rank, bool judged) {
     const UnitQuaternion q = QuaternionOf(place.pose.rotation);
     return {{"rank", rank},
             {"score", place.score},
-            {"probability", place.probability},
-            {"logExpected", place.logExpected},
+            {"probability", judged ? Json(place.probability) : Json(nullptr)},
+            {"logExpected", judged ? Json(place.logExpected) : Json(nullptr)},
+            {"otherTurn", place.otherTurn},
             {"inDensity", place.inDensity},
             {"centre", PointOf(place.pose.centre)},
             {"rotation", {q.w, q.x, q.y, q.z}},
@@ -100,17 +129,16 @@ void WriteList(std::ostream &out, const std::string &name, std::size_t size, Ent
 } // namespace
 
 PlacementResult FindPlacesOf(const PlaceInput &input, const PlaceOptions &options, Monitor &monitor) {
-    const VARNO::Grid &map = *input.map;
-    VolumeView view;
-    for (unsigned axis = 0; axis < 3; ++axis) {
-        view.count[axis] = map.Dimensions()[axis];
-        view.spacing[axis] = double(map.Spacing()[axis]);
+    const VolumeView map = ViewOf(*input.map);
+    PlacementParameters parameters{
+        .resolution = input.resolution, .threads = unsigned(options.threads), .region = options.region};
+    if (options.scope == PlaceScope::Refine)
+        return RefinePlace(map, input.atoms, parameters, monitor);
+    if (options.scope == PlaceScope::Near) {
+        const PointModel model = MakePointModel(input.atoms);
+        parameters.region = Sphere{model.centre, model.radius};
     }
-    view.origin = {double(map.Origin()[0]), double(map.Origin()[1]), double(map.Origin()[2])};
-    view.values = map.Values();
-    return FindPlaces(view, input.atoms,
-                      {.resolution = options.resolution, .threads = unsigned(options.threads), .allowed = {}},
-                      monitor);
+    return FindPlaces(map, input.atoms, parameters, monitor);
 }
 
 std::string VerdictName(Verdict verdict) {
@@ -125,15 +153,33 @@ std::string VerdictName(Verdict verdict) {
         return "not-judged";
     case Verdict::NoDensity:
         return "no-density";
+    case Verdict::Refined:
+        return "refined";
     }
     return {};
 }
+
+namespace {
+
+std::string CopiesText(std::size_t copies) {
+    return copies > 1 ? "; " + std::to_string(copies) + " places are found, copies of the model" : "";
+}
+
+std::string RefinedText(const PlacementResult &result) {
+    const Place &place = result.places.front();
+    constexpr double degrees = 180 / std::numbers::pi;
+    return "refined: moved by " + base::PlainFixed(Length(place.pose.centre - result.start), 2) +
+           " Å and turned by " + base::PlainFixed(AngleOf(place.pose.rotation) * degrees, 1) +
+           "° to the best place near by; the rest of the map was not searched";
+}
+
+} // namespace
 
 std::string VerdictText(const PlacementResult &result) {
     const std::string probability = base::PlainFixed(result.confidence.probability, 3);
     switch (result.verdict) {
     case Verdict::Placed:
-        return "placed, with a probability of " + probability;
+        return "placed, with a probability of " + probability + CopiesText(FoundCopies(result));
     case Verdict::TurnUnsure:
         return "the place is sure, the turn is not: other turns about the same centre score nearly as well "
                "(probability of the first one " +
@@ -147,6 +193,8 @@ std::string VerdictText(const PlacementResult &result) {
                "probability is given. Low-pass the map at its resolution and try again";
     case Verdict::NoDensity:
         return "the map holds no density where the model could lie";
+    case Verdict::Refined:
+        return RefinedText(result);
     }
     return {};
 }
@@ -169,8 +217,9 @@ void WritePlaceJson(std::ostream &out, const PlaceRecord &record) {
     head.resize(head.size() - std::string("\n}").size());
     out << head;
     const PlacementResult &result = record.result;
-    WriteList(out, "places", result.places.size(),
-              [&](std::size_t i) { return Entry(result.places[i], i + 1); });
+    WriteList(out, "places", result.places.size(), [&](std::size_t i) {
+        return Entry(result.places[i], i + 1, result.verdict != Verdict::Refined);
+    });
     WriteList(out, "profile", result.profile.size(), [&](std::size_t i) {
         return Json{{"chain", record.residues[i].chain},
                     {"residue", record.residues[i].label},

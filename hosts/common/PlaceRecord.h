@@ -11,6 +11,7 @@ namespace hosts {
 /// What a placement was and what came of it, as the JSON file tells it.
 struct PlaceRecord {
     PlaceOptions options;
+    double resolution = 0;           ///< Å, as given or as estimated
     std::vector<std::string> chains; ///< identifiers of those that moved
     std::vector<PlacedResidue> residues;
     placement::PlacementResult result;

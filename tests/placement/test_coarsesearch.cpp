@@ -136,6 +136,7 @@ TEST(CoarseSearch, DensePlacesLieAboveTheThreshold) {
     // The last voxel is padding.
     const std::vector<bool> places = DensePlaces(smoothed, {9, 1, 1}, {});
     EXPECT_EQ(places, (std::vector<bool>{0, 0, 0, 1, 1, 1, 0, 1, 0, 0}));
-    const auto allowed = [](const Point &p) { return p.x < 4.5; };
-    EXPECT_EQ(DensePlaces(smoothed, {9, 1, 1}, allowed), (std::vector<bool>{0, 0, 0, 1, 1, 0, 0, 0, 0, 0}));
+    // The voxel at 4 reaches into it.
+    const Sphere region{{0, 0, 0}, 3.6};
+    EXPECT_EQ(DensePlaces(smoothed, {9, 1, 1}, region), (std::vector<bool>{0, 0, 0, 1, 1, 0, 0, 0, 0, 0}));
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include <numbers>
 #include <stdexcept>
 
 using namespace placement;
@@ -40,13 +41,13 @@ struct Complex {
 PlacementResult Find(const Volume &map, const std::vector<ModelAtom> &atoms, double resolution,
                      unsigned threads = 1) {
     Monitor silent;
-    return FindPlaces(map, atoms, {.resolution = resolution, .threads = threads, .allowed = {}}, silent);
+    return FindPlaces(map, atoms, {.resolution = resolution, .threads = threads, .region = {}}, silent);
 }
 
 PlacementResult FindBeside(const std::vector<ModelAtom> &neighbours, const Volume &map,
                            const std::vector<ModelAtom> &atoms, double resolution) {
     Monitor silent;
-    return FindPlaces(map, atoms, {.resolution = resolution, .allowed = {}, .neighbours = neighbours},
+    return FindPlaces(map, atoms, {.resolution = resolution, .region = {}, .neighbours = neighbours},
                       silent);
 }
 
@@ -181,7 +182,7 @@ TEST(FindPlaces, ItIsCancelledAtOnce) {
     } cancelled;
     const Complex complex;
     const PlacementResult result = FindPlaces(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model,
-                                              {.resolution = 8, .threads = 1, .allowed = {}}, cancelled);
+                                              {.resolution = 8, .threads = 1, .region = {}}, cancelled);
     EXPECT_TRUE(result.cancelled);
     EXPECT_NE(result.verdict, Verdict::Placed);
 }
@@ -193,7 +194,7 @@ TEST(FindPlaces, TellsHowFarItIs) {
     } recorder;
     const Complex complex;
     FindPlaces(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model,
-               {.resolution = 8, .threads = 1, .allowed = {}}, recorder);
+               {.resolution = 8, .threads = 1, .region = {}}, recorder);
     ASSERT_GT(recorder.shares.size(), 100u);
     EXPECT_LT(recorder.shares.front(), 0.1);
     EXPECT_TRUE(std::ranges::is_sorted(recorder.shares));
@@ -208,10 +209,125 @@ TEST(FindPlaces, CancelledWhileItRefinesItKeepsWhatTheScanFound) {
     } impatient;
     const Complex complex;
     const PlacementResult result = FindPlaces(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model,
-                                              {.resolution = 8, .threads = 1, .allowed = {}}, impatient);
+                                              {.resolution = 8, .threads = 1, .region = {}}, impatient);
     EXPECT_TRUE(result.cancelled);
     ASSERT_FALSE(result.places.empty());
     EXPECT_LT(complex.Error(result.places.front()), 5);
+}
+
+TEST(FindPlaces, ARegionHoldsEveryPlaceOfIt) {
+    const Complex complex;
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    Monitor silent;
+    const Point there = MakePointModel(complex.placed).centre;
+    PlacementResult result =
+        FindPlaces(map, complex.model, {.resolution = 8, .threads = 1, .region = Sphere{there, 6}}, silent);
+    ASSERT_FALSE(result.places.empty());
+    EXPECT_LT(complex.Error(result.places.front()), 0.5);
+    const Sphere elsewhere{there + Point{38, 0, 0}, 10};
+    result = FindPlaces(map, complex.model, {.resolution = 8, .threads = 1, .region = elsewhere}, silent);
+    EXPECT_NE(result.verdict, Verdict::Placed);
+    EXPECT_FALSE(result.places.empty());
+    for (const Place &place : result.places)
+        EXPECT_TRUE(elsewhere.Holds(place.pose.centre));
+    result = FindPlaces(map, complex.model,
+                        {.resolution = 8, .threads = 1, .region = Sphere{{1000, 0, 0}, 10}}, silent);
+    EXPECT_EQ(result.verdict, Verdict::NoDensity);
+}
+
+TEST(FindPlaces, NoPlaceOverlapsABetterOne) {
+    const Complex complex;
+    const PlacementResult result = Find(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model, 8);
+    const PointModel model = MakePointModel(complex.model);
+    for (std::size_t i = 0; i < result.places.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            EXPECT_GT(Length(result.places[i].pose.centre - result.places[j].pose.centre),
+                      0.5 * model.gyration);
+    EXPECT_EQ(FoundCopies(result), 1u);
+}
+
+namespace {
+
+/// Two copies of a chain about an axis, `apart` Å from one another, as two chains or as one.
+std::vector<ModelAtom> Dimer(bool oneChain) {
+    std::vector<ModelAtom> dimer = Moved(RandomModel(100, 3), RotationBy({}), {17, 0, 0});
+    for (ModelAtom atom : Moved(dimer, RotationBy({0, 0, std::numbers::pi}), {})) {
+        atom.chain = oneChain ? 0 : 1;
+        atom.residue += 100;
+        dimer.push_back(atom);
+    }
+    return dimer;
+}
+
+} // namespace
+
+TEST(FindPlaces, TheEqualTurnsOfADimerAreOnePlace) {
+    const PlacementResult result = Find(DensityOf(Dimer(false), 8, {2, 2, 2}, 10), Dimer(false), 8);
+    EXPECT_EQ(result.verdict, Verdict::Placed);
+    EXPECT_LT(result.confidence.otherTurns, 0.01);
+}
+
+TEST(FindPlaces, TurnsThatScoreAsWellAreListedWhereTheTurnIsUnsure) {
+    const PlacementResult result = Find(DensityOf(Dimer(true), 8, {2, 2, 2}, 10), Dimer(true), 8);
+    ASSERT_EQ(result.verdict, Verdict::TurnUnsure);
+    EXPECT_NEAR(result.confidence.probability, 0.5, 0.05);
+    ASSERT_GE(result.places.size(), 2u);
+    EXPECT_FALSE(result.places[0].otherTurn);
+    EXPECT_TRUE(result.places[1].otherTurn);
+    EXPECT_EQ(FoundCopies(result), 1u);
+}
+
+TEST(FindPlaces, DarkDensityIsSaid) {
+    const Complex complex;
+    Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    EXPECT_FALSE(Find(map, complex.model, 8).seemsInverted);
+    for (float &value : map.values)
+        value = -value;
+    const PlacementResult result = Find(map, complex.model, 8);
+    EXPECT_TRUE(result.seemsInverted);
+    EXPECT_NE(result.verdict, Verdict::Placed);
+}
+
+TEST(RefinePlace, BringsAModelBackFromTenAngstromAndThirtyDegrees) {
+    const Complex complex;
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    const Point centre = MakePointModel(complex.placed).centre;
+    std::mt19937 random(5);
+    Monitor silent;
+    unsigned back = 0;
+    for (int i = 0; i < 10; ++i) {
+        // A turn by 30° about the centre, about any axis, and a shift by 10 Å in any direction.
+        const Point axis = RandomRotation(random) * Point{0, 0, std::numbers::pi / 6};
+        const Point shift = RandomRotation(random) * Point{0, 0, 10};
+        const Matrix turn = RotationBy(axis);
+        const std::vector<ModelAtom> start = Moved(complex.placed, turn, centre + shift - turn * centre);
+        const PlacementResult result =
+            RefinePlace(map, start, {.resolution = 8, .threads = 1, .region = {}}, silent);
+        EXPECT_EQ(result.verdict, Verdict::Refined);
+        ASSERT_EQ(result.places.size(), 1u);
+        const Place &place = result.places.front();
+        EXPECT_NEAR(Length(result.start - centre), 10, 1e-9);
+        double squares = 0;
+        for (std::size_t atom = 0; atom < start.size(); ++atom) {
+            const Point d = place.pose.rotation * start[atom].position + place.translation -
+                            complex.placed[atom].position;
+            squares += Dot(d, d) / double(start.size());
+        }
+        back += std::sqrt(squares) < 0.5 ? 1 : 0;
+    }
+    EXPECT_GE(back, 9u);
+}
+
+TEST(RefinePlace, AModelOutsideOfTheMapAndAConstantMapAreNoError) {
+    const Complex complex;
+    Monitor silent;
+    const PlacementParameters parameters{.resolution = 8, .threads = 2, .region = {}};
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    // The model as it was given stands outside.
+    EXPECT_EQ(RefinePlace(map, complex.model, parameters, silent).places.size(), 1u);
+    EXPECT_EQ(RefinePlace(map, {{{0, 0, 0}, 6, 0, 0, true}}, parameters, silent).places.size(), 1u);
+    const Volume constant{{8, 8, 8}, {2, 2, 2}, {}, std::vector<float>(512, 1)};
+    EXPECT_EQ(RefinePlace(constant, complex.model, parameters, silent).verdict, Verdict::NoDensity);
 }
 
 TEST(FindPlaces, RefusesWhatHasNoMeaning) {

@@ -31,3 +31,9 @@ TEST(Geometry, ARotationVectorTurnsRightHanded) {
     EXPECT_NEAR(p.y, 1, 1e-12);
     EXPECT_NEAR((RotationBy({1e-12, 0, 0}) * Point{0, 1, 0}).z, 1e-12, 1e-20);
 }
+
+TEST(Geometry, AnAngleIsThatOfTheRotation) {
+    for (const double angle : {0.0, 1e-6, 0.5, 2.0, 3.1})
+        EXPECT_NEAR(AngleOf(RotationBy({0, angle, 0})), angle, 1e-7) << angle;
+    EXPECT_NEAR(AngleOf(RotationBy({0, 0, 4})), 2 * std::numbers::pi - 4, 1e-7);
+}

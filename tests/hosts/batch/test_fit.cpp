@@ -582,7 +582,7 @@ TEST_F(Fit, SaysAtASignalHowLongALongAxisWillTake) {
     // The log is written to the disk when the first pass has ended, after a buffer's worth at the latest.
     ASSERT_TRUE(process.WaitFor("Search "));
     while (!std::filesystem::exists(File("log")) ||
-           std::filesystem::file_size(File("log")) < 51 * 51 * 51 * 61)
+           std::filesystem::file_size(File("log")) < std::uintmax_t(51) * 51 * 51 * 61)
         usleep(1000);
     usleep(100'000);
     process.Send(SIGINT);

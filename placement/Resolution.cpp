@@ -1,0 +1,47 @@
+#include "placement/Resolution.h"
+
+#include "placement/Constants.h"
+#include "placement/Spectrum.h"
+
+#include <algorithm>
+
+namespace placement {
+
+namespace {
+
+constexpr double finest = 2, coarsest = 60; // Å
+/// Padding, Å: that of a map of 10 Å.
+constexpr double estimatePadding = 10 * padding;
+/// Waves longer than this tell of shapes, Å.
+constexpr double longestWave = 25;
+/// e^-3: a Gaussian density whose transform has fallen to 1/e at the resolution reaches e^-2 there, and a
+/// search loses less by noise beyond the resolution than by signal that it leaves out.
+constexpr double fallOff = 0.05;
+
+} // namespace
+
+double EstimateResolution(const VolumeView &map, const PointModel &model, unsigned threads) {
+    const double end = std::min(1 / finest, 0.5 * usableNyquist / *std::ranges::max_element(map.spacing));
+    const Waves waves = TransformPadded(map, estimatePadding, end, threads);
+    const RadialCurve power = RadialPower(waves, end);
+    const RadialCurve modelPower = DebyePower(model, end, power.step);
+    const auto perPoint = [&](std::size_t shell) {
+        return power.values[shell] / modelPower.At(double(shell) * power.step);
+    };
+    const auto first = std::size_t(std::max(1.0, 1 / (longestWave * power.step)));
+    const auto last = std::min(power.values.size() - 1, std::size_t(end / power.step));
+    std::size_t weakest = first;
+    double strongest = 0;
+    for (std::size_t shell = first; shell <= last; ++shell) {
+        weakest = perPoint(shell) < perPoint(weakest) ? shell : weakest;
+        strongest = std::max(strongest, perPoint(shell));
+    }
+    const double noise = power.values[weakest];
+    std::size_t shell = weakest;
+    while (shell > first && (power.values[shell] < noise * (1 + 1 / noisePerSignal) ||
+                             perPoint(shell) - perPoint(weakest) < fallOff * strongest))
+        --shell;
+    return std::clamp(1 / (double(shell) * power.step), std::max(finest, 1 / end), coarsest);
+}
+
+} // namespace placement
