@@ -6,11 +6,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace VARNO;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -137,6 +139,84 @@ TEST_F(Place, ResiduesOfLowConfidenceAreLeftOutAndMovedAlong) {
     EXPECT_THAT(output, HasSubstr("placed"));
     EXPECT_LT(DistanceFromCopies(m_folder.File("placed-1.pdb")), 1);
     EXPECT_THAT(ErrorOf(Words({"--min-plddt", "1000"})), HasSubstr("confidence"));
+}
+
+TEST_F(Place, WithoutAResolutionItIsEstimatedAndSaid) {
+    std::vector<std::string> words = Words({"--json", m_folder.File("places.json")});
+    const auto option = std::ranges::find(words, "--resolution");
+    words.erase(option, option + 2);
+    std::erase(words, "--quiet");
+    EXPECT_THAT(OutputOf(words),
+                AllOf(HasSubstr(" Å, estimated from the map"), HasSubstr("placed, with a probability")));
+    const auto json = nlohmann::json::parse(ReadFile(m_folder.File("places.json")));
+    EXPECT_EQ(json.at("input").at("resolutionEstimated"), true);
+    EXPECT_NEAR(json.at("input").at("resolution"), 8, 3);
+    EXPECT_EQ(JsonOf().at("input").at("resolutionEstimated"), false);
+}
+
+TEST_F(Place, TheCopiesAreCounted) {
+    EXPECT_THAT(OutputOf(Words()), HasSubstr("5 places are found, copies of the model"));
+    EXPECT_EQ(JsonOf().at("copies"), 5);
+}
+
+TEST_F(Place, RefineMovesAModelThatStandsNearlyRight) {
+    OutputOf(Words({"--models", "1", "--model-prefix", m_folder.File("placed-")}));
+    // The model at its place, shifted by 4 Å along x.
+    OutputOf({"build", "--target", m_folder.File("placed-1.pdb"), "--results",
+              m_folder.Write("shift.txt", "1.00 0.00 0.00 0.00 4.00 0.00 0.00 1.00\n"), "--rank", "1",
+              "--out", m_folder.File("off.pdb")});
+    EXPECT_GT(DistanceFromCopies(m_folder.File("off.pdb")), 3.5);
+    std::vector<std::string> words = Words({"--refine", "--json", m_folder.File("refined.json"), "--models",
+                                            "1", "--model-prefix", m_folder.File("refined-")});
+    *(std::ranges::find(words, "--model") + 1) = m_folder.File("off.pdb");
+    EXPECT_THAT(OutputOf(words), HasSubstr("refined: moved by 4.0"));
+    EXPECT_LT(DistanceFromCopies(m_folder.File("refined-1.pdb")), 0.5);
+    const auto json = nlohmann::json::parse(ReadFile(m_folder.File("refined.json")));
+    EXPECT_EQ(json.at("verdict"), "refined");
+    EXPECT_EQ(json.at("placed"), false);
+    EXPECT_TRUE(json.at("confidence").is_null());
+    EXPECT_TRUE(json.at("places").at(0).at("probability").is_null());
+    EXPECT_EQ(json.at("places").size(), 1u);
+}
+
+TEST_F(Place, NearAndRegionLimitWhereTheCentreLies) {
+    const auto centreOf = [](const nlohmann::json &place) {
+        return place.at("centre").get<std::vector<double>>();
+    };
+    const nlohmann::json whole = JsonOf();
+    const std::vector<double> second = centreOf(whole.at("places").at(1));
+    const std::string text =
+        std::to_string(second[0]) + "," + std::to_string(second[1]) + "," + std::to_string(second[2]) + ",5";
+    const nlohmann::json region = JsonOf({"--region", text});
+    EXPECT_EQ(region.at("verdict"), "placed");
+    EXPECT_EQ(region.at("copies"), 1);
+    EXPECT_NEAR(centreOf(region.at("places").at(0))[0], second[0], 0.5);
+    EXPECT_EQ(region.at("input").at("region").at("radius"), 5);
+
+    const nlohmann::json near = JsonOf({"--near"});
+    EXPECT_EQ(near.at("input").at("scope"), "near");
+    EXPECT_LT(near.at("places").size(), whole.at("places").size());
+}
+
+TEST_F(Place, RefusesARegionThatIsNone) {
+    for (const char *region : {"1,2,3", "1,2,3,0", "1,2,x,4", "1,2,3,4,5", "1,2,nan,4", "1,2,3,inf"})
+        EXPECT_THAT(ErrorOf(Words({"--region", region})), HasSubstr(std::string("--region: ") + region));
+    EXPECT_THAT(ErrorOf(Words({"--near", "--refine"})), HasSubstr("--near and --refine exclude one another"));
+}
+
+TEST_F(Place, DarkDensityIsSaidAndTurnedOnRequest) {
+    std::string bytes = ReadFile(SourceFolder() + "/examples/1tii_8A.mrc");
+    for (std::size_t i = 1024; i + 4 <= bytes.size(); i += 4)
+        bytes[i + 3] = char(bytes[i + 3] ^ 0x80); // the sign of each voxel
+    std::vector<std::string> words = Words();
+    *(std::ranges::find(words, "--map") + 1) = m_folder.Write("dark.mrc", bytes);
+    const Outcome dark = Run(words);
+    EXPECT_THAT(dark.errors, HasSubstr("search again with --invert"));
+    EXPECT_THAT(dark.output, Not(HasSubstr("Verdict     placed")));
+    words.push_back("--invert");
+    const Outcome turned = Run(words);
+    EXPECT_THAT(turned.output, HasSubstr("Verdict     placed"));
+    EXPECT_THAT(turned.errors, Not(HasSubstr("--invert")));
 }
 
 TEST_F(Place, RefusesNumbersThatMakeNoSense) {
