@@ -88,6 +88,11 @@ int IntegerOf(const Arguments &arguments, const std::string &option, int min, in
     return number;
 }
 
+std::string OptionOf(std::string parameter) {
+    std::ranges::replace(parameter, ' ', '-');
+    return "--" + parameter;
+}
+
 void Refuse(const std::string &option, const std::string &value, const std::string &expected) {
     throw std::runtime_error(option + ": " + value + " is not " + expected);
 }

@@ -37,6 +37,8 @@ std::string ModelPrefixOf(const cli::Arguments &arguments, const std::string &in
 /// and value, for one outside `min` to `max`.
 int IntegerOf(const cli::Arguments &arguments, const std::string &option, int min, int max, int otherwise);
 
+/// The option that sets a parameter: "--translation-step" for "translation step".
+std::string OptionOf(std::string parameter);
 /// Throws std::runtime_error: "OPTION: VALUE is not EXPECTED".
 [[noreturn]] void Refuse(const std::string &option, const std::string &value, const std::string &expected);
 

@@ -2,6 +2,7 @@
 
 #include "base/Words.h"
 
+#include "CommonOptions.h"
 #include "FitArguments.h"
 #include "FitProgress.h"
 #include "FitReport.h"
@@ -10,6 +11,7 @@
 #include "hosts/common/Chains.h"
 #include "hosts/common/FitChecks.h"
 #include "hosts/common/FitOutput.h"
+#include "hosts/common/ParameterError.h"
 
 #include "RunFit.h"
 #include "formats/files/FileError.h"
@@ -57,7 +59,7 @@ bool Deliver(const FitRecord &record, const std::list<SolutionScore> &solutions,
     return errors.empty();
 }
 
-int Run(const Arguments &arguments) {
+int FitAsTold(const Arguments &arguments) {
     FitRecord record;
     record.options = ReadFitOptions(arguments, Warn);
     const FitOptions &options = record.options;
@@ -82,6 +84,17 @@ int Run(const Arguments &arguments) {
     if (!Deliver(record, solutions, input, outOfReach))
         return Failed;
     return finished ? int(Succeeded) : 128 + StopSignal();
+}
+
+/// What is refused is refused in the words of the command line.
+int Run(const Arguments &arguments) {
+    try {
+        return FitAsTold(arguments);
+    } catch (const ParameterError &error) {
+        throw std::runtime_error(OptionOf(error.Parameter()) + ": " + error.Problem());
+    } catch (const FitTooLong &error) {
+        throw std::runtime_error(std::string(error.what()) + "; --force runs it.");
+    }
 }
 
 } // namespace

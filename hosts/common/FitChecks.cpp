@@ -1,8 +1,7 @@
 #include "hosts/common/FitChecks.h"
 
-#include "base/Words.h"
-
 #include "base/Numbers.h"
+#include "base/Words.h"
 
 #include "hosts/common/Chains.h"
 #include "hosts/common/Pace.h"
@@ -62,15 +61,14 @@ void CheckSolid(const FitOptions &options, const fit::Survey &survey, const Warn
              base::GeneralNumber(options.inclusionDistance).toStdString() + " Å of the target's centre");
 }
 
-/// Why the fit is not to be run, with what it would take; empty when it may.
-std::string Refusal(const FitOptions &options, const fit::FitParameters &parameters,
-                    const fit::Survey &survey) {
+/// Throws where the fit cannot be run or would take too long.
+void CheckCost(const FitOptions &options, const fit::FitParameters &parameters, const fit::Survey &survey) {
     const fit::FitCost cost = fit::EstimateCost(parameters, survey);
     const QString atAll = fit::RefuseFit(cost, parameters.angleStep, true);
     if (!atAll.isEmpty())
-        return atAll.toStdString();
+        throw std::runtime_error(atAll.toStdString());
     if (options.force || cost.poses < fewPoses)
-        return {};
+        return;
     // With a log poses are scored one by one.
     const double pace =
         MeasurePace(parameters, survey.target,
@@ -79,11 +77,10 @@ std::string Refusal(const FitOptions &options, const fit::FitParameters &paramet
     std::string problem = fit::RefuseFit(cost, parameters.angleStep, false).toStdString();
     if (problem.empty() && seconds > longestFit)
         problem = "The fit would try " + base::GeneralNumber(cost.poses).toStdString() + " poses.";
-    if (problem.empty())
-        return {};
-    return problem + " At " + base::Grouped(std::uint64_t(pace)) +
-           " poses a second, measured on this machine, that takes about " + base::DurationText(seconds) +
-           "; --force runs it.";
+    if (!problem.empty())
+        throw FitTooLong(problem + " At " + base::Grouped(std::uint64_t(pace)) +
+                         " poses a second, measured on this machine, that takes about " +
+                         base::DurationText(seconds));
 }
 
 } // namespace
@@ -94,8 +91,7 @@ fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const fit
     CheckTarget(options, input, survey.target, warn);
     CheckRestraints(options, parameters, survey, warn);
     CheckSolid(options, survey, warn);
-    if (const std::string refusal = Refusal(options, parameters, survey); !refusal.empty())
-        throw std::runtime_error(refusal);
+    CheckCost(options, parameters, survey);
     return survey;
 }
 

@@ -4,12 +4,20 @@
 
 #include "fit/Preparation.h"
 
+#include <stdexcept>
+
 namespace hosts {
 
-/// The fit of these parameters, looked at before it begins. Throws where it cannot be run or would
-/// be of no use: a target without a residue that has a position, restraints that name none of them, a search
-/// that memory cannot hold or (unless `options.force`) that would take more than a year. `warn` hears of
-/// restraints and of solids without effect.
+/// The fit would take more than a year, or has more poses than `fit::poseLimit`; `FitOptions::force` runs it.
+class FitTooLong : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The fit of these parameters, surveyed before it begins. Throws where it cannot be run or would be of no
+/// use: a target without a residue that has a position, restraints that name none of them, a search that
+/// memory cannot hold, and (FitTooLong) one of more than a year. `warn` hears of restraints and of solids
+/// without effect.
 fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const fit::FitParameters &parameters,
                      const WarningSink &warn);
 

@@ -2,6 +2,7 @@
 
 #include "hosts/common/Chains.h"
 #include "hosts/common/Inputs.h"
+#include "hosts/common/ParameterError.h"
 #include "hosts/common/RestraintsCheck.h"
 
 #include "Collect.h"
@@ -63,7 +64,7 @@ void CheckNamedChains(const FitOptions &options, const std::vector<SolidFile> &s
                 return std::ranges::any_of(solid.chains,
                                            [&](const Chain *chain) { return IsNamed(*chain, name); });
             }))
-            throw std::runtime_error("--solid-chains: no solid file has a polymer chain '" + name + "'");
+            throw ParameterError("solid chains", "no solid file has a polymer chain '" + name + "'");
 }
 
 void CheckNoneTwice(const std::vector<std::string> &files) {

@@ -33,7 +33,7 @@ struct FitInput {
 };
 
 /// Reads the restraints, the target, the solids and the map. `warn` hears what the readers took differently
-/// from how it stands. Throws FileError.
+/// from how it stands. Throws FileError, and ParameterError for a chain that no solid has.
 FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn);
 
 /// What the engine is asked to do with that input.

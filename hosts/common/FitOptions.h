@@ -36,9 +36,9 @@ struct FitOptions {
     int threads = 1; ///< that score poses
 };
 
-/// Throws std::runtime_error, naming option and value, for a number that no fit can be run with, be it that
-/// the engine, which has positions in single precision, would take it for another one. A rotation step is not
-/// looked at: the engine judges that together with what the fit would take.
+/// Throws ParameterError for a number that no fit can be run with, or that the engine, which has positions in
+/// single precision, would take for another one, and for the name of a file that cannot be opened. The engine
+/// judges the rotation step, together with what the fit would take.
 void CheckFitOptions(const FitOptions &options);
 
 } // namespace hosts

@@ -60,3 +60,8 @@ TEST(CommonOptions, AHeadingBeginsAGroup) {
     EXPECT_EQ(option.name, "--map");
     EXPECT_TRUE(option.required);
 }
+
+TEST(CommonOptions, ParametersAreNamedAsTheirOptions) {
+    EXPECT_EQ(OptionOf("translation step"), "--translation-step");
+    EXPECT_EQ(OptionOf("axis"), "--axis");
+}
