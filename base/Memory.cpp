@@ -1,5 +1,7 @@
 #include "base/Memory.h"
 
+#include "base/Numbers.h"
+
 #include <unistd.h>
 
 namespace base {
@@ -10,6 +12,12 @@ double MachineMemory() {
 
 double MemoryLimit() {
     return 0.75 * MachineMemory();
+}
+
+std::string GiB(double bytes) {
+    const double number = bytes / 0x1p30;
+    const QString text = number < 1e6 ? FixedNumber(number, 0, 1) : GeneralNumber(number);
+    return text.toStdString() + " GiB";
 }
 
 } // namespace base

@@ -5,6 +5,7 @@
 #include "Parameters.h"
 #include "Progress.h"
 #include "RunFit.h"
+#include "SolutionsList.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -79,7 +80,7 @@ bool runfit() {
     }
     ProgressMonitor monitor;
     running = &monitor;
-    const bool finished = RunFit(monitor);
+    const bool finished = RunFit(monitor, nullptr, {.bytesBeside = bytesOfARow});
     running = nullptr;
     return finished;
 }

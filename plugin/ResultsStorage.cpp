@@ -1,8 +1,8 @@
 #include "ResultsStorage.h"
 
 #include "base/Memory.h"
-#include "base/Numbers.h"
 
+#include "SolutionsList.h"
 #include "solutions/ResultsFile.h"
 
 #include <QBuffer>
@@ -10,9 +10,6 @@
 #include <QFileInfo>
 
 namespace {
-
-/// Memory that the results dialog takes for a row, bytes.
-constexpr double bytesOfARow = 640;
 
 void Warn(const QString &file, const QString &problem) {
     qWarning("%s: %s", qUtf8Printable(file), qUtf8Printable(problem));
@@ -36,9 +33,8 @@ void TellSkipped(const QString &file, const std::vector<qint64> &lines) {
 }
 
 std::list<SolutionScore> RefuseForSize(const QString &file) {
-    constexpr double bytesPerGiB = 1024.0 * 1024.0 * 1024.0;
-    Warn(file, QString("loading it would need more than %1 GiB of memory, three quarters of this machine's")
-                   .arg(base::FixedNumber(base::MemoryLimit() / bytesPerGiB, 0, 1)));
+    Warn(file, QString("loading it would need more than %1 of memory, three quarters of this machine's")
+                   .arg(QString::fromStdString(base::GiB(base::MemoryLimit()))));
     return {};
 }
 

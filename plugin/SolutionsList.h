@@ -55,6 +55,9 @@ private:
     void MakeButtonColumn();
 };
 
+/// Memory that a row takes, bytes.
+constexpr double bytesOfARow = 640;
+
 /// Refills the dialog's rows from the list: the first entry gets rank n, the last one rank 1, padded with
 /// zeros to the width of `top_size`.
 void update_list(std::list<SolutionScore> &list, SolutionsList *dialog);

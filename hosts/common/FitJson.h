@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Memory.h"
+
 #include "hosts/common/FitRecord.h"
 
 #include <iosfwd>
@@ -23,7 +25,8 @@ struct JsonSolutions {
 
 /// Reads the solutions; a broken one does not make the others unreadable. Besides them nothing is kept in
 /// memory, whatever else the bytes hold. Throws FileError, with the name given, where the bytes are no JSON,
-/// of another format or of another version.
-JsonSolutions ReadFitJson(const std::string &file, const std::string &bytes);
+/// of another format or of another version, and where the solutions would take more than `memory` bytes.
+JsonSolutions ReadFitJson(const std::string &file, const std::string &bytes,
+                          double memory = base::MemoryLimit());
 
 } // namespace hosts

@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 
 #include "formats/files/FileError.h"
+#include "solutions/RecordBytes.h"
 
 #include <nlohmann/json.hpp>
 
@@ -78,6 +79,13 @@ public:
         solution.extraScores = std::move(*m_distances);
         return solution;
     }
+    /// Memory of the numbers, while their lists grow.
+    double Bytes() const {
+        std::size_t numbers = 0;
+        for (const Numbers *list : {&m_rotation, &m_translation, &m_distances})
+            numbers += *list ? (*list)->size() : 0;
+        return 3.0 * sizeof(double) * double(numbers);
+    }
     /// What was found first; empty where all is well.
     const std::string &Problem() const { return m_problem; }
     void Complain(const std::string &problem) {
@@ -127,8 +135,9 @@ public:
     using string_t = Json::string_t;
     using binary_t = Json::binary_t;
 
-    explicit Reader(const std::string &bytes)
-        : m_bytes(bytes) {}
+    Reader(const std::string &bytes, double memory)
+        : m_bytes(bytes)
+        , m_memory(memory) {}
 
     JsonSolutions TakeFound() { return std::move(m_found); }
     /// Throws FileError for a file of another kind.
@@ -174,9 +183,7 @@ public:
     }
     bool end_object() {
         --m_depth;
-        if (m_entry && m_depth == 2)
-            TakeEntry();
-        return true;
+        return !m_entry || m_depth != 2 || TakeEntry();
     }
     bool start_array(std::size_t) {
         if (m_depth == 1 && m_key == "solutions")
@@ -218,23 +225,41 @@ private:
         } else if (m_inList && m_depth == 2) {
             m_entry.emplace(m_found.solutions.size() + 1);
             m_entry->Complain("is not an object");
-            TakeEntry();
+            return TakeEntry();
         } else if (m_entry && m_depth == 3) {
             m_entry->SetScalar(m_entryKey, number);
         } else if (m_entry && m_depth == 4) {
             m_entry->AddNumber(m_entryKey, number);
+            return HasRoomFor(m_entry->Bytes());
         }
         return true;
     }
 
-    void TakeEntry() {
+    /// False, and the error is set, where the memory does not hold what was found.
+    bool TakeEntry() {
+        // A map's node and its text.
+        constexpr double problemBytes = 160;
         m_found.solutions.push_back(m_entry->Finish());
-        if (!m_entry->Problem().empty())
+        // While the list grows, each solution stands in the old place and in the new one.
+        m_taken += 2 * solutions::RecordBytes(m_found.solutions.back().extraScores.size());
+        if (!m_entry->Problem().empty()) {
             m_found.problems[m_found.solutions.size()] = m_entry->Problem();
+            m_taken += problemBytes;
+        }
         m_entry.reset();
+        return HasRoomFor(0);
+    }
+
+    bool HasRoomFor(double bytes) {
+        if (m_taken + bytes <= m_memory)
+            return true;
+        m_errorPlace = "solutions";
+        m_error = "the list would need more than " + base::GiB(m_memory) + " of memory";
+        return false;
     }
 
     const std::string &m_bytes;
+    double m_memory, m_taken = 0; ///< bytes that the solutions may take, and take
     JsonSolutions m_found;
     std::size_t m_depth = 0; ///< objects and lists that are open
     bool m_isObject = false, m_hasList = false, m_inList = false;
@@ -248,8 +273,8 @@ private:
 
 } // namespace
 
-JsonSolutions ReadFitJson(const std::string &file, const std::string &bytes) {
-    Reader reader(bytes);
+JsonSolutions ReadFitJson(const std::string &file, const std::string &bytes, double memory) {
+    Reader reader(bytes, memory);
     if (!Json::sax_parse(bytes, &reader))
         throw FileError(file, reader.ErrorPlace(), reader.Error());
     reader.CheckKind(file);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 using namespace VARNO;
 using formats::FileError;
@@ -17,8 +18,13 @@ namespace hosts {
 
 namespace {
 
-/// Millions of solutions: larger files are something else, or more than anybody builds from.
-constexpr std::size_t sizeLimit = std::size_t(1) << 28;
+/// The share of the memory that the text may take. While it is read it stands there twice; the solutions take
+/// more than their text.
+constexpr double shareOfText = 0.25;
+
+/// What a line of a results file takes besides its record: its place in the list by rank, and the text of a
+/// problem with it.
+constexpr double bytesOfARank = sizeof(SolutionScore) + 160;
 
 /// Bytes that no text has tell a binary file.
 void CheckIsText(const std::string &file, const std::string &bytes) {
@@ -29,22 +35,26 @@ void CheckIsText(const std::string &file, const std::string &bytes) {
                         "is a control character: no list of solutions, which is text");
 }
 
-SavedList FromResults(const std::string &file, const std::string &bytes) {
+SavedList FromResults(const std::string &file, const std::string &bytes, double memory) {
     QByteArray array = QByteArray::fromRawData(bytes.data(), qsizetype(bytes.size()));
     QBuffer buffer(&array);
     buffer.open(QIODevice::ReadOnly);
-    solutions::ResultsRead read = solutions::ReadResults(buffer);
+    solutions::ResultsRead read = solutions::ReadResults(buffer, memory, bytesOfARank);
+    if (!read.isWhole)
+        throw FileError(file, "", "the list would need more than " + base::GiB(memory) + " of memory");
     if (read.solutions.size() == read.doubtful.size())
         throw FileError(file, "", "no line holds the eight numbers of a solution");
-    SavedList list{file, {read.solutions.rbegin(), read.solutions.rend()}, true, read.skippedLines, {}};
+    SavedList list{file, {}, true, std::move(read.skippedLines), {}};
+    list.solutions.reserve(read.solutions.size());
+    std::move(read.solutions.rbegin(), read.solutions.rend(), std::back_inserter(list.solutions));
     for (const auto &[place, line] : read.doubtful)
         list.problems[list.solutions.size() - place] =
             "line " + std::to_string(line) + " holds a word that is no number";
     return list;
 }
 
-SavedList FromJson(const std::string &file, const std::string &bytes) {
-    JsonSolutions read = ReadFitJson(file, bytes);
+SavedList FromJson(const std::string &file, const std::string &bytes, double memory) {
+    JsonSolutions read = ReadFitJson(file, bytes, memory);
     if (read.solutions.empty())
         throw FileError(file, "solutions", "the list is empty");
     return {file, std::move(read.solutions), false, {}, std::move(read.problems)};
@@ -71,13 +81,14 @@ const SolutionScore &SavedList::OfRank(long rank) const {
     return solution;
 }
 
-SavedList ReadSavedList(const std::string &file) {
-    const std::string bytes = formats::ReadBytes(file, sizeLimit);
+SavedList ReadSavedList(const std::string &file, double memory) {
+    const std::string bytes = formats::ReadBytes(file, std::size_t(shareOfText * memory));
     const std::size_t start = bytes.find_first_not_of(" \t\r\n");
     if (start == std::string::npos)
         throw FileError(file, "", "is empty");
     CheckIsText(file, bytes);
-    return bytes[start] == '{' ? FromJson(file, bytes) : FromResults(file, bytes);
+    const double left = memory - double(bytes.size());
+    return bytes[start] == '{' ? FromJson(file, bytes, left) : FromResults(file, bytes, left);
 }
 
 double RoundingCost(double distance) {

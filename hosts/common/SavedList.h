@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Memory.h"
+
 #include "solutions/Solution.h"
 
 #include <map>
@@ -21,8 +23,9 @@ struct SavedList {
 };
 
 /// Reads what `fit` saved as JSON, or a results file; told from the content. The ranks of a results file
-/// count from its end. Throws FileError: unreadable, empty, binary, of another kind, without a solution.
-SavedList ReadSavedList(const std::string &file);
+/// count from its end. Throws FileError: unreadable, empty, binary, of another kind, without a solution, or
+/// so large that reading it would take more than `memory` bytes.
+SavedList ReadSavedList(const std::string &file, double memory = base::MemoryLimit());
 
 /// How far, in Å, the two decimals of a results file may have moved a point at that distance from the frame's
 /// origin, at most.

@@ -91,8 +91,8 @@ bool CanStart(const Compound *target, const Compound *map) {
 /// The survey of a fit; none where it would take too much.
 std::optional<fit::Survey> Admit(const fit::FitParameters &parameters, const SearchOptions &options) {
     fit::Survey survey = fit::SurveyFit(parameters);
-    const QString refusal =
-        fit::RefuseFit(fit::EstimateCost(parameters, survey), parameters.angleStep, options.anyNumberOfPoses);
+    const QString refusal = fit::RefuseFit(fit::EstimateCost(parameters, survey, options.bytesBeside),
+                                           parameters.angleStep, options.anyNumberOfPoses);
     if (refusal.isEmpty())
         return survey;
     qWarning("%s", qPrintable(refusal));

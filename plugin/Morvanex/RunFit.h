@@ -9,6 +9,7 @@ struct SearchOptions {
     bool anyNumberOfPoses = false; ///< do not refuse a fit for its number of poses
     bool poseByPose = false;       ///< score each pose on its own: slow, and the definition of the results
     unsigned threads = 1;          ///< that score poses, where they are not scored one by one; not 0
+    double bytesBeside = 0;        ///< that the caller takes for each solution in the end, as a dialog's row
 };
 
 /// Runs a whole fit: prepares it, scores the target in its own orientation and at every angle about every

@@ -17,13 +17,13 @@ namespace fit {
 
 namespace {
 
-/// A number that the reader can take in: with these decimals while short, else with an exponent.
-QString Figure(double number, int decimals = 0) {
-    return number < 1e6 ? base::FixedNumber(number, 0, decimals) : base::GeneralNumber(number);
+/// A number that the reader can take in: whole while short, else with an exponent.
+QString Figure(double number) {
+    return number < 1e6 ? base::FixedNumber(number, 0, 0) : base::GeneralNumber(number);
 }
 
 QString GiB(double bytes) {
-    return Figure(bytes / (1024.0 * 1024.0 * 1024.0), 1) + " GiB";
+    return QString::fromStdString(base::GiB(bytes));
 }
 
 /// Values of the angle: counted, since where the step divides the turn rounding decides on the last one. So
@@ -36,7 +36,7 @@ double AngleCount(double step) {
 
 } // namespace
 
-FitCost EstimateCost(const FitParameters &parameters, const Survey &survey) {
+FitCost EstimateCost(const FitParameters &parameters, const Survey &survey, double bytesBeside) {
     // An axis stands in the list and, while the list is built, in a set of nodes.
     constexpr double axisBytes = sizeof(Vertex) + 48.0;
     const double record = solutions::RecordBytes(survey.target.restraints.size());
@@ -49,7 +49,8 @@ FitCost EstimateCost(const FitParameters &parameters, const Survey &survey) {
     cost.axisBytes = cost.axes * axisBytes;
     cost.offsetBytes = offsets * sizeof(Vertex);
     cost.identityBytes = offsets * record;
-    cost.listBytes = (2.0 * std::max(parameters.keep, 0) + 1) * record;
+    const double keep = std::max(parameters.keep, 0);
+    cost.listBytes = std::max((2 * keep + 1) * record, keep * (record + bytesBeside));
     if (!survey.solid.points.empty()) {
         const KeepOutLayout layout = LayOutKeepOut(survey.solid);
         cost.keepOutBytes = layout.nodes[0] * layout.nodes[1] * layout.nodes[2] * sizeof(float);

@@ -31,9 +31,9 @@ class SavedLists : public testing::Test {
 protected:
     SavedList Read(const std::string &bytes) { return ReadSavedList(m_folder.Write("list", bytes)); }
     std::string ErrorOf(const std::string &bytes) { return ErrorOfFile(m_folder.Write("list", bytes)); }
-    std::string ErrorOfFile(const std::string &file) {
+    std::string ErrorOfFile(const std::string &file, double memory = base::MemoryLimit()) {
         try {
-            ReadSavedList(file);
+            ReadSavedList(file, memory);
         } catch (const formats::FileError &error) {
             return WithoutFolder(error.what());
         }
@@ -126,6 +126,30 @@ TEST_F(SavedLists, ABrokenSolutionOfAJsonFileIsNotBuilt) {
     text.replace(text.find("rotation", text.find("\"rank\":2")), 8, "notation");
     EXPECT_EQ(ErrorOfRank(text, 2), "list: rank 2: rotation is missing");
     EXPECT_EQ(ErrorOfRank(text, 1), "no error");
+}
+
+TEST_F(SavedLists, ListsThatTheMemoryDoesNotHoldAreRefused) {
+    std::string lines = comment;
+    for (int i = 0; i < 1000; ++i)
+        lines += worst;
+    std::string json = Json({});
+    const std::size_t list = json.rfind('[') + 1;
+    for (int i = 0; i < 1000; ++i)
+        json.insert(list, i > 0 ? "{}," : "{}");
+    for (const std::string &text : {lines, json}) {
+        const std::string file = m_folder.Write("list", text);
+        const auto bytes = double(text.size());
+        EXPECT_EQ(ReadSavedList(file, 1e6).solutions.size(), 1000u);
+        EXPECT_THAT(ErrorOfFile(file, 4 * bytes - 4), HasSubstr("list: holds more than ")) << "the text";
+        EXPECT_THAT(ErrorOfFile(file, 4 * bytes + 4), HasSubstr("would need more than 0.0 GiB of memory"));
+    }
+    const std::string distances = Json({[] {
+        SolutionScore solution;
+        solution.extraScores.resize(10'000);
+        return solution;
+    }()});
+    EXPECT_THAT(ErrorOfFile(m_folder.Write("list", distances), 4.0 * double(distances.size()) + 4),
+                HasSubstr("list: solutions: the list would need more than 0.0 GiB of memory"));
 }
 
 TEST_F(SavedLists, WhatIsNoListIsRefused) {

@@ -1,8 +1,10 @@
 #include "FitRun.h"
 
 #include "Progress.h"
+#include "SolutionsList.h"
 
 #include "DialogTest.h"
+#include "base/Memory.h"
 
 #include "Space.h"
 
@@ -10,6 +12,8 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+
+#include <limits>
 
 using testing::ElementsAre;
 using testing::SizeIs;
@@ -69,6 +73,17 @@ TEST_F(FitRun, ShowsProgressAfterTheIdentityAndAfterEachAxis) {
     EXPECT_EQ(seen.back().estimate, "0.00 min");
     for (const Picture &picture : seen)
         EXPECT_TRUE(picture.visible);
+}
+
+TEST_F(FitRun, DoesNotStartWhereTheResultsDialogCouldNotShowWhatIsKept) {
+    const double rows = base::MemoryLimit() / bytesOfARow;
+    if (rows > std::numeric_limits<int>::max())
+        GTEST_SKIP() << "this machine shows as many rows as an int counts";
+    top_size = int(rows);
+    EXPECT_FALSE(runfit());
+    EXPECT_THAT(messages.Warnings(), testing::ElementsAre(testing::HasSubstr("GiB of memory")));
+    top_size = int(rows / 2);
+    EXPECT_TRUE(runfit());
 }
 
 TEST_F(FitRun, ClosesTheDialogAtTheEndAndKeepsIt) {

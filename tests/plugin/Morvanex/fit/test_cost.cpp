@@ -74,6 +74,15 @@ TEST_F(Cost, KnowsTheKeepOutGrid) {
     EXPECT_EQ(expected, double(grid->Values().size_bytes()));
 }
 
+TEST_F(Cost, KnowsWhatStandsBesideTheSolutionsInTheEnd) {
+    const auto list = [this](double bytesBeside) {
+        return fit::EstimateCost(parameters, fit::SurveyFit(parameters), bytesBeside).listBytes;
+    };
+    parameters.keep = 1'000'000;
+    EXPECT_EQ(list(1), list(0)) << "the search itself needs more, with twice as many records";
+    EXPECT_GE(list(1000), 1e6 * (1000 + sizeof(SolutionScore)));
+}
+
 TEST_F(Cost, RestraintsMakeRecordsLarger) {
     const double before = Estimate().identityBytes;
     parameters.restraints = fit::ParseRestraints("GLY1 1 2 3 GLY1 1 2 3 GLY2 1 2 3");
