@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <map>
 #include <ostream>
 
@@ -23,24 +24,18 @@ namespace formats {
 
 namespace {
 
-/// What stands in the file for one chain node, or for one built molecule.
+/// As mmCIF names them, _entity.type.
+enum class Entity { Polymer, NonPolymer, Water };
+
+/// What stands in the file as one chain: a polymer or a built molecule, or the ligands or the water of a
+/// chain node.
 struct WrittenChain {
     const Compound *node;
-    bool polymer;
-};
+    Entity entity;
+    std::vector<const Residue *> residues;
 
-/// Of a node that may be null, as children may.
-void CollectChains(const Compound *node, std::vector<WrittenChain> &chains) {
-    if (!node)
-        return;
-    if (const auto *chain = dynamic_cast<const Chain *>(node))
-        return chains.push_back({chain, chain->IsPolymer()});
-    if (const auto *molecule = dynamic_cast<const Molecule *>(node); molecule && molecule->HoldsResidues())
-        return chains.push_back({molecule, true});
-    const auto collect = [&](const Compound *below) { CollectChains(below, chains); };
-    std::for_each(node->ChildBegin(), node->ChildEnd(), collect);
-    std::for_each(node->PartBegin(), node->PartEnd(), collect);
-}
+    bool IsPolymer() const { return entity == Entity::Polymer; }
+};
 
 template <class Node>
 std::vector<const Node *> Children(const Compound *node) {
@@ -51,8 +46,32 @@ std::vector<const Node *> Children(const Compound *node) {
     return children;
 }
 
+bool IsWater(const Residue *residue) {
+    return gemmi::find_tabulated_residue(residue->GetName()).is_water();
+}
+
+/// Of a node that may be null, as children may.
+void CollectChains(const Compound *node, std::vector<WrittenChain> &chains) {
+    if (!node)
+        return;
+    const auto *chain = dynamic_cast<const Chain *>(node);
+    const auto *molecule = dynamic_cast<const Molecule *>(node);
+    if (chain && !chain->IsPolymer()) {
+        std::vector<const Residue *> residues = Children<Residue>(chain);
+        const auto water = std::stable_partition(residues.begin(), residues.end(), std::not_fn(IsWater));
+        chains.push_back({chain, Entity::NonPolymer, {residues.begin(), water}});
+        chains.push_back({chain, Entity::Water, {water, residues.end()}});
+    } else if (chain || (molecule && molecule->HoldsResidues())) {
+        chains.push_back({node, Entity::Polymer, Children<Residue>(node)});
+    } else {
+        const auto collect = [&](const Compound *below) { CollectChains(below, chains); };
+        std::for_each(node->ChildBegin(), node->ChildEnd(), collect);
+        std::for_each(node->PartBegin(), node->PartEnd(), collect);
+    }
+}
+
 bool HasAtoms(const WrittenChain &chain) {
-    return std::ranges::any_of(Children<Residue>(chain.node),
+    return std::ranges::any_of(chain.residues,
                                [](const Residue *residue) { return !Children<Atom>(residue).empty(); });
 }
 
@@ -80,7 +99,7 @@ public:
             m_chain = chain;
             ++m_chainNumber;
             m_residueNumber = 0;
-            for (const Residue *residue : Children<Residue>(chain.node))
+            for (const Residue *residue : chain.residues)
                 WriteResidue(*residue);
             EndChain();
         }
@@ -93,7 +112,7 @@ protected:
     virtual void EndChain() = 0;
     virtual void End() = 0;
 
-    const char *RecordName() const { return m_chain.polymer ? "ATOM" : "HETATM"; }
+    const char *RecordName() const { return m_chain.IsPolymer() ? "ATOM" : "HETATM"; }
     const Residue &CurrentResidue() const { return *m_residue; }
 
     /// Names of all kinds must stand on one line.
@@ -151,7 +170,7 @@ private:
 
     void WriteAtom(const Atom &atom, const Vertex &position) override {
         std::string line(80, ' ');
-        line.replace(0, 6, std::string(RecordName()).append(m_chain.polymer ? 2 : 0, ' '));
+        line.replace(0, 6, std::string(RecordName()).append(m_chain.IsPolymer() ? 2 : 0, ' '));
         PutResidue(line);
         PutAtomName(line, atom);
         for (const unsigned i : {0, 1, 2})
@@ -199,7 +218,7 @@ private:
     }
 
     void EndChain() override {
-        if (std::exchange(m_wroteAtom, false) && m_chain.polymer) {
+        if (std::exchange(m_wroteAtom, false) && m_chain.IsPolymer()) {
             std::string line(80, ' ');
             line.replace(0, 3, "TER");
             PutResidue(line);
@@ -238,10 +257,14 @@ MonomerKind KindOf(const std::string &residue, bool inPolymer) {
     }
 }
 
+const char *EntityType(Entity entity) {
+    return entity == Entity::Polymer ? "polymer" : entity == Entity::Water ? "water" : "non-polymer";
+}
+
 /// That of most of the chain's residues, "other" where none is known.
-std::string PolymerType(const Compound *chain) {
+std::string PolymerType(const WrittenChain &chain) {
     std::map<std::string, std::size_t> counts;
-    for (const Residue *residue : Children<Residue>(chain))
+    for (const Residue *residue : chain.residues)
         if (const char *type = KindOf(residue->GetName(), true).polymer)
             ++counts[type];
     if (counts.contains("polydeoxyribonucleotide") && counts.contains("polyribonucleotide"))
@@ -262,7 +285,7 @@ private:
         m_out << "data_" << BlockName() << "\n#\n_entry.id " << Value(BlockName())
               << "\n#\nloop_\n_entity.id\n_entity.type\n";
         for (std::size_t i = 0; i < chains.size(); ++i)
-            m_out << i + 1 << (chains[i].polymer ? " polymer\n" : " non-polymer\n");
+            m_out << i + 1 << ' ' << EntityType(chains[i].entity) << '\n';
         WritePolymers(chains);
         WriteComponents(chains);
         m_out << "#\nloop_\n_struct_asym.id\n_struct_asym.entity_id\n";
@@ -284,20 +307,20 @@ private:
     }
 
     void WritePolymers(const std::vector<WrittenChain> &chains) {
-        if (std::ranges::none_of(chains, &WrittenChain::polymer))
+        if (std::ranges::none_of(chains, &WrittenChain::IsPolymer))
             return;
         m_out << "#\nloop_\n_entity_poly.entity_id\n_entity_poly.type\n";
         for (std::size_t i = 0; i < chains.size(); ++i)
-            if (chains[i].polymer)
-                m_out << i + 1 << ' ' << gemmi::cif::quote(PolymerType(chains[i].node)) << '\n';
+            if (chains[i].IsPolymer())
+                m_out << i + 1 << ' ' << gemmi::cif::quote(PolymerType(chains[i])) << '\n';
     }
 
     /// Readers that look up every residue's name stop where this table is missing.
     void WriteComponents(const std::vector<WrittenChain> &chains) {
         std::map<std::string, const char *> types;
         for (const WrittenChain &chain : chains)
-            for (const Residue *residue : Children<Residue>(chain.node))
-                types.emplace(residue->GetName(), KindOf(residue->GetName(), chain.polymer).component);
+            for (const Residue *residue : chain.residues)
+                types.emplace(residue->GetName(), KindOf(residue->GetName(), chain.IsPolymer()).component);
         m_out << "#\nloop_\n_chem_comp.id\n_chem_comp.type\n";
         for (const auto &[name, type] : types)
             m_out << gemmi::cif::quote(name) << ' ' << gemmi::cif::quote(type) << '\n';
@@ -308,7 +331,7 @@ private:
         const std::string name = Value(atom.GetName()), residue = Value(CurrentResidue().GetName());
         m_out << RecordName() << ' ' << m_atomNumber << ' ' << Value(atom.GetLabel()) << ' ' << name << " . "
               << residue << ' ' << Letters(m_chainNumber) << ' ' << m_chainNumber << ' '
-              << (m_chain.polymer ? std::to_string(m_residueNumber) : ".") << ' '
+              << (m_chain.IsPolymer() ? std::to_string(m_residueNumber) : ".") << ' '
               << (id.insertion.empty() ? "?" : Value(id.insertion));
         for (const unsigned i : {0, 1, 2})
             m_out << ' ' << base::PlainFixed(double(position[i]), 3);

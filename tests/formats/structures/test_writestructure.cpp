@@ -14,6 +14,7 @@ namespace {
 
 using namespace formats;
 using namespace VARNO;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -84,13 +85,14 @@ _entity.id
 _entity.type
 1 polymer
 2 non-polymer
-3 polymer
+3 water
+4 polymer
 #
 loop_
 _entity_poly.entity_id
 _entity_poly.type
 1 polypeptide(L)
-3 polyribonucleotide
+4 polyribonucleotide
 #
 loop_
 _chem_comp.id
@@ -108,6 +110,7 @@ _struct_asym.entity_id
 A 1
 B 2
 C 3
+D 4
 #
 loop_
 _atom_site.group_PDB
@@ -136,10 +139,24 @@ ATOM 2 C CA . ALA A 1 1 A 11.639 6.071 -5.147 1.00 13.00 0 -5 ALA A CA 1
 ATOM 3 H HG11 . VAL A 1 2 ? 14.117 7.001 -2.400 1.00 14.00 0 6 VAL A HG11 1
 ATOM 4 SE SE . MSE A 1 3 ? 14.117 7.001 -2.400 1.00 14.00 0 7 MSE A SE 1
 HETATM 5 CA CA . CA B 2 . ? -214.117 7.001 -2.400 1.00 14.00 2 101 CA A CA 1
-HETATM 6 O O . HOH B 2 . ? 1214.117 7.001 -2.400 1.00 -14.00 -1 102 HOH A O 1
-ATOM 7 C "C4'" . G C 3 1 ? 0.000 -0.001 0.001 1.00 0.00 0 1234 G ' ' "C4'" 1
+HETATM 6 O O . HOH C 3 . ? 1214.117 7.001 -2.400 1.00 -14.00 -1 102 HOH A O 1
+ATOM 7 C "C4'" . G D 4 1 ? 0.000 -0.001 0.001 1.00 0.00 0 1234 G ' ' "C4'" 1
 #
 )");
+}
+
+TEST_F(WriteStructureTest, WaterStandsBehindTheLigandsOfItsChain) {
+    const std::string text =
+        Written(StructureFormat::Mmcif,
+                Read(R"(ATOM      1  CA  ALA A   1      11.104   6.134  -6.504  1.00 12.50           C
+HETATM    2  O   HOH A 101    1214.117   7.001  -2.400  1.00 14.00           O
+HETATM    3 CA    CA A 102    -214.117   7.001  -2.400  1.00 14.00          CA
+HETATM    4  O   HOH A 103       4.117   7.001  -2.400  1.00 14.00           O
+)"));
+    EXPECT_THAT(text, HasSubstr("\n1 polymer\n2 non-polymer\n3 water\n#"))
+        << "viewers tell water from ligands by the entity";
+    EXPECT_THAT(text, ContainsRegex("CA B 2 [^\n]*\nHETATM 3 O O . HOH C 3 [^\n]* 101 HOH A O 1\n"
+                                    "HETATM 4 O O . HOH C 3 "));
 }
 
 TEST_F(WriteStructureTest, GivesTheSameModelFromBothFormats) {
