@@ -21,7 +21,7 @@ using gemmi::cif::Table;
 /// What the parser says where a rule of the format has words of its own for it; else the text that fits no
 /// rule, since the parser then names the rules themselves.
 std::string ProblemOf(const tao::pegtl::parse_error &error, std::string_view text) {
-    const std::string message(error.message());
+    std::string message(error.message());
     if (!message.starts_with("parse error"))
         return message;
     const std::string_view rest = text.substr(std::min(error.positions().front().byte, text.size()));

@@ -28,6 +28,7 @@ namespace {
 std::vector<long> ReadRanks(const Arguments &arguments) {
     const std::vector<std::string> texts = arguments.List("--rank").value();
     std::vector<long> ranks;
+    ranks.reserve(texts.size());
     for (const std::string &text : texts)
         ranks.push_back(ReadInteger("--rank", text));
     return ranks;
