@@ -203,6 +203,14 @@ std::vector<Candidate> Merge(std::vector<BestCandidates> &lists) {
 
 } // namespace
 
+std::array<std::size_t, 3> VoxelsInBox(const Volume &volume, const std::array<double, 3> &lengths) {
+    std::array<std::size_t, 3> inBox;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        inBox[axis] =
+            std::min(volume.count[axis], std::size_t(std::ceil(lengths[axis] / volume.spacing[axis])));
+    return inBox;
+}
+
 std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox) {
     std::vector<float> values;
     values.reserve(inBox[0] * inBox[1] * inBox[2]);

@@ -18,6 +18,10 @@ struct CoarseJob {
     std::span<const Matrix> rotations;
 };
 
+/// How many of a volume's voxels lie within a box of these lengths (Å) that begins where it does; the rest is
+/// padding.
+std::array<std::size_t, 3> VoxelsInBox(const Volume &volume, const std::array<double, 3> &lengths);
+
 /// The values of the voxels `inBox`.
 std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox);
 

@@ -46,7 +46,7 @@ constexpr double finestWidth = 0.3;
 constexpr double coarseWidth = 0.45, coarseVoxel = 0.45;
 /// Voxels of the levels in between and of the finest one, of the level's width: linear interpolation between
 /// them costs the finest no hundredth of its score.
-constexpr double levelVoxel = 0.83, finestVoxel = 0.67;
+constexpr double levelVoxel = 1, finestVoxel = 0.83;
 /// Levels wider than this, Å, see no more than the scan's points; residues are 3.8 Å apart.
 constexpr double pointWidth = 1.6;
 /// Each level is this much narrower than the one before: a maximum stays within the next one's reach.
@@ -126,6 +126,14 @@ constexpr std::size_t nearbyPoses = 30;
 /// Extremes below the median this many times as far off as those above it tell of inverted contrast; noise
 /// alone has them equally far.
 constexpr double invertedRatio = 2;
+
+// Trimming
+
+/// A Gaussian of the width 1 has fallen to 0.0001 at this wavenumber; of the width of the mask it is sampled
+/// this finely.
+constexpr double gaussianEnd = 0.68, trimVoxel = 0.7;
+/// A map is trimmed to the part that matters where that is less than this share of it.
+constexpr double maxTrimmedShare = 0.67;
 
 // The confidence
 

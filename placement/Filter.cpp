@@ -48,10 +48,9 @@ RadialCurve LevelFilter(const Spectrum &spectrum, double sigma) {
     return WhitenedSignal(spectrum, [&](double k) { return k * Gaussian(variance, k); });
 }
 
-RadialCurve GaussianFilter(const Spectrum &spectrum, double sigma) {
-    const double end = bandEnd / spectrum.resolution;
-    return Sample(end, spectrum.power.step / 2,
-                  [&](double k) { return k < end ? Gaussian(sigma * sigma, k) : 0.0; });
+RadialCurve GaussianFilter(double sigma, double end) {
+    constexpr double samples = 500;
+    return Sample(end, end / samples, [&](double k) { return k < end ? Gaussian(sigma * sigma, k) : 0.0; });
 }
 
 void ScaleToUnitPower(Volume &volume) {

@@ -7,6 +7,7 @@
 #include "placement/OccupiedSpace.h"
 #include "placement/Parallel.h"
 #include "placement/Rotations.h"
+#include "placement/Trim.h"
 
 #include <algorithm>
 #include <atomic>
@@ -35,12 +36,6 @@ private:
     Monitor &m_whole;
     double m_begin, m_end;
 };
-
-double ScanResolution(const PointModel &model, double resolution) {
-    const double finest = std::max(finestScan, scanPerRadius * model.gyration);
-    const double bySize = 2 * std::cbrt(residueVolume * double(model.residues) / scanCells);
-    return std::max(resolution, std::min(finest, bySize));
-}
 
 double RotationStep(const PointModel &model, double scanResolution) {
     constexpr double degree = std::numbers::pi / 180;
@@ -119,9 +114,11 @@ public:
         , m_monitor(monitor)
         , m_model(MakePointModel(atoms))
         , m_neighbours(parameters.neighbours)
-        , m_spectrum(TransformMap(map, parameters.resolution, parameters.threads))
+        , m_map(Trimmed(map, m_model, parameters.resolution, parameters.threads))
+        , m_spectrum(TransformMap(m_map, parameters.resolution, parameters.threads))
         , m_points(m_model.points, m_model.weights) {
         m_result.start = m_model.centre;
+        m_result.searched = m_map.count;
         m_result.predictedSignal = PredictedSignal(m_model.atoms, parameters.resolution);
         m_result.sharpShare = m_spectrum.sharpShare;
         m_result.scanResolution = ScanResolution(m_model, parameters.resolution);
@@ -161,9 +158,10 @@ public:
 private:
     std::vector<Pose> Scan() {
         const double scan = m_result.scanResolution;
-        const Volume level = MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan);
-        const double smoothing = std::max(maskWidth * scan, maskWidthPerRadius * m_model.gyration);
-        const Volume smoothed = MakeDensity(GaussianFilter(m_spectrum, smoothing), coarseVoxel * scan);
+        const Volume level =
+            MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan, Between::Nothing);
+        const double smoothing = MaskWidth(m_model, m_parameters.resolution);
+        const Volume smoothed = MakeDensity(Smoothing(smoothing), coarseVoxel * scan);
         const std::array<std::size_t, 3> inBox = InBox(level);
         m_result.seemsInverted = SeemsInverted(smoothed, inBox);
         m_result.rotations = RotationsForStep(m_result.rotationStep);
@@ -189,13 +187,12 @@ private:
         return DistinctBest(m_model, std::move(poses), samePlace * m_parameters.resolution, nearbyPoses);
     }
 
-    /// How many of a volume's voxels lie in the map itself; the rest is padding.
     std::array<std::size_t, 3> InBox(const Volume &volume) const {
-        std::array<std::size_t, 3> inBox;
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            inBox[axis] = std::min(volume.count[axis],
-                                   std::size_t(std::ceil(m_spectrum.box[axis] / volume.spacing[axis])));
-        return inBox;
+        return VoxelsInBox(volume, m_spectrum.box);
+    }
+
+    RadialCurve Smoothing(double width) const {
+        return GaussianFilter(width, bandEnd / m_parameters.resolution);
     }
 
     /// Density smoothed by a filter.
@@ -204,8 +201,8 @@ private:
     }
 
     /// The map under which poses are scored.
-    Volume MakeLevel(const RadialCurve &filter, double voxel) const {
-        Volume level = Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads);
+    Volume MakeLevel(const RadialCurve &filter, double voxel, Between between = Between::Linear) const {
+        Volume level = Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads, between);
         m_neighbours.KeepFree(level);
         return level;
     }
@@ -353,7 +350,7 @@ private:
     /// How much of the model lies in density, for each place.
     void AddDensityShares() {
         const double width = finestWidth * m_parameters.resolution;
-        Volume density = MakeDensity(GaussianFilter(m_spectrum, width), levelVoxel * width);
+        Volume density = MakeDensity(Smoothing(width), levelVoxel * width);
         const auto threshold = float(DensityThreshold(density, InBox(density)));
         for (float &value : density.values)
             value = value > threshold ? 1.0f : 0.0f;
@@ -378,6 +375,7 @@ private:
     Monitor &m_monitor;
     PointModel m_model;
     KnownNeighbours m_neighbours;
+    VolumeView m_map; ///< the part of it that matters
     Spectrum m_spectrum;
     WeightedPoints m_points;
     double m_coarsest = 0;                    ///< width of the scan's level, Å

@@ -49,12 +49,13 @@ struct PlacementResult {
     /// Of the first place: for each residue the mean of the filtered map at its electrons, in standard
     /// deviations of that map. Low values tell which part of the model fits badly.
     std::vector<double> profile;
-    double predictedSignal = 0; ///< what was to be expected before the search, see Forecast.h
-    double sharpShare = 0;      ///< part of the map's power beyond its resolution
-    bool seemsInverted = false; ///< the map's extremes lie below its background: dark density
-    double scanResolution = 0;  ///< Å
-    std::size_t rotations = 0;  ///< that were scanned
-    double rotationStep = 0;    ///< between them, radians
+    double predictedSignal = 0;            ///< what was to be expected before the search, see Forecast.h
+    double sharpShare = 0;                 ///< part of the map's power beyond its resolution
+    bool seemsInverted = false;            ///< the map's extremes lie below its background: dark density
+    std::array<std::size_t, 3> searched{}; ///< voxels of the part of the map that matters, see Trim.h
+    double scanResolution = 0;             ///< Å
+    std::size_t rotations = 0;             ///< that were scanned
+    double rotationStep = 0;               ///< between them, radians
     bool cancelled = false;
 };
 

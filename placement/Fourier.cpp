@@ -8,6 +8,7 @@
 #include <gemmi/third_party/pocketfft_hdronly.h>
 
 #include <algorithm>
+#include <numbers>
 
 namespace placement {
 
@@ -92,6 +93,12 @@ void AlongZ(std::vector<Complex> &values, std::size_t sections, std::size_t plan
     });
 }
 
+/// sinc² of the wave of frequency f among `count` samples: what linear interpolation leaves of it.
+float LinearLoss(std::size_t f, std::size_t count) {
+    const double x = std::numbers::pi * double(f) / double(count);
+    return f > 0 ? float(std::pow(std::sin(x) / x, 2)) : 1.0f;
+}
+
 std::vector<SectionTransform> ForThreads(unsigned threads, const std::array<std::size_t, 3> &count,
                                          const Waves &waves) {
     return std::vector<SectionTransform>(std::max(1u, threads), SectionTransform(count, waves));
@@ -134,7 +141,8 @@ Waves Transform(const std::array<std::size_t, 3> &count, const std::array<double
     return waves;
 }
 
-Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, unsigned threads) {
+Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, unsigned threads,
+                  Between between) {
     Volume volume;
     Waves part;
     part.length = waves.length;
@@ -146,6 +154,10 @@ Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, u
             std::min(waves.band[axis], BandOf(waves.length[axis], volume.count[axis], weight.End()));
     }
     volume.origin = waves.origin;
+    std::array<std::vector<float>, 3> factors;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        for (std::size_t f = 0; f <= part.band[axis]; ++f)
+            factors[axis].push_back(between == Between::Linear ? LinearLoss(f, volume.count[axis]) : 1.0f);
     const std::size_t nx = part.band[0] + 1, plane = nx * part.Rows(1), sections = volume.count[2];
     part.values.resize(plane * sections);
     ForEach(part.Rows(2), threads, [&](std::size_t section, unsigned) {
@@ -155,11 +167,13 @@ Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, u
         for (std::size_t row = 0; row < part.Rows(1); ++row) {
             const long j = part.Frequency(row, 1);
             const double ky = double(j) / part.length[1];
+            const float loss = factors[1][std::size_t(std::abs(j))] * factors[2][std::size_t(std::abs(l))];
             const Complex *in = waves.values.data() +
                                 (waves.band[0] + 1) * (waves.Row(j, 1) + waves.Rows(1) * waves.Row(l, 2));
             for (std::size_t h = 0; h < nx; ++h) {
                 const double kx = double(h) / part.length[0];
-                *out++ = in[h] * float(weight.At(std::sqrt(kx * kx + ky * ky + kz * kz)));
+                *out++ = in[h] *
+                         (float(weight.At(std::sqrt(kx * kx + ky * ky + kz * kz))) / (loss * factors[0][h]));
             }
         }
     });

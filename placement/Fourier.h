@@ -56,8 +56,17 @@ using RowSource = std::function<void(std::size_t j, std::size_t k, float *row)>;
 Waves Transform(const std::array<std::size_t, 3> &count, const std::array<double, 3> &spacing,
                 const Point &origin, const RowSource &rows, double cutOff, unsigned threads);
 
+/// What becomes of a volume's values between its voxels.
+enum class Between {
+    Nothing, ///< they are taken as they are
+    /// They are interpolated linearly along each axis, which multiplies a wave by sinc²(k·voxel): each wave
+    /// is divided by that beforehand, so that a coarse lattice does for a fine one.
+    Linear,
+};
+
 /// The box's values on a lattice with voxels of at most `voxel` Å, each wave multiplied by `weight`(|k|);
 /// waves that the lattice cannot hold, and those beyond the curve's end, are left out.
-Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, unsigned threads);
+Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, unsigned threads,
+                  Between between = Between::Nothing);
 
 } // namespace placement

@@ -2,6 +2,7 @@
 
 #include "placement/Constants.h"
 #include "placement/Spectrum.h"
+#include "placement/Trim.h"
 
 #include <algorithm>
 
@@ -10,8 +11,8 @@ namespace placement {
 namespace {
 
 constexpr double finest = 2, coarsest = 60; // Å
-/// Padding, Å: that of a map of 10 Å.
-constexpr double estimatePadding = 10 * padding;
+/// What trimming and padding go by, Å.
+constexpr double guess = 10;
 /// Waves longer than this tell of shapes, Å.
 constexpr double longestWave = 25;
 /// e^-3: a Gaussian density whose transform has fallen to 1/e at the resolution reaches e^-2 there, and a
@@ -22,7 +23,8 @@ constexpr double fallOff = 0.05;
 
 double EstimateResolution(const VolumeView &map, const PointModel &model, unsigned threads) {
     const double end = std::min(1 / finest, 0.5 * usableNyquist / *std::ranges::max_element(map.spacing));
-    const Waves waves = TransformPadded(map, estimatePadding, end, threads);
+    const Waves waves =
+        TransformPadded(Trimmed(map, model, guess, threads), padding * guess, end, threads);
     const RadialCurve power = RadialPower(waves, end);
     const RadialCurve modelPower = DebyePower(model, end, power.step);
     const auto perPoint = [&](std::size_t shell) {

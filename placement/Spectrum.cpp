@@ -21,25 +21,40 @@ double LetDown(double x, double begin, double end) {
 }
 
 RowSource RowsOf(const VolumeView &volume) {
-    return [&volume](std::size_t j, std::size_t k, float *row) {
-        std::copy_n(volume.values.begin() + std::ptrdiff_t(volume.Index(0, j, k)), volume.count[0], row);
-    };
+    return [&volume](std::size_t j, std::size_t k, float *row) { std::ranges::copy(volume.Row(j, k), row); };
+}
+
+template <class Visit>
+void ForEachValue(const VolumeView &map, Visit visit) {
+    for (std::size_t k = 0; k < map.count[2]; ++k)
+        for (std::size_t j = 0; j < map.count[1]; ++j)
+            for (const float value : map.Row(j, k))
+                visit(value);
+}
+
+double NumberOf(const VolumeView &map) {
+    return double(map.count[0]) * double(map.count[1]) * double(map.count[2]);
 }
 
 /// Mean square of the values about their mean.
-double Variance(std::span<const float> values) {
+double Variance(const VolumeView &map) {
     double mean = 0, squares = 0;
-    for (const float value : values)
-        mean += double(value);
-    mean /= double(values.size());
-    for (const float value : values)
-        squares += Squared(double(value) - mean);
-    return squares / double(values.size());
+    ForEachValue(map, [&](float value) { mean += double(value); });
+    mean /= NumberOf(map);
+    ForEachValue(map, [&](float value) { squares += Squared(double(value) - mean); });
+    return squares / NumberOf(map);
+}
+
+bool IsConstant(const VolumeView &map) {
+    bool constant = true;
+    const float first = map.values.front();
+    ForEachValue(map, [&](float value) { constant &= value == first; });
+    return constant;
 }
 
 /// Tells how much of the map's power lies beyond the filter's end, and how strong a wave is there.
 void MeasureSharpness(const Waves &waves, const VolumeView &map, Spectrum &spectrum) {
-    const double all = Variance(map.values), number = double(map.values.size());
+    const double all = Variance(map), number = NumberOf(map);
     const double begin = cutBegin / spectrum.resolution, end = cutEnd / spectrum.resolution;
     double within = 0, wavesWithin = 0, band = 0, wavesInBand = 0;
     ForEachWave(waves, [&](double k, std::size_t index, double weight) {
@@ -189,8 +204,7 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
     }
     spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution);
     // Rounding leaves waves of a constant map that are not quite 0.
-    const auto [lowest, highest] = std::ranges::minmax_element(map.values);
-    if (*lowest < *highest)
+    if (!IsConstant(map))
         spectrum.strongest = *std::ranges::max_element(spectrum.power.values);
     return spectrum;
 }

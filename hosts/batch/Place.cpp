@@ -22,7 +22,7 @@ bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
     if (std::size_t(record.options.models) > record.result.places.size())
         Warn(base::Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
              base::Counted(record.result.places.size(), "place") + " found");
-    ReportPlaces(record, written);
+    ReportPlaces(record, input, written);
     for (const std::string &error : errors)
         ReportError(error);
     return errors.empty();

@@ -85,7 +85,25 @@ void ReportPlaceInput(const PlaceOptions &options, const PlaceInput &input) {
     std::cout << std::flush;
 }
 
-void ReportPlaces(const PlaceRecord &record, const std::vector<std::string> &written) {
+namespace {
+
+/// Whether a part of the map was left out, and which size the rest has.
+void ReportTrimming(const PlaceRecord &record, const PlaceInput &input) {
+    const auto &searched = record.result.searched;
+    const auto &size = input.map->Dimensions();
+    if (searched[0] < size[0] || searched[1] < size[1] || searched[2] < size[2])
+        PrintItem("Searched", QString("the part of %1 x %2 x %3 voxels that holds density")
+                                  .arg(searched[0])
+                                  .arg(searched[1])
+                                  .arg(searched[2]));
+}
+
+} // namespace
+
+void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
+                  const std::vector<std::string> &written) {
+    if (!record.options.quiet)
+        ReportTrimming(record, input);
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");

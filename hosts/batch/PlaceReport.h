@@ -9,7 +9,9 @@ namespace batch {
 
 /// What was read, and what is to be expected of the search.
 void ReportPlaceInput(const hosts::PlaceOptions &options, const hosts::PlaceInput &input);
-/// The verdict, a table of the ten best places, and the files written, a line each.
-void ReportPlaces(const hosts::PlaceRecord &record, const std::vector<std::string> &written);
+/// What was left out of the map, the verdict, a table of the ten best places, and the files written, a line
+/// each.
+void ReportPlaces(const hosts::PlaceRecord &record, const hosts::PlaceInput &input,
+                  const std::vector<std::string> &written);
 
 } // namespace batch

@@ -66,14 +66,13 @@ void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor) {
 }
 
 placement::VolumeView ViewOf(const Grid &map) {
-    placement::VolumeView view;
-    for (unsigned axis = 0; axis < 3; ++axis) {
-        view.count[axis] = map.Dimensions()[axis];
-        view.spacing[axis] = double(map.Spacing()[axis]);
-    }
-    view.origin = {double(map.Origin()[0]), double(map.Origin()[1]), double(map.Origin()[2])};
-    view.values = map.Values();
-    return view;
+    const auto &size = map.Dimensions();
+    const auto &voxel = map.Spacing();
+    const auto &origin = map.Origin();
+    return {{size[0], size[1], size[2]},
+            {double(voxel[0]), double(voxel[1]), double(voxel[2])},
+            {double(origin[0]), double(origin[1]), double(origin[2])},
+            map.Values()};
 }
 
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) {

@@ -94,7 +94,8 @@ Json Head(const PlaceRecord &record) {
           {"statement", ForecastText(result.predictedSignal)}}},
         {"input", Input(record)},
         {"search",
-         {{"scanResolution", result.scanResolution},
+         {{"voxels", result.searched},
+          {"scanResolution", result.scanResolution},
           {"rotations", result.rotations},
           {"rotationStep", result.rotationStep * 180 / std::numbers::pi},
           {"powerBeyondResolution", result.sharpShare},
@@ -161,6 +162,11 @@ std::string VerdictName(Verdict verdict) {
 
 namespace {
 
+/// "of 0.973"; no probability is a certainty.
+std::string AboveOrOf(double probability) {
+    return probability > 0.9995 ? "above 0.999" : "of " + base::PlainFixed(probability, 3);
+}
+
 std::string CopiesText(std::size_t copies) {
     return copies > 1 ? "; " + std::to_string(copies) + " places are found, copies of the model" : "";
 }
@@ -179,7 +185,7 @@ std::string VerdictText(const PlacementResult &result) {
     const std::string probability = base::PlainFixed(result.confidence.probability, 3);
     switch (result.verdict) {
     case Verdict::Placed:
-        return "placed, with a probability of " + probability + CopiesText(FoundCopies(result));
+        return "placed, with a probability " + AboveOrOf(result.confidence.probability) + CopiesText(FoundCopies(result));
     case Verdict::TurnUnsure:
         return "the place is sure, the turn is not: other turns about the same centre score nearly as well "
                "(probability of the first one " +

@@ -47,8 +47,7 @@ PlacementResult Find(const Volume &map, const std::vector<ModelAtom> &atoms, dou
 PlacementResult FindBeside(const std::vector<ModelAtom> &neighbours, const Volume &map,
                            const std::vector<ModelAtom> &atoms, double resolution) {
     Monitor silent;
-    return FindPlaces(map, atoms, {.resolution = resolution, .region = {}, .neighbours = neighbours},
-                      silent);
+    return FindPlaces(map, atoms, {.resolution = resolution, .region = {}, .neighbours = neighbours}, silent);
 }
 
 } // namespace
