@@ -25,7 +25,7 @@ bool OpenRegular(QFile &file, QIODevice::OpenMode mode) {
     return file.isOpen();
 }
 
-void TellSkipped(const QString &file, const std::vector<qint64> &lines) {
+void WarnOfSkipped(const QString &file, const std::vector<qint64> &lines) {
     if (!lines.empty())
         Warn(file, QString("skipped %1 lines with fewer than eight words, the first of them line %2")
                        .arg(lines.size())
@@ -55,7 +55,7 @@ std::list<SolutionScore> LoadResults(const QString &name) {
     solutions::ResultsRead read = solutions::ReadResults(text, memory, bytesOfARow);
     if (!read.isWhole)
         return RefuseForSize(name);
-    TellSkipped(name, read.skippedLines);
+    WarnOfSkipped(name, read.skippedLines);
     return std::move(read.solutions);
 }
 

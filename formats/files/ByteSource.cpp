@@ -31,19 +31,19 @@ ByteSource::ByteSource(const std::string &file)
         throw FileError(file, "", std::string("cannot be read: ") + std::strerror(errno));
     std::setvbuf(m_handle.get(), nullptr, _IONBF, 0);
     Refill();
-    m_packedSize = SizeOf(m_handle.get());
-    m_packing = PackingOf(m_packed);
-    m_decoder = MakeDecoder(m_packing);
+    m_storedSize = SizeOf(m_handle.get());
+    m_compression = CompressionOf(m_input);
+    m_decoder = MakeDecoder(m_compression);
 }
 
 ByteSource::ByteSource(const std::string &name, std::span<const char> bytes)
     : m_name(name)
     , m_memory(bytes)
-    , m_packedSize(bytes.size())
-    , m_packed(bytes)
+    , m_storedSize(bytes.size())
+    , m_input(bytes)
     , m_loaded(bytes.size())
-    , m_packing(PackingOf(bytes))
-    , m_decoder(MakeDecoder(m_packing)) {}
+    , m_compression(CompressionOf(bytes))
+    , m_decoder(MakeDecoder(m_compression)) {}
 
 ByteSource ByteSource::Again() const {
     return m_handle ? ByteSource(m_name) : ByteSource(m_name, m_memory);
@@ -90,36 +90,36 @@ void ByteSource::Refill() {
     if (std::ferror(m_handle.get()))
         throw FileError(m_name, m_loaded ? Place() : "",
                         std::string("cannot be read: ") + std::strerror(errno));
-    m_packed = {m_buffer.data(), found};
+    m_input = {m_buffer.data(), found};
     m_loaded += found;
 }
 
 std::size_t ByteSource::ReadOn(std::span<char> buffer) {
-    return m_decoder ? Unpack(buffer) : Copy(buffer);
+    return m_decoder ? Decompress(buffer) : Copy(buffer);
 }
 
 std::size_t ByteSource::Copy(std::span<char> buffer) {
     std::size_t copied = 0;
     while (copied < buffer.size()) {
-        if (m_packed.empty())
+        if (m_input.empty())
             Refill();
-        if (m_packed.empty())
+        if (m_input.empty())
             break;
-        const std::size_t count = std::min(buffer.size() - copied, m_packed.size());
-        std::copy_n(m_packed.begin(), count, buffer.begin() + std::ptrdiff_t(copied));
-        m_packed = m_packed.subspan(count);
+        const std::size_t count = std::min(buffer.size() - copied, m_input.size());
+        std::copy_n(m_input.begin(), count, buffer.begin() + std::ptrdiff_t(copied));
+        m_input = m_input.subspan(count);
         copied += count;
     }
     return copied;
 }
 
-std::size_t ByteSource::Unpack(std::span<char> buffer) {
+std::size_t ByteSource::Decompress(std::span<char> buffer) {
     std::span<char> left = buffer;
     while (!left.empty() && !m_ended) {
-        if (m_packed.empty())
+        if (m_input.empty())
             Refill();
-        // Unpacked bytes may still be waiting inside the decoder when the file has no more to give.
-        const bool last = m_packed.empty();
+        // Decompressed bytes may still be waiting inside the decoder when the file has no more to give.
+        const bool last = m_input.empty();
         const std::size_t before = left.size();
         if (StreamEnds(left))
             m_ended = !FindsNextStream();
@@ -131,27 +131,27 @@ std::size_t ByteSource::Unpack(std::span<char> buffer) {
 
 bool ByteSource::StreamEnds(std::span<char> &buffer) {
     try {
-        return m_decoder->Decode(m_packed, buffer);
+        return m_decoder->Decode(m_input, buffer);
     } catch (const std::runtime_error &damage) {
         throw Damage(std::string("is damaged: ") + damage.what());
     }
 }
 
 bool ByteSource::FindsNextStream() {
-    if (m_packed.empty())
+    if (m_input.empty())
         Refill();
-    if (m_packed.empty() || !m_decoder->MayStartWith(m_packed.front()))
+    if (m_input.empty() || !m_decoder->MayStartWith(m_input.front()))
         return false;
     m_decoder->Restart();
     return true;
 }
 
 FileError ByteSource::Damage(const std::string &problem) const {
-    return FileError(m_name, Place(), std::string("the ") + NameOf(m_packing) + " stream " + problem);
+    return FileError(m_name, Place(), std::string("the ") + NameOf(m_compression) + " stream " + problem);
 }
 
 std::string ByteSource::Place() const {
-    return "byte " + std::to_string(m_loaded - m_packed.size());
+    return "byte " + std::to_string(m_loaded - m_input.size());
 }
 
 } // namespace formats

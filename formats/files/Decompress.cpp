@@ -28,9 +28,9 @@ public:
     GzipDecoder &operator=(const GzipDecoder &) = delete;
     ~GzipDecoder() override { inflateEnd(&m_stream); }
 
-    bool Decode(std::span<const char> &packed, std::span<char> &buffer) override {
-        const unsigned in = CountOf(packed), out = CountOf(buffer);
-        m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(packed.data()));
+    bool Decode(std::span<const char> &compressed, std::span<char> &buffer) override {
+        const unsigned in = CountOf(compressed), out = CountOf(buffer);
+        m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(compressed.data()));
         m_stream.avail_in = in;
         m_stream.next_out = reinterpret_cast<Bytef *>(buffer.data());
         m_stream.avail_out = out;
@@ -39,7 +39,7 @@ public:
             throw std::bad_alloc();
         if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR)
             throw std::runtime_error(m_stream.msg ? m_stream.msg : "unknown kind");
-        packed = packed.subspan(in - m_stream.avail_in);
+        compressed = compressed.subspan(in - m_stream.avail_in);
         buffer = buffer.subspan(out - m_stream.avail_out);
         return result == Z_STREAM_END;
     }
@@ -58,9 +58,9 @@ public:
     Bzip2Decoder &operator=(const Bzip2Decoder &) = delete;
     ~Bzip2Decoder() override { BZ2_bzDecompressEnd(&m_stream); }
 
-    bool Decode(std::span<const char> &packed, std::span<char> &buffer) override {
-        const unsigned in = CountOf(packed), out = CountOf(buffer);
-        m_stream.next_in = const_cast<char *>(packed.data());
+    bool Decode(std::span<const char> &compressed, std::span<char> &buffer) override {
+        const unsigned in = CountOf(compressed), out = CountOf(buffer);
+        m_stream.next_in = const_cast<char *>(compressed.data());
         m_stream.avail_in = in;
         m_stream.next_out = buffer.data();
         m_stream.avail_out = out;
@@ -71,7 +71,7 @@ public:
             throw std::runtime_error("incorrect header");
         if (result != BZ_OK && result != BZ_STREAM_END)
             throw std::runtime_error("incorrect data check");
-        packed = packed.subspan(in - m_stream.avail_in);
+        compressed = compressed.subspan(in - m_stream.avail_in);
         buffer = buffer.subspan(out - m_stream.avail_out);
         return result == BZ_STREAM_END;
     }
@@ -99,20 +99,20 @@ bool StartsWith(std::span<const char> bytes, const std::string &start) {
 
 } // namespace
 
-const char *NameOf(Packing packing) {
-    return packing == Packing::Gzip ? "gzip" : packing == Packing::Bzip2 ? "bzip2" : "";
+const char *NameOf(Compression compression) {
+    return compression == Compression::Gzip ? "gzip" : compression == Compression::Bzip2 ? "bzip2" : "";
 }
 
-Packing PackingOf(std::span<const char> firstBytes) {
+Compression CompressionOf(std::span<const char> firstBytes) {
     if (StartsWith(firstBytes, "\x1f\x8b\x08"))
-        return Packing::Gzip;
-    return StartsWith(firstBytes, "BZh") ? Packing::Bzip2 : Packing::None;
+        return Compression::Gzip;
+    return StartsWith(firstBytes, "BZh") ? Compression::Bzip2 : Compression::None;
 }
 
-std::unique_ptr<Decoder> MakeDecoder(Packing packing) {
-    if (packing == Packing::Gzip)
+std::unique_ptr<Decoder> MakeDecoder(Compression compression) {
+    if (compression == Compression::Gzip)
         return std::make_unique<GzipDecoder>();
-    if (packing == Packing::Bzip2)
+    if (compression == Compression::Bzip2)
         return std::make_unique<Bzip2Decoder>();
     return nullptr;
 }

@@ -13,7 +13,7 @@ public:
     FileError(const std::string &file, const std::string &place, const std::string &problem);
 };
 
-/// Does the work of reading `file`; memory that runs out under it is a FileError like any other.
+/// Does the work of reading `file`; where memory runs out, that is a FileError like any other.
 template <class Work>
 auto WithMemory(const std::string &file, Work work) {
     try {

@@ -4,8 +4,8 @@
 
 namespace formats {
 
-/// What the node that a file is read into is called: the file's name without its folder, an ending .gz or
-/// .bz2, and one further extension. "maps/emd_3197.map.gz" gives "emd_3197", "Ubi-12.5.mrc" gives "Ubi-12.5".
+/// The name of the node that a file is read into: the file's name without its folder, an ending .gz or .bz2,
+/// and one further extension. "maps/emd_3197.map.gz" gives "emd_3197", "Ubi-12.5.mrc" gives "Ubi-12.5".
 std::string NodeName(const std::string &file);
 
 } // namespace formats

@@ -28,7 +28,7 @@ void CheckIsRegular(const std::string &file) {
     if (std::filesystem::is_directory(status))
         throw FileError(file, "", "is a directory");
     if (std::filesystem::is_other(status))
-        throw FileError(file, "", "is no regular file");
+        throw FileError(file, "", "is not a regular file");
 }
 
 } // namespace formats

@@ -45,7 +45,7 @@ std::string Promise(const MapLayout &layout) {
 /// A quarter of the memory is left to everything else, as the fit does. Bytes that can be read only once are
 /// held beside the grid.
 void CheckMemory(const ByteSource &source, const MapLayout &layout) {
-    const std::uint64_t needed = layout.voxels * sizeof(float) + (source.PackedSize() ? 0 : layout.fileBytes);
+    const std::uint64_t needed = layout.voxels * sizeof(float) + (source.StoredSize() ? 0 : layout.fileBytes);
     if (double(needed) > base::MemoryLimit())
         throw FileError(source.Name(), "NX NY NZ (words 1 to 3)",
                         std::to_string(layout.voxels) + " voxels take " + std::to_string(needed >> 20) +
@@ -53,14 +53,14 @@ void CheckMemory(const ByteSource &source, const MapLayout &layout) {
                             std::to_string(std::uint64_t(base::MachineMemory()) >> 20) + " MiB");
 }
 
-/// A header's claim is believed only once the bytes were seen. Packed ones are read a little beyond the
+/// A header's claim is believed only once the bytes were seen. Compressed ones are read a little beyond the
 /// voxels, so that the check sum at their end is seen as well, but not to the end of a bomb.
 std::uint64_t CountBytes(ByteSource &source, const MapLayout &layout) {
-    const bool packed = source.GetPacking() != Packing::None;
-    const std::uint64_t wanted = layout.fileBytes + (packed ? 1 << 20 : 0);
-    if (!source.PackedSize())
+    const bool compressed = source.GetCompression() != Compression::None;
+    const std::uint64_t wanted = layout.fileBytes + (compressed ? 1 << 20 : 0);
+    if (!source.StoredSize())
         return MapHeader::size + source.Peek(wanted - MapHeader::size).size();
-    return packed ? source.Again().Skip(wanted) : *source.PackedSize();
+    return compressed ? source.Again().Skip(wanted) : *source.StoredSize();
 }
 
 void CheckLength(ByteSource &source, const MapLayout &layout) {
@@ -131,7 +131,7 @@ std::unique_ptr<Grid> LoadGrid(ByteSource &source, MapReport &report) {
     source.Skip(std::uint64_t(header.extendedBytes));
     ReadVoxels(source, header, layout, *grid);
     report = ReportOf(header, layout);
-    report.packing = NameOf(source.GetPacking());
+    report.compression = NameOf(source.GetCompression());
     report.warnings = std::move(warnings);
     TakeValues(report, *grid);
     return grid;
@@ -178,7 +178,7 @@ Grid *ReadMapFrom(ByteSource &source, MapReport *report) {
         std::unique_ptr<Grid> grid = LoadGrid(source, found);
         DataAdder<Space> batch(Space::instance());
         if (!batch.MayAdd())
-            throw FileError(source.Name(), "", "the model takes no additions at present");
+            throw FileError(source.Name(), "", "the model accepts no additions at present");
         if (report)
             *report = std::move(found);
         return DataMaker::addGrid(nullptr, std::move(grid));

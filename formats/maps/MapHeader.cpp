@@ -192,7 +192,7 @@ private:
 
     void CheckMode() {
         if (!IsKnownMode(m_header.mode))
-            Refuse("MODE", Word::mode, Text(m_header.mode) + " cannot be read, only 0, 1, 2, 6 and 12");
+            Refuse("MODE", Word::mode, Text(m_header.mode) + " is not supported, only 0, 1, 2, 6 and 12 are");
         m_layout.bytesPerVoxel = BytesPerVoxel(m_header.mode);
     }
 
@@ -201,7 +201,7 @@ private:
         for (unsigned i = 0; i < 3; ++i) {
             if (!IsPlausibleCount(m_header.counts[i]))
                 Refuse(std::string("N") + axisNames[i], Word::counts + i,
-                       Text(m_header.counts[i]) + " voxels, can only be 1 to " + Text(maxVoxels));
+                       Text(m_header.counts[i]) + " voxels, must be 1 to " + Text(maxVoxels));
             m_layout.voxels *= std::uint64_t(m_header.counts[i]);
         }
     }
@@ -209,7 +209,7 @@ private:
     void CheckExtendedHeader() {
         if (m_header.extendedBytes < 0 || m_header.extendedBytes > maxExtendedBytes)
             Refuse("NSYMBT", Word::extendedBytes,
-                   Text(m_header.extendedBytes) + " bytes of extended header, can only be 0 to " +
+                   Text(m_header.extendedBytes) + " bytes of extended header, must be 0 to " +
                        Text(maxExtendedBytes));
         m_layout.fileBytes = MapHeader::size + std::uint64_t(m_header.extendedBytes) +
                              m_layout.voxels * m_layout.bytesPerVoxel;
@@ -245,13 +245,13 @@ private:
             const float length = m_header.cell[axis];
             if (!std::isfinite(length) || length <= 0)
                 Refuse("CELLA " + name, Word::cell + axis,
-                       Text(length) + " Å is no length of a cell, so the scale is unknown");
+                       Text(length) + " Å is not a cell length, so the scale is unknown");
             CheckAngle(axis);
             m_spacing[axis] = double(length) / SamplesAlong(axis);
             if (m_spacing[axis] < minSpacing || m_spacing[axis] > maxSpacing)
                 Refuse("CELLA " + name, Word::cell + axis,
                        Text(length) + " Å make voxels of " + Text(float(m_spacing[axis])) +
-                           " Å, can only be 0.001 to 1000 Å");
+                           " Å, must be 0.001 to 1000 Å");
             m_layout.spacing[axis] = float(m_spacing[axis]);
         }
     }
@@ -269,8 +269,7 @@ private:
         const std::int32_t samples = m_header.samples[axis];
         const std::string name = std::string("M") + axisNames[axis];
         if (samples < 0 || samples > maxVoxels)
-            Refuse(name, Word::samples + axis,
-                   Text(samples) + " samples, can only be 0 to " + Text(maxVoxels));
+            Refuse(name, Word::samples + axis, Text(samples) + " samples, must be 0 to " + Text(maxVoxels));
         if (samples > 0)
             return samples;
         Warn(Place(name, Word::samples + axis) + ": 0 samples; read as the number of voxels, " +
@@ -291,7 +290,7 @@ private:
         for (unsigned axis = 0; axis < 3; ++axis)
             if (!(std::abs(m_header.origin[axis]) <= maxCoordinate)) {
                 Warn(Place(std::string("ORIGIN ") + axisNames[axis], Word::origin + axis) + ": " +
-                     Text(m_header.origin[axis]) + " Å is no position; NSTART is used");
+                     Text(m_header.origin[axis]) + " Å is not a position; NSTART is used");
                 return false;
             }
         return true;
@@ -320,7 +319,7 @@ private:
         if (stamped == m_header.bigEndian)
             return;
         Warn(Place("MACHST", Word::stamp) + ": " + StampText(m_header.stamp) +
-             (stamped ? " is the wrong machine stamp" : " is no machine stamp") + "; read as " +
+             (stamped ? " is the wrong machine stamp" : " is not a machine stamp") + "; read as " +
              (m_header.bigEndian ? "big" : "little") + "-endian, as the dimensions show");
     }
 

@@ -29,8 +29,8 @@ struct MapHeader {
     bool named = true;                                 ///< "MAP " stands in word 53
     std::array<char, 4> stamp{0x44, 0x44, 0x00, 0x00}; ///< MACHST, word 54
     float deviation = 0;                               ///< RMS, word 55
-    std::string title;                                 ///< LABEL 1, words 57 to 76; empty where it is no text
-    bool bigEndian = false;                            ///< the byte order of all words and of the voxels
+    std::string title;      ///< LABEL 1, words 57 to 76; empty where it is not text
+    bool bigEndian = false; ///< the byte order of all words and of the voxels
 };
 
 using MapHeaderBytes = std::array<char, MapHeader::size>;
@@ -56,8 +56,8 @@ struct MapLayout {
     std::uint64_t fileBytes; ///< of header, extended header and voxels
 };
 
-/// Derives the layout from the header of `file`, and appends to `warnings` what was taken differently from
-/// how it stands. Throws FileError, naming the word and its value, for what cannot be read: an unknown mode,
+/// Derives the layout from the header of `file`, and appends to `warnings` what was read differently from
+/// what it says. Throws FileError, naming the word and its value, for what cannot be read: an unknown mode,
 /// dimensions outside 1 to 65535, a cell that is not finite, not positive, not orthogonal (more than 0.01
 /// degrees from 90) or of an absurd voxel size, axes that contradict each other, an absurd extended header or
 /// position.

@@ -83,7 +83,7 @@ public:
     explicit Polymer(PolymerType kind)
         : m_kind(kind) {}
 
-    /// Whether the part has an atom that is here already, and is no alternate location.
+    /// Whether the part has an atom that is here already, and is not an alternate location.
     bool Repeats(const Residues &part) const {
         return std::ranges::any_of(part, [this](const gemmi::Residue &residue) {
             return std::ranges::any_of(residue.atoms, [&](const gemmi::Atom &atom) {
@@ -117,7 +117,7 @@ private:
     PolymerType m_kind;
     Residues m_residues;
     std::unordered_map<gemmi::ResidueId, std::size_t> m_places;
-    std::unordered_set<std::string> m_atoms; ///< those that are no alternate locations
+    std::unordered_set<std::string> m_atoms; ///< those that are not alternate locations
 };
 
 /// All that goes under one identifier.

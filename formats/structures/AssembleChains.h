@@ -4,7 +4,7 @@
 
 namespace formats {
 
-/// A chain as it stands in the model tree: its polymer, or what else goes under the same identifier.
+/// A chain of the model tree: a polymer, or the ligands and waters of the same identifier.
 struct AssembledChain {
     std::string identifier; ///< " " where it is blank
     bool polymer = false;
@@ -20,12 +20,12 @@ struct AssembledModel {
 };
 
 /// Puts the chains together from the parts of a file: for each identifier, in the order of the file, its
-/// polymer and then its ligands and waters, each where there is any.
+/// polymer and then its ligands and waters, where it has them.
 ///
-/// A polymer goes on over the parts of its identifier, across gaps marked with TER and across other chains
-/// between them, until an atom is there again: then it is another copy, which becomes a chain of its own with
-/// the same identifier. Of alternate locations the first of each atom stays, of several residues at one place
-/// of the sequence the first.
+/// A polymer continues over the parts of its identifier, across gaps marked with TER and across other chains
+/// between them, until one of its atoms is repeated: that begins another copy, which becomes a chain of its
+/// own with the same identifier. Of alternate locations the first of each atom stays, of several residues at
+/// one place of the sequence the first.
 AssembledModel AssembleChains(std::vector<gemmi::Chain> parts);
 
 } // namespace formats

@@ -199,7 +199,7 @@ private:
         atom.b_iso = float(Number(row, B, 0));
         const double charge = Number(row, Charge, 0);
         if (!(std::fabs(charge) < std::numeric_limits<signed char>::max()))
-            Fail(Charge, row.str(Charge), "is no charge of an atom");
+            Fail(Charge, row.str(Charge), "is not an atom's charge");
         atom.charge = static_cast<signed char>(std::lround(charge));
         return atom;
     }

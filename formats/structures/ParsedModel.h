@@ -8,7 +8,7 @@
 
 namespace formats {
 
-/// The first model of a structure file, as its records stand.
+/// The first model of a structure file, record by record.
 struct ParsedModel {
     /// Stretches of one chain identifier in the order of the file, cut where the file says that a polymer, a
     /// ligand or the water ends: at TER in PDB, where label_asym_id changes in mmCIF. A residue's entity type
@@ -20,7 +20,7 @@ struct ParsedModel {
 };
 
 /// Both throw FileError, naming the line or the row and the value, for text that cannot be understood; `file`
-/// is named in it. A text without any atom gives no parts.
+/// is the name in it. A text without any atom gives no parts.
 ParsedModel ParsePdb(const std::string &file, std::string_view text);
 ParsedModel ParseMmcif(const std::string &file, std::string_view text);
 

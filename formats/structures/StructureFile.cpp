@@ -164,7 +164,7 @@ Clump *ReadStructureFrom(ByteSource &source, StructureReport *report) {
         WarnOfLeftOut(model, found);
         const DataAdder<Space> batch(Space::instance());
         if (!batch.MayAdd())
-            throw FileError(source.Name(), "", "cannot be added: the model takes no additions now");
+            throw FileError(source.Name(), "", "cannot be added: the model accepts no additions at present");
         Clump *clump = Builder(parsed.number).Build(NodeName(source.Name()), model.chains, found);
         if (report)
             *report = found;

@@ -11,7 +11,7 @@
 
 namespace formats {
 
-/// A polymer chain as it was read.
+/// A polymer chain as read.
 struct ChainReport {
     std::string identifier; ///< " " where it is blank
     std::string kind;       ///< "protein", "DNA", "RNA", "DNA/RNA", "polymer" where the monomers are others
@@ -20,21 +20,20 @@ struct ChainReport {
     std::size_t atoms = 0;
 };
 
-/// What a structure file was found to hold, and what of it was left out.
+/// What a structure file holds, and what of it was left out.
 struct StructureReport {
-    std::string format;              ///< "PDB" or "mmCIF"
-    std::vector<ChainReport> chains; ///< the polymers, in the order of the model tree
-    unsigned models = 0;             ///< in the file; the first of them was read
-    std::size_t ligands = 0;         ///< residues beside the polymers, other than water
-    std::size_t waters = 0;          ///< water molecules
-    std::size_t alternates = 0;      ///< atoms left out as another alternate location
-    std::size_t unplaced = 0;        ///< atoms left out for a coordinate that is absent or not finite
-    std::vector<std::string>
-        warnings; ///< what was left out or read differently from how it stands, one sentence each
+    std::string format;                ///< "PDB" or "mmCIF"
+    std::vector<ChainReport> chains;   ///< the polymers, in the order of the model tree
+    unsigned models = 0;               ///< in the file; the first of them was read
+    std::size_t ligands = 0;           ///< residues beside the polymers, other than water
+    std::size_t waters = 0;            ///< water molecules
+    std::size_t alternates = 0;        ///< atoms left out as another alternate location
+    std::size_t unplaced = 0;          ///< atoms left out for a coordinate that is absent or not finite
+    std::vector<std::string> warnings; ///< what was left out or read differently, one sentence each
 };
 
 /// Reads a PDB or mmCIF file (either may be gzipped) and adds it to the model as one clump (named after the
-/// file) with one molecule, its chains, residues and atoms. The format is told from the content, not the
+/// file) with one molecule, its chains, residues and atoms. The format is recognised by the content, not the
 /// name.
 ///
 /// Only the first model and, atom by atom, the first alternate location are read. Coordinates are in Å. For
@@ -42,7 +41,7 @@ struct StructureReport {
 /// polymer, with the ligands and waters. A blank identifier of a PDB file gives a chain named " ". Throws
 /// FileError; nothing is added to the model then.
 VARNO::Clump *ReadStructure(const std::string &file, StructureReport *report = nullptr);
-/// The same of a source that nothing was read from yet.
+/// The same from a source of which nothing has been read yet.
 VARNO::Clump *ReadStructureFrom(ByteSource &source, StructureReport *report = nullptr);
 
 enum class StructureFormat { Pdb, Mmcif };
@@ -53,11 +52,12 @@ StructureFormat StructureFormatOf(const std::string &file);
 /// Writes the chains below `node` (or the chain or built molecule that `node` is) with every atom moved by
 /// `pose`. Atoms are numbered afresh from 1, occupancies are 1.00, the model is number 1, coordinates are
 /// rounded to three decimals in both formats. Residues of polymers are ATOM records, all others HETATM. The
-/// file is replaced as a whole at the end: it is never seen half written.
+/// file is replaced as a whole at the end. In mmCIF the ligands and the water of a chain are two chains
+/// (label_asym_id) and entities.
 ///
 /// Throws FileError where there is no atom below `node`, for a coordinate that is not finite, and when PDB
 /// cannot hold the model (more than 99,999 atoms and ends of chains, an identifier of several letters, a
-/// coordinate, number or name too wide), then with the advice to write mmCIF.
+/// coordinate, number or name too wide), with the advice to write mmCIF.
 void WriteStructure(const std::string &file, StructureFormat format, const VARNO::Compound *node,
                     const VARNO::Transform &pose = VARNO::Transform({}, {}));
 /// Likewise the chains below several nodes, in their order.

@@ -9,8 +9,8 @@ namespace batch {
 /// The options of `morvanex fit` for the help and the parser.
 std::vector<cli::Option> FitOptionTable();
 
-/// The command line, and what it leaves open from section "Morvanex" of the configuration, converted as the
-/// set-up dialog converts its fields: what is no number counts as 0, of which `warn` hears.
+/// The command line; what it leaves open comes from section "Morvanex" of the configuration, converted as the
+/// set-up dialog converts its fields: what is not a number counts as 0, with a warning to `warn`.
 hosts::FitOptions ReadFitOptions(const cli::Arguments &arguments, const hosts::WarningSink &warn);
 
 } // namespace batch

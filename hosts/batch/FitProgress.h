@@ -10,14 +10,14 @@
 
 namespace batch {
 
-/// The search's monitor that drives a terminal: shows how far it is, stops it at a signal or when the log can
-/// no longer be written, and takes down what the report needs.
+/// The search's monitor that drives a terminal: shows its progress, stops it at a signal or when the log can
+/// no longer be written, and records what the report needs.
 class FitProgress : public search::FitMonitor {
 public:
-    /// What is taken down goes into the record. No bar where `quiet`.
+    /// Keeps `record` up to date. No bar where `quiet`.
     FitProgress(hosts::FitRecord &record, bool quiet);
 
-    /// Why the log was lost; empty while it was not.
+    /// Why the log can no longer be written; empty while it can.
     const QString &LogError() const { return m_logError; }
 
     void Started(const fit::Preparation &fit) override;

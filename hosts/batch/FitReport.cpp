@@ -71,7 +71,7 @@ void ReportTarget(const FitOptions &options, const FitInput &input, const fit::T
                       .arg(Triple(target.centre, ", ", 2)));
 }
 
-/// The chains of a solid file that are no part of the solid.
+/// The chains of a solid file that are not part of the solid.
 QString LeftOut(const SolidFile &solid, const Chain *target) {
     QString text;
     for (Chain *chain : solid.leftOut)

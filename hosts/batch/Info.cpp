@@ -62,12 +62,13 @@ void PrintMap(ByteSource &source) {
     Line("size", Three(map.Dimensions(), " x ") + " voxels");
     Line("spacing", Three(map.Spacing(), " x ") + " Å");
     Line("origin", Three(map.Origin(), ", ") + " Å, from " + QString::fromStdString(report.originSource));
-    Line("data",
-         QString("mode %1, %2, %3, axis order %4%5")
-             .arg(report.mode)
-             .arg(ModeText(report.mode), report.bigEndian ? "big-endian" : "little-endian",
-                  QString::fromStdString(report.axisOrder),
-                  report.packing.empty() ? "" : ", packed by " + QString::fromStdString(report.packing)));
+    Line("data", QString("mode %1, %2, %3, axis order %4%5")
+                     .arg(report.mode)
+                     .arg(ModeText(report.mode), report.bigEndian ? "big-endian" : "little-endian",
+                          QString::fromStdString(report.axisOrder),
+                          report.compression.empty()
+                              ? ""
+                              : ", compressed by " + QString::fromStdString(report.compression)));
     Line("values",
          QString("minimum %1, maximum %2, mean %3, standard deviation %4")
              .arg(base::GeneralNumber(double(report.minimum)), base::GeneralNumber(double(report.maximum)),

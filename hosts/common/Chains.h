@@ -11,7 +11,7 @@ namespace hosts {
 /// The chains below a clump in model order, polymers and others.
 std::vector<VARNO::Chain *> AllChains(const VARNO::Clump *clump);
 
-/// Whether the chain has that identifier; blanks around an identifier do not count, so that ' ' names the
+/// Whether the chain has that identifier; blanks around an identifier are ignored, so that ' ' names the
 /// chain without one.
 bool IsNamed(const VARNO::Chain &chain, const std::string &identifier);
 

@@ -8,16 +8,16 @@
 
 namespace hosts {
 
-/// What became of the files that were asked for.
+/// The outcome of writing the files that were asked for.
 struct Delivery {
     std::vector<std::string> written; ///< what was written and where, one line each
     std::vector<std::string> errors;
 };
 
-/// Writes files one after the other; one that fails does not keep the next from being tried.
+/// Writes files one after the other, also after one that fails.
 class DeliveryWriter {
 public:
-    /// Runs `write`, which writes the file as a whole or throws FileError. `what` tells what it holds.
+    /// Runs `write`, which writes the file as a whole or throws FileError. `what` describes the content.
     void Write(const std::string &file, const std::string &what, const std::function<void()> &write);
     const Delivery &Result() const { return m_delivery; }
 

@@ -16,8 +16,8 @@ public:
 
 /// The fit of these parameters, surveyed before it begins. Throws where it cannot be run or would be of no
 /// use: a target without a residue that has a position, restraints that name none of them, a search that
-/// memory cannot hold, and (FitTooLong) one of more than a year. `warn` hears of restraints and of solids
-/// without effect.
+/// memory cannot hold, and (FitTooLong) one of more than a year. `warn` gets restraints and solids without
+/// effect.
 fit::Survey CheckFit(const FitOptions &options, const FitInput &input, const fit::FitParameters &parameters,
                      const WarningSink &warn);
 

@@ -11,7 +11,7 @@
 
 namespace hosts {
 
-/// What of one solid file is used.
+/// A solid file, and which of its chains are used.
 struct SolidFile {
     std::string file;
     std::vector<VARNO::Chain *> chains;
@@ -32,8 +32,8 @@ struct FitInput {
     std::vector<VARNO::Compound *> SolidResidues() const;
 };
 
-/// Reads the restraints, the target, the solids and the map. `warn` hears what the readers took differently
-/// from how it stands. Throws FileError, and ParameterError for a chain that no solid has.
+/// Reads the restraints, the target, the solids and the map. `warn` gets what the readers left out or read
+/// differently from what the files say. Throws FileError, and ParameterError for a chain that no solid has.
 FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn);
 
 /// What the engine is asked to do with that input.

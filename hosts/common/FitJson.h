@@ -9,7 +9,7 @@
 
 namespace hosts {
 
-/// What the file says of itself.
+/// How the file identifies itself.
 constexpr const char *fitFormat = "morvanex fit";
 constexpr int fitVersion = 1;
 
@@ -24,7 +24,7 @@ struct JsonSolutions {
 };
 
 /// Reads the solutions; a broken one does not make the others unreadable. Besides them nothing is kept in
-/// memory, whatever else the bytes hold. Throws FileError, with the name given, where the bytes are no JSON,
+/// memory, whatever else the bytes hold. Throws FileError, with the name given, where the bytes are not JSON,
 /// of another format or of another version, and where the solutions would take more than `memory` bytes.
 JsonSolutions ReadFitJson(const std::string &file, const std::string &bytes,
                           double memory = base::MemoryLimit());

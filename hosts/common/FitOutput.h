@@ -15,8 +15,8 @@ std::vector<std::string> ModelFiles(const FitOptions &options, formats::Structur
 /// nothing.
 void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &models);
 
-/// Writes what was asked for, each file as a whole. A file that fails does not keep the others from being
-/// written.
+/// Writes what was asked for, each file as a whole. A file that fails does not prevent the
+/// others.
 Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
                          const VARNO::Chain *target, formats::StructureFormat format);
 

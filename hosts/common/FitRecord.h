@@ -13,14 +13,14 @@ namespace hosts {
 /// A solution with its place among those kept.
 struct RankedSolution {
     const SolutionScore *solution;
-    std::size_t rank;       ///< by score, from 1; of equal scores the later found is the better
+    std::size_t rank;       ///< by score, from 1; of equal scores the one found later comes first
     std::size_t rankInFile; ///< counted from the end of the results file, from 1
 };
 
 /// The solutions by rank. A list shorter than the number to keep is unsorted, so that the two ranks differ.
 std::vector<RankedSolution> RankByScore(const std::list<SolutionScore> &solutions);
 
-/// What a fit was and what came of it, as the JSON file tells it.
+/// A fit and its outcome, as the JSON file has them.
 struct FitRecord {
     FitOptions options;
     std::string chain; ///< identifier of the chain that was fitted

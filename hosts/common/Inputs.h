@@ -7,8 +7,8 @@
 
 namespace hosts {
 
-/// Files read into the model; `warn` hears what was left out or read differently from how it stands. Throw
-/// FileError.
+/// Files read into the model; `warn` gets what was left out or read differently from what the file says.
+/// Throw FileError.
 VARNO::Clump *LoadStructure(const std::string &file, const WarningSink &warn,
                             formats::StructureReport *report = nullptr);
 VARNO::Grid *LoadMap(const std::string &file, const WarningSink &warn, formats::MapReport *report = nullptr);

@@ -57,7 +57,7 @@ public:
         if (list && *list && number)
             (*list)->push_back(*number);
         else if (list)
-            Complain(key + " holds something else than numbers");
+            Complain(key + " holds something other than numbers");
     }
 
     /// The solution, as far as there is one.
@@ -215,7 +215,7 @@ public:
     const std::string &Error() const { return m_error; }
 
 private:
-    /// A value that is no list, or one where none is expected.
+    /// A value that is not a list, or a list where none is expected.
     bool Scalar(std::optional<double> number, const std::string &text) {
         if (m_depth == 1 && m_key == "format") {
             m_format = text;

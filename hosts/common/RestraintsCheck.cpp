@@ -22,8 +22,8 @@ std::string ReadPlainBytes(const std::string &file) {
     // As the plug-in takes them.
     formats::CheckIsRegular(file);
     formats::ByteSource source(file);
-    if (source.GetPacking() != formats::Packing::None)
-        throw FileError(file, "", "is packed; restraints are read as plain text");
+    if (source.GetCompression() != formats::Compression::None)
+        throw FileError(file, "", "is compressed; restraints are read as plain text");
     return formats::ReadBytes(source, largestFile);
 }
 

@@ -7,10 +7,10 @@
 
 namespace hosts {
 
-/// The plug-in reads any restraints file without a word; other hosts say what is wrong with it.
+/// The plug-in reads any restraints file silently; other hosts say what is wrong with it.
 
-/// The records of a file. Throws FileError for a file that is no plain text, holds no record, or of which a
-/// record is incomplete or has something else where a number belongs (naming the line).
+/// The records of a file. Throws FileError for a file that is not plain text or holds no record, and for a
+/// record that is incomplete or has something other than a number where one belongs (naming the line).
 std::vector<fit::RestraintRecord> LoadRestraints(const std::string &file);
 
 /// The records' keys that no residue with a position of the target has, in file order.

@@ -32,7 +32,7 @@ void CheckIsText(const std::string &file, const std::string &bytes) {
         bytes, [](char c) { return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r'); });
     if (found != bytes.end())
         throw FileError(file, "byte " + std::to_string(found - bytes.begin()),
-                        "is a control character: no list of solutions, which is text");
+                        "is a control character; a list of solutions is text");
 }
 
 SavedList FromResults(const std::string &file, const std::string &bytes, double memory) {
@@ -49,7 +49,7 @@ SavedList FromResults(const std::string &file, const std::string &bytes, double 
     std::move(read.solutions.rbegin(), read.solutions.rend(), std::back_inserter(list.solutions));
     for (const auto &[place, line] : read.doubtful)
         list.problems[list.solutions.size() - place] =
-            "line " + std::to_string(line) + " holds a word that is no number";
+            "line " + std::to_string(line) + " holds a word that is not a number";
     return list;
 }
 

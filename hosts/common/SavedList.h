@@ -22,13 +22,13 @@ struct SavedList {
     const SolutionScore &OfRank(long rank) const;
 };
 
-/// Reads what `fit` saved as JSON, or a results file; told from the content. The ranks of a results file
+/// Reads what `fit` saved as JSON, or a results file; recognised by the content. The ranks of a results file
 /// count from its end. Throws FileError: unreadable, empty, binary, of another kind, without a solution, or
 /// so large that reading it would take more than `memory` bytes.
 SavedList ReadSavedList(const std::string &file, double memory = base::MemoryLimit());
 
-/// How far, in Å, the two decimals of a results file may have moved a point at that distance from the frame's
-/// origin, at most.
+/// The most, in Å, by which the two decimals of a results file may have moved a point at that distance from
+/// the frame's origin.
 double RoundingCost(double distance);
 
 } // namespace hosts

@@ -4,8 +4,8 @@
 
 namespace hosts {
 
-/// While it lives, the signals that would end the process wait: a file is written whole or not at all, also
-/// by an impatient user.
+/// While it lives, the signals that would end the process wait, so that a file is written whole or not at
+/// all, however impatient the user.
 class SignalHold {
 public:
     SignalHold();

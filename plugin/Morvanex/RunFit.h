@@ -17,18 +17,18 @@ struct SearchOptions {
 /// log.
 ///
 /// True when the search ran to its end. False without a target, when the target or the map is no longer in
-/// the model or the fit would take too much (said on the warning channel; nothing is changed then), or when
+/// the model or the fit would take too much (with a warning; nothing is changed then), or when
 /// it was cancelled: `solutions` then holds what was found, untrimmed.
 ///
 /// Nodes cannot leave the model while it runs, and the monitor must leave `solutions` alone. `counts`, if
-/// given, is kept up to date from pass to pass. `solutions` is up to date when the monitor hears `Cancelled`
-/// or `Finished`, not necessarily before.
+/// given, is kept up to date from pass to pass. `solutions` is up to date when the monitor's `Cancelled`
+/// or `Finished` is called, not necessarily before.
 bool RunFit(const fit::FitParameters &parameters, std::list<SolutionScore> &solutions,
             search::FitMonitor &monitor, search::PoseCounts *counts = nullptr,
             const SearchOptions &options = {});
 
-/// The same with the parameters and the list that the plug-in's globals and the setting "Marginal" are, read
-/// when the fit starts; `TCount` becomes odd unless the fit is refused. The number to keep and the log are
+/// The same with the plug-in's globals and the setting "Marginal" as parameters and list, read when the fit
+/// starts; `TCount` becomes odd unless the fit is refused. The number to keep and the log are
 /// read again whenever the monitor has been called, since the host's code that runs inside it may write them.
 bool RunFit(search::FitMonitor &monitor, search::PoseCounts *counts = nullptr,
             const SearchOptions &options = {});

@@ -8,7 +8,7 @@ namespace cli {
 
 struct Arguments;
 
-/// What kind of value an option takes. The name of a file is not empty. Numbers are read in the C locale, as
+/// What kind of value an option takes. File names are not empty. Numbers are read in the C locale, as
 /// the dialogs read their fields.
 enum class Value { None, Text, File, Integer, Number };
 
@@ -18,7 +18,7 @@ struct Option {
     Value value = Value::None;
     std::string valueName = {}; ///< "DEG"; empty without a value
     std::string help = {};      ///< what it does, with the unit; a sentence or two without the last full stop
-    std::string defaultText = {}; ///< what holds where it is not given; empty where there is nothing to say
+    std::string defaultText = {}; ///< the default; empty where there is none to tell
     bool required = false;
     bool repeatable = false;
     std::string heading = {}; ///< begins a group of options in the help
@@ -30,9 +30,9 @@ struct Command {
     std::string summary;              ///< one line for the list of commands
     std::string description;          ///< paragraphs for its help, separated by empty lines
     std::vector<Option> options = {}; ///< in the order in which the help shows them
-    std::string operand = {}; ///< name of the one argument that is no option, "FILE"; empty: there is none
+    std::string operand = {}; ///< name of the one argument that is not an option, "FILE"; empty without one
     std::string example = {}; ///< one command line
-    int (*run)(const Arguments &) = nullptr; ///< returns the exit status; throws what main reports
+    int (*run)(const Arguments &) = nullptr; ///< returns the exit status; what it throws is reported
 };
 
 /// The command line itself is wrong: exit status 2.
@@ -41,7 +41,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Exit statuses of the program. One that a signal stopped has 128 and the signal's number.
+/// Exit statuses of the program. A signal gives 128 plus its number.
 enum ExitStatus { Succeeded = 0, Failed = 1, WrongUsage = 2 };
 
 } // namespace cli

@@ -7,7 +7,7 @@
 
 namespace cli {
 
-/// A subcommand's command line, taken apart. Only options that were given are in it.
+/// A subcommand's command line, parsed. Only options that were given are in it.
 struct Arguments {
     std::map<std::string, std::vector<std::string>> values; ///< by option name; an empty list for a flag
     std::string operand;
@@ -18,7 +18,7 @@ struct Arguments {
     std::string Text(const std::string &option) const;
     /// The option's value; nothing where it was not given.
     std::optional<std::string> GivenText(const std::string &option) const;
-    /// The option's value taken apart at its commas; nothing where it was not given.
+    /// The option's value split at its commas; nothing where it was not given.
     std::optional<std::vector<std::string>> List(const std::string &option) const;
     /// All values of a repeatable option, in the order given.
     std::vector<std::string> Texts(const std::string &option) const;
@@ -27,15 +27,15 @@ struct Arguments {
     double Number(const std::string &option) const;
 };
 
-/// The number that an option's value is, in the C locale, blanks around it allowed. Throw UsageError where it
-/// is none, or beyond an int.
+/// An option's value as a number, in the C locale; blanks around it are allowed. Throw UsageError for what is
+/// not a number, or is beyond an int.
 int ReadInteger(const std::string &option, const std::string &text);
 double ReadNumber(const std::string &option, const std::string &text);
 
-/// Takes the words after the subcommand's name apart: "--option value", "--option=value", and the operand;
+/// Parses the words after the subcommand's name: "--option value", "--option=value", and the operand;
 /// after "--" everything is an operand. A value may begin with one dash (-5), not with two. Throws
 /// UsageError, naming the option: unknown (with the name that was probably meant), repeated, without its
-/// value or with one that is no number, required and missing.
+/// value or with one that is not a number, required and missing.
 Arguments ParseArguments(const Command &command, const std::vector<std::string> &words);
 
 } // namespace cli

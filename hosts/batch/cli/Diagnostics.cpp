@@ -30,18 +30,18 @@ void SetProgramName(const std::string &name) {
     ProgramName() = name;
 }
 
-void Tell(const std::string &text) {
+void Print(const std::string &text) {
     // A progress bar may stand on the terminal's current line.
     static const std::string eraseLine = isatty(STDERR_FILENO) ? "\r\033[K" : "";
     std::cerr << eraseLine + ProgramName() + ": " + Printable(text) + '\n' << std::flush;
 }
 
 void Warn(const std::string &text) {
-    Tell("warning: " + text);
+    Print("warning: " + text);
 }
 
 void ReportError(const std::string &text) {
-    Tell("error: " + text);
+    Print("error: " + text);
 }
 
 void CatchToolkitMessages() {

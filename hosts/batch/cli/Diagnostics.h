@@ -9,15 +9,15 @@ namespace cli {
 /// The name that stands before every message, "morvanex" until a subcommand runs.
 void SetProgramName(const std::string &name);
 
-/// "morvanex fit: ...", a line of its own. Control characters of the text are escaped.
-void Tell(const std::string &text);
-/// "morvanex fit: warning: ...", a line of its own.
+/// Prints "morvanex fit: ...", a line of its own. Control characters of the text are escaped.
+void Print(const std::string &text);
+/// Prints "morvanex fit: warning: ...".
 void Warn(const std::string &text);
-/// "morvanex fit: error: ...", a line of its own.
+/// Prints "morvanex fit: error: ...".
 void ReportError(const std::string &text);
 
-/// From now on what goes to the toolkit's warning channel is such a warning; its debug channel, on which the
-/// engine tells of its steps, is silent.
+/// From now on messages of the toolkit's warning channel are printed as warnings; its debug channel, on which
+/// the engine reports its steps, is silent.
 void CatchToolkitMessages();
 
 } // namespace cli

@@ -2,10 +2,10 @@
 
 namespace cli {
 
-/// Makes the process one whose files are safe from how it was started; called once, first of all. Standard
-/// streams that are closed are opened on the null device: else the next file opened would take their place,
-/// and messages would be written into it. Writing beyond a limit of the file's size fails with a reason
-/// instead of ending the process.
+/// Protects the process's files from how it was started; called once, first of all. Opens closed standard
+/// streams on the null device: else the next file opened would take their place, and messages would be
+/// written into it. Writing beyond a limit of the file's size fails with a reason instead of ending the
+/// process.
 void PrepareProcess();
 
 } // namespace cli

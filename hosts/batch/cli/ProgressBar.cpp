@@ -69,7 +69,7 @@ void ProgressBar::ShowTenth(std::size_t done, std::size_t total, const std::stri
     if (tenths <= m_tenths || Clock::now() < m_firstLine)
         return;
     m_tenths = tenths;
-    Tell(std::to_string(Percent(done, total)) + " % done" + remaining);
+    Print(std::to_string(Percent(done, total)) + " % done" + remaining);
 }
 
 } // namespace cli

@@ -6,7 +6,7 @@
 
 namespace cli {
 
-/// How far a search is, on standard error: on a terminal one line with a bar that is drawn over itself, else
+/// A search's progress on standard error: on a terminal one line with a bar that is drawn over itself, else
 /// (a log file, a pipe) a plain line for every tenth of the work; no line in the first two seconds.
 class ProgressBar {
 public:
@@ -29,7 +29,7 @@ private:
 
     bool m_visible;
     bool m_terminal;
-    Clock::time_point m_firstLine; ///< no plain line before
+    Clock::time_point m_firstLine; ///< of the first plain line
     std::string m_unit;
     std::size_t m_tenths = 0;
     std::string m_drawn;

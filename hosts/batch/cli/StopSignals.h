@@ -7,7 +7,7 @@ namespace cli {
 /// While one lives, the signals that ask a long piece of work to stop (Ctrl-C, and SIGTERM and SIGHUP as a
 /// batch system or a closed terminal sends them) do not end the process: the first is noted and answered with
 /// a line on standard error, a second one ends the process at once. Signals that the process was started to
-/// ignore stay ignored. There must be no two at a time.
+/// ignore stay ignored. Only one may live at a time.
 class StopSignals {
 public:
     /// `step` names what the work finishes before it stops, "the current axis"; the text must live as long as
@@ -17,7 +17,7 @@ public:
     StopSignals &operator=(const StopSignals &) = delete;
     ~StopSignals();
 
-    /// The next step has begun; when it ends is not known.
+    /// The next step has begun; its end is not known.
     void EnterStep(const char *step);
 };
 

@@ -17,7 +17,7 @@ namespace fast {
 PoseTally ScoreAxis(const fit::Preparation &fit, std::size_t axis, EntryNumber first, CubeScorer &scorer,
                     BestPoses &best, const std::stop_token &stop = {});
 
-/// What the scoring of an axis on its own came to.
+/// The result of scoring one axis on its own.
 struct AxisResult {
     PoseTally tally;
     std::vector<ScoredEntry> entries; ///< all that the list may hold, and some that it does not
@@ -25,21 +25,20 @@ struct AxisResult {
 
 /// Threads that score the axes ahead of the search, which takes the results in order.
 ///
-/// What an axis adds depends on the threshold that it starts from, and that on how far the search has come by
-/// then. But it never leaves out an entry that outlives the next trim, so that the list itself does not
-/// depend on the threads.
+/// What an axis adds depends on the threshold that it starts from, which depends on how far the search has
+/// come by then. But it never leaves out an entry that outlives the next trim, so that the list itself does
+/// not depend on the threads.
 class AxisThreads {
 public:
     /// The first pose of the first axis is entry number `first`. The references must outlive the object.
-    /// Makes do with fewer threads where the machine starts no more; throws std::system_error where it starts
-    /// none.
+    /// Uses fewer threads where the machine starts no more; throws std::system_error where it starts none.
     AxisThreads(const fit::Preparation &fit, const LevelGrids &grids, std::size_t keep, EntryNumber first,
                 std::uint64_t posesPerAxis, unsigned threads);
     ~AxisThreads();
     AxisThreads(const AxisThreads &) = delete;
     AxisThreads &operator=(const AxisThreads &) = delete;
 
-    /// Waits for the result of the next axis. `threshold` is what the list has come to.
+    /// Waits for the result of the next axis. `threshold` is the list's present one.
     AxisResult Take(double threshold);
 
 private:

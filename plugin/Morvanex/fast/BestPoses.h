@@ -59,7 +59,7 @@ private:
     std::size_t m_keep;
     std::vector<ScoredEntry> m_entries;
     double m_threshold = -std::numeric_limits<double>::infinity();
-    std::size_t m_fresh = 0; ///< entries added since the threshold was last looked for
+    std::size_t m_fresh = 0; ///< entries added since the threshold was last searched for
     EntryNumber m_mark = 0;  ///< entries below it may be forgotten once a trim came after it
     std::uint64_t m_appendedSinceMark = 0;
 };

@@ -9,7 +9,7 @@
 
 namespace fast {
 
-/// What the scoring of some poses came to.
+/// The counts of some scored poses.
 struct PoseTally {
     std::uint64_t accepted = 0;
     std::uint64_t scoredExactly = 0;

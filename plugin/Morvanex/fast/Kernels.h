@@ -6,9 +6,9 @@
 #include <span>
 
 /// The inner loops of the fast search, compiled for every instruction set that the machine may have and
-/// chosen when first called. What they are for, and why the data lie as they do, is told in docs/search.md;
-/// the plain loop that each of them must equal bit for bit stands in the tests, in PlainKernels.cpp. Arrays
-/// may begin at any address. What else a kernel assumes is asserted in debug builds.
+/// chosen when first called. docs/search.md explains their purpose and why the data
+/// are laid out as they are; the plain loop that each must equal bit for bit is in the tests'
+/// PlainKernels.cpp. Arrays may begin at any address. What else a kernel assumes is asserted in debug builds.
 
 namespace fast {
 
@@ -94,8 +94,8 @@ struct Windows {
     std::int32_t *scratch = nullptr; ///< one entry per point, fillers too
     /// For each point, fillers too, `shape.bytes` for each look-up. The 16 bytes of a narrow window are the
     /// places where its offsets read; 0x80 reads nothing. A wide window has the places in its first half, and
-    /// 16 more for those in its second. Zero at first, but for fillers, which read nothing; what stands
-    /// beyond a unit's offsets is no offset's.
+    /// 16 more for those in its second. Zero at first, but for fillers, which read nothing; entries
+    /// beyond a unit's offsets belong to none.
     std::uint8_t *patterns = nullptr;
 };
 

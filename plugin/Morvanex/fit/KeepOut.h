@@ -15,8 +15,8 @@ struct Solid {
     std::size_t invalidResidues = 0; ///< left out because the model has no position for them
 };
 
-/// The residues closer than `inclusionDistance` (Å, strictly) to the centre. Entries that are null, no
-/// residues or no longer in the model are passed by.
+/// The residues closer than `inclusionDistance` (Å, strictly) to the centre. Entries that are null, not
+/// residues or no longer in the model are skipped.
 Solid CollectSolid(const std::vector<VARNO::Compound *> &residues, const VARNO::Vertex &centre,
                    float inclusionDistance);
 

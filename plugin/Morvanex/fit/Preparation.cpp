@@ -14,7 +14,7 @@ namespace fit {
 
 namespace {
 
-void TellRestraints(const std::vector<RestraintRecord> &records) {
+void ReportRestraints(const std::vector<RestraintRecord> &records) {
     for (const auto &[residue, position] : records)
         qDebug("Residue: %s should prefer position ( %s %s %s )", qUtf8Printable(residue),
                qPrintable(base::FixedNumber(position[0], 7, 3)),
@@ -22,7 +22,7 @@ void TellRestraints(const std::vector<RestraintRecord> &records) {
                qPrintable(base::FixedNumber(position[2], 7, 3)));
 }
 
-void TellTarget(const Target &target) {
+void ReportTarget(const Target &target) {
     for (std::size_t i = 0; i < target.invalidResidues; ++i)
         qDebug("Invalid Residues in structure");
     if (target.points.empty())
@@ -30,7 +30,7 @@ void TellTarget(const Target &target) {
     qDebug("Extra scores %zu", target.restraints.size() + 1);
 }
 
-void TellSolid(const Solid &solid) {
+void ReportSolid(const Solid &solid) {
     for (std::size_t i = 0; i < solid.invalidResidues; ++i)
         qDebug("Invalid Residues in solid");
     std::ostringstream line;
@@ -72,13 +72,13 @@ Preparation PrepareFit(const FitParameters &parameters, const Survey &survey) {
     fit.map = parameters.map;
     fit.target = survey.target;
     fit.angleStep = parameters.angleStep;
-    TellRestraints(parameters.restraints);
+    ReportRestraints(parameters.restraints);
     fit.axes = RotationAxes(parameters.axisDepth);
     qDebug("Points %zu", fit.axes.size());
-    TellTarget(survey.target);
+    ReportTarget(survey.target);
     qDebug("Solid inclusion distance: %s", qPrintable(base::FixedNumber(parameters.inclusionDistance, 7, 3)));
     if (!parameters.solid.empty()) {
-        TellSolid(survey.solid);
+        ReportSolid(survey.solid);
         fit.keepOut = BuildKeepOut(survey.solid);
     }
     fit.offsets = TranslationOffsets(OddCount(parameters.translationCount), parameters.translationStep);

@@ -8,7 +8,7 @@
 
 namespace fit {
 
-/// From what a fit is asked to do to the plain data that scoring needs.
+/// From the parameters of a fit to the plain data that scoring needs.
 
 /// Everything of a fit that can be found out without changing the model.
 struct Survey {
@@ -16,7 +16,7 @@ struct Survey {
     Solid solid;
 };
 
-/// Looks at the target and the solid.
+/// Surveys the target and the solid.
 Survey SurveyFit(const FitParameters &parameters);
 
 /// The cube of translations: `count` (odd) along each direction, `step` Å apart, centred on zero; x varies
@@ -33,8 +33,8 @@ struct Preparation {
     double angleStep = 0;               ///< radians
 };
 
-/// Turns the survey into what the search runs on: adds the keep-out grid to the model, and tells the debug
-/// channel what was found.
+/// Turns the survey into what the search runs on: adds the keep-out grid to the model, and reports on the
+/// debug channel what was found.
 Preparation PrepareFit(const FitParameters &parameters, const Survey &survey);
 
 } // namespace fit

@@ -31,7 +31,7 @@ QString Decode(QByteArrayView bytes, const RestraintsFault &fault) {
     QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
     const QString text = decoder.decode(bytes);
     if (fault && (decoder.hasError() || std::ranges::any_of(text, IsControl)))
-        fault(0, "is no text file");
+        fault(0, "is not a text file");
     return text;
 }
 

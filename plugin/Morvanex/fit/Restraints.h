@@ -16,21 +16,21 @@ struct RestraintRecord {
     VARNO::Vertex position;
 };
 
-/// Hears what is wrong with a restraints file: the number of the line, from 1, or 0 for the file as a whole,
+/// Gets what is wrong with a restraints file: the number of the line, from 1, or 0 for the file as a whole,
 /// and what is wrong there.
 using RestraintsFault = std::function<void(std::size_t line, const QString &text)>;
 
 /// The records of a restraints file: a key and three coordinates each, all words separated by any white
-/// space. A coordinate that is no number is 0, one that is missing too; neither shifts what follows. The
+/// space. A coordinate that is not a number, or is missing, is 0 and shifts nothing that follows. The
 /// minus sign U+2212 stands for the hyphen in a number. White space after the last record gives one more
 /// record with an empty key, which matches no residue.
 ///
-/// The text is UTF-8, or what its byte order mark says. `fault`, if given, hears what is not as it should be,
-/// in the order of the file, and may throw.
+/// The text is UTF-8, or what its byte order mark says. `fault`, if given, gets what is wrong, in the order
+/// of the file, and may throw.
 std::vector<RestraintRecord> ParseRestraints(QByteArrayView bytes, const RestraintsFault &fault = {});
 
 /// The records of that file, whatever is wrong with it. A file that does not exist, cannot be opened or is
-/// not a regular file holds none; nothing is said of it.
+/// not a regular file silently holds none.
 std::vector<RestraintRecord> ReadRestraints(const QString &file);
 
 } // namespace fit

@@ -28,7 +28,8 @@ public:
     std::uint64_t PerAxis() const { return m_perAxis; }
     std::uint64_t Count() const { return 1 + m_axes.size() * m_perAxis; }
 
-    /// The rotation of that number. It is reached by adding angles up: numbers that ascend take one walk.
+    /// The rotation of that number. Reached by adding angles up, so that ascending numbers take a single
+    /// pass.
     VARNO::Quaternion At(std::uint64_t number);
 
 private:

@@ -6,7 +6,7 @@
 
 namespace search {
 
-/// What a search tells the world, and the one thing it asks: whether to stop. The calls come on the search's
+/// What a search reports, and the one thing it asks: whether to stop. The calls come on the search's
 /// own thread, in this order: Started, then after the identity pass IsCancelled and IdentityDone, then after
 /// each axis IsCancelled and AxisDone, at last Finished; or Cancelled, right after IsCancelled answered true.
 class FitMonitor {
@@ -23,7 +23,7 @@ public:
     virtual void Cancelled() = 0;
     virtual void Finished() = 0;
 
-    /// The log can no longer be written; said once, before the next IsCancelled. The search goes on without
+    /// The log can no longer be written; called once, before the next IsCancelled. The search goes on without
     /// it.
     virtual void LogLost(const QString &reason) { Q_UNUSED(reason); }
 };

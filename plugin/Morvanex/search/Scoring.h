@@ -11,7 +11,7 @@ class QTextStream;
 /// The scoring of one pose. Free functions without state: they touch only their arguments.
 
 /// Density score: the sum in double, from the first point to the last, of the map's values at the voxels
-/// nearest to the points. A point outside the map counts nothing. See `NearestVoxel` for where the map ends.
+/// nearest to the points. A point outside the map adds nothing. See `NearestVoxel` for where the map ends.
 double Score(const std::vector<TaggedPoint> &points, const VARNO::Grid *map);
 
 /// Collision measure: the sum in double of the solid's values that touch (`search::Touches`) at the voxels

@@ -15,7 +15,7 @@ class QIODevice;
 /// in Å (two decimals), the score (three decimals) and n extra scores (two decimals).
 
 /// The words of a line, separated by blanks only. A word of a single character at the very end of the line is
-/// not returned: files and programs that rely on the line format have been written against that.
+/// not returned: existing files and programs rely on that.
 std::vector<QString> split(const QString &line);
 
 namespace solutions {
@@ -23,14 +23,14 @@ namespace solutions {
 /// Writes the list to an open device.
 void WriteResults(QIODevice &device, const std::list<SolutionScore> &solutions);
 
-/// What a results file was found to hold.
+/// The content of a results file.
 struct ResultsRead {
     std::list<SolutionScore> solutions; ///< in file order
     std::vector<qint64> skippedLines;   ///< numbers, from 1, of the lines with fewer than eight words
-    /// Records that a word among the first eight makes doubtful, since it is no number and reads as 0: place
-    /// in `solutions`, from 0, and number of the line.
+    /// Records that a word among the first eight makes doubtful, since it is not a number and reads as 0:
+    /// place in `solutions`, from 0, and number of the line.
     std::map<std::size_t, qint64> doubtful;
-    bool isWhole = true; ///< false where the list stops short of the file's end, for want of memory
+    bool isWhole = true; ///< false where memory did not suffice to read to the file's end
 };
 
 /// Reads every line that does not begin with '#' and has at least eight words. A device that is not open

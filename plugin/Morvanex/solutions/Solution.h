@@ -22,8 +22,8 @@ struct SolutionScore {
 
     /// The record as a line of a results file, without a line end.
     QString getLine() const;
-    /// Overwrites the record from such a line. Numbers are read in single precision; a word that is no
-    /// number, or that is missing, reads as 0. Words beyond the eighth become the extra scores.
+    /// Overwrites the record from such a line. Numbers are read in single precision; a word that is not
+    /// a number, or is missing, reads as 0. Words beyond the eighth become the extra scores.
     void setFromLine(const QString &line);
     /// The comment line that heads a results file, without a line end.
     static QString getFormatComment();

@@ -4,7 +4,7 @@
 
 /// Trims the list to its `size` highest scores and leaves them in ascending order: the worst first, the best
 /// last. Of equal scores the later appended survive. A list shorter than `size` is left as it is, unsorted,
-/// and that is said on the debug channel. A negative size counts as 0.
+/// with a message on the debug channel. A negative size counts as 0.
 void weed(std::list<SolutionScore> &list, int size);
 
 namespace solutions {

@@ -1,4 +1,4 @@
-#include "Pack.h"
+#include "Compress.h"
 #include "TemporaryFolder.h"
 #include "formats/files/ByteSource.h"
 
@@ -54,7 +54,7 @@ TEST(ByteSource, ReadsAPlainFile) {
         EXPECT_EQ(AllOf(folder.Write("plain", Noise(size))), Noise(size)) << size;
 }
 
-TEST(ByteSource, UnpacksByContentNotByName) {
+TEST(ByteSource, DecompressesByContentNotByName) {
     TemporaryFolder folder;
     for (const std::string &bytes : {Noise(0), Noise(400'000), std::string(3'000'000, 'x')}) {
         EXPECT_EQ(AllOf(folder.Write("a.map", Gzip(bytes))), bytes);
@@ -63,11 +63,11 @@ TEST(ByteSource, UnpacksByContentNotByName) {
     }
 }
 
-TEST(ByteSource, SaysHowAFileIsPacked) {
+TEST(ByteSource, SaysHowAFileIsCompressed) {
     TemporaryFolder folder;
-    EXPECT_STREQ(NameOf(ByteSource(folder.Write("a", Gzip("x"))).GetPacking()), "gzip");
-    EXPECT_STREQ(NameOf(ByteSource(folder.Write("b", Bzip2("x"))).GetPacking()), "bzip2");
-    EXPECT_STREQ(NameOf(ByteSource(folder.Write("c", "BZ")).GetPacking()), "");
+    EXPECT_STREQ(NameOf(ByteSource(folder.Write("a", Gzip("x"))).GetCompression()), "gzip");
+    EXPECT_STREQ(NameOf(ByteSource(folder.Write("b", Bzip2("x"))).GetCompression()), "bzip2");
+    EXPECT_STREQ(NameOf(ByteSource(folder.Write("c", "BZ")).GetCompression()), "");
 }
 
 TEST(ByteSource, ReadsSeveralStreamsInARow) {
@@ -96,11 +96,11 @@ TEST(ByteSource, IgnoresPaddingAfterTheLastStream) {
 
 TEST(ByteSource, RefusesAStreamThatIsCutOffAnywhere) {
     TemporaryFolder folder;
-    for (const std::string &packed : {Gzip(Noise(50)), Bzip2(Noise(50))})
-        for (std::size_t size = 4; size < packed.size(); ++size) {
-            const std::string path = folder.Write("cut", packed.substr(0, size));
+    for (const std::string &compressed : {Gzip(Noise(50)), Bzip2(Noise(50))})
+        for (std::size_t size = 4; size < compressed.size(); ++size) {
+            const std::string path = folder.Write("cut", compressed.substr(0, size));
             EXPECT_EQ(ErrorOf([&] { AllOf(path); }), path + ": byte " + std::to_string(size) + ": the " +
-                                                         NameOf(PackingOf(packed)) +
+                                                         NameOf(CompressionOf(compressed)) +
                                                          " stream ends too early");
         }
 }
@@ -135,12 +135,12 @@ TEST(ByteSource, ReadsBytesInMemory) {
     const std::string noise = Noise(200'000);
     for (const std::string &bytes : {noise, Gzip(noise), Bzip2(noise)}) {
         ByteSource source("name", bytes);
-        EXPECT_EQ(source.PackedSize(), bytes.size());
+        EXPECT_EQ(source.StoredSize(), bytes.size());
         EXPECT_EQ(source.Skip(1'000'000), noise.size());
         EXPECT_EQ(source.Again().Skip(1'000'000), noise.size());
     }
-    const std::string packed = Gzip(noise).substr(0, 1000);
-    EXPECT_EQ(ErrorOf([&] { ByteSource("name", packed).Skip(1'000'000); }),
+    const std::string compressed = Gzip(noise).substr(0, 1000);
+    EXPECT_EQ(ErrorOf([&] { ByteSource("name", compressed).Skip(1'000'000); }),
               "name: byte 1000: the gzip stream ends too early");
 }
 
@@ -166,9 +166,9 @@ TEST(ByteSource, GivesPeekedBytesAgain) {
 
 TEST(ByteSource, KnowsNoSizeOfWhatOnlyReadingTells) {
     TemporaryFolder folder;
-    EXPECT_EQ(ByteSource(folder.Write("a", "four")).PackedSize(), 4u);
-    EXPECT_EQ(ByteSource("/dev/zero").PackedSize(), std::nullopt);
-    EXPECT_EQ(ByteSource("/proc/cpuinfo").PackedSize(), std::nullopt);
+    EXPECT_EQ(ByteSource(folder.Write("a", "four")).StoredSize(), 4u);
+    EXPECT_EQ(ByteSource("/dev/zero").StoredSize(), std::nullopt);
+    EXPECT_EQ(ByteSource("/proc/cpuinfo").StoredSize(), std::nullopt);
 }
 
 TEST(ByteSource, RefusesWhatIsNoFile) {

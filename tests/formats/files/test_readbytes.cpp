@@ -1,4 +1,4 @@
-#include "Pack.h"
+#include "Compress.h"
 #include "TemporaryFolder.h"
 #include "formats/files/FileError.h"
 #include "formats/files/ReadBytes.h"
@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 constexpr std::size_t limit = 1 << 24;
 
-/// Text of that many bytes that does not pack to nothing.
+/// Text of that many bytes that does not compress to nothing.
 std::string Text(std::size_t size) {
     std::string text;
     for (unsigned i = 0; text.size() < size; ++i)
@@ -39,7 +39,7 @@ TEST(ReadBytes, GivesAPlainFileAsItStands) {
     EXPECT_EQ(ReadBytes(folder.Write("empty", ""), limit), "");
 }
 
-TEST(ReadBytes, UnpacksByContentNotByName) {
+TEST(ReadBytes, DecompressesByContentNotByName) {
     TemporaryFolder folder;
     for (const std::size_t size : {0, 1, 1 << 20, 3'000'000}) {
         const std::string text = Text(size);
@@ -93,8 +93,8 @@ TEST(CheckIsRegular, RefusesWhatWouldMakeAReaderWait) {
         }
         return std::string("no error");
     };
-    EXPECT_EQ(errorOf(pipe), pipe + ": is no regular file");
-    EXPECT_EQ(errorOf("/dev/zero"), "/dev/zero: is no regular file");
+    EXPECT_EQ(errorOf(pipe), pipe + ": is not a regular file");
+    EXPECT_EQ(errorOf("/dev/zero"), "/dev/zero: is not a regular file");
     EXPECT_EQ(errorOf(folder.Path()), folder.Path() + ": is a directory");
     EXPECT_EQ(errorOf(folder.Write("file", "x")), "no error");
     EXPECT_EQ(errorOf(folder.File("absent")), "no error");

@@ -53,7 +53,7 @@ const std::map<std::string, std::string> refusals = {
     {"3197_mode3.map", "MODE (word 4): 3 "},
     {"3197_mode4.map", "MODE (word 4): 4 "},
     {"3197_mode101.map", "MODE (word 4): 101 "},
-    {"3197_cell0.map", "CELLA X (word 11): 0 Å is no length of a cell, so the scale is unknown"},
+    {"3197_cell0.map", "CELLA X (word 11): 0 Å is not a cell length, so the scale is unknown"},
     {"3197_truncated.map", "byte 20024: the map ends too early, its header promises 33024 bytes"},
     {"3197_headeronly.map", "byte 1024: the map ends too early, its header promises 33024 bytes"},
     {"3197_500bytes.map", "byte 500: the map ends too early, a header takes 1024 bytes"},

@@ -1,8 +1,8 @@
+#include "Compress.h"
 #include "DataAdder.h"
 #include "Listener.h"
 #include "MapBytes.h"
 #include "ModelGuard.h"
-#include "Pack.h"
 #include "TemporaryFolder.h"
 #include "formats/files/FileError.h"
 #include "formats/maps/MapFile.h"
@@ -118,7 +118,7 @@ TEST_F(MapFile, AddsAGridNamedAfterTheFileToTheModel) {
 
 TEST_F(MapFile, SaysWhatTheHeaderSaid) {
     Read(SmallMap().Text(57, "a title   ").Int(56, 1));
-    EXPECT_EQ(m_report.packing, "");
+    EXPECT_EQ(m_report.compression, "");
     EXPECT_EQ(m_report.mode, 2);
     EXPECT_FALSE(m_report.bigEndian);
     EXPECT_EQ(m_report.axisOrder, "XYZ");
@@ -145,11 +145,11 @@ TEST_F(MapFile, TellsTheModelOfOneAddition) {
 
 TEST_F(MapFile, AddsNothingWhenTheModelRefuses) {
     Space::instance()->SetReadOnly(true);
-    EXPECT_EQ(ErrorOf(SmallMap()), "the model takes no additions at present");
+    EXPECT_EQ(ErrorOf(SmallMap()), "the model accepts no additions at present");
     Space::instance()->SetReadOnly(false);
     {
         DataAdder<Space> other(Space::instance());
-        EXPECT_EQ(ErrorOf(SmallMap()), "the model takes no additions at present");
+        EXPECT_EQ(ErrorOf(SmallMap()), "the model accepts no additions at present");
     }
     EXPECT_EQ(NodesOfTheModel(), 0u);
 }
@@ -260,7 +260,7 @@ TEST_F(MapFile, PassesOverOriginWordsThatAreNoPosition) {
                   (Vector<float, 3>(8, 0, 0)));
         EXPECT_EQ(m_report.originSource, "NSTART");
         EXPECT_THAT(m_report.warnings, ElementsAre(std::string("ORIGIN Y (word 51): ") + text +
-                                                   " Å is no position; NSTART is used"));
+                                                   " Å is not a position; NSTART is used"));
     }
 }
 
@@ -287,10 +287,10 @@ TEST_F(MapFile, FindsTheByteOrderWhereTheStampIsAbsentOrWrong) {
     };
     const std::string little = "; read as little-endian, as the dimensions show";
     const std::string big = "; read as big-endian, as the dimensions show";
-    EXPECT_EQ(warning(false, ""), "MACHST (word 54): 00 00 00 00 is no machine stamp" + little);
-    EXPECT_EQ(warning(true, ""), "MACHST (word 54): 00 00 00 00 is no machine stamp" + big);
+    EXPECT_EQ(warning(false, ""), "MACHST (word 54): 00 00 00 00 is not a machine stamp" + little);
+    EXPECT_EQ(warning(true, ""), "MACHST (word 54): 00 00 00 00 is not a machine stamp" + big);
     EXPECT_EQ(warning(false, std::string("\0\0DD", 4)),
-              "MACHST (word 54): 00 00 44 44 is no machine stamp" + little);
+              "MACHST (word 54): 00 00 44 44 is not a machine stamp" + little);
     EXPECT_EQ(warning(false, "\x11\x11"),
               "MACHST (word 54): 11 11 00 00 is the wrong machine stamp" + little);
     EXPECT_EQ(warning(true, "DA"), "MACHST (word 54): 44 41 00 00 is the wrong machine stamp" + big);
@@ -318,8 +318,8 @@ TEST_F(MapFile, ReadsAnOldHeaderAndSaysSo) {
 TEST_F(MapFile, PassesOverAnExtendedHeaderAndWhatFollowsTheVoxels) {
     const MapBytes bytes =
         MapBytes(2, 1, 1).Int(24, 80).Append(std::string(80, 'x')).CountingVoxels(2).Append("end");
-    for (const std::string &packed : {std::string(bytes), Gzip(bytes), Bzip2(bytes)})
-        EXPECT_THAT(ValuesOf(Read(packed)), ElementsAre(1, 2));
+    for (const std::string &compressed : {std::string(bytes), Gzip(bytes), Bzip2(bytes)})
+        EXPECT_THAT(ValuesOf(Read(compressed)), ElementsAre(1, 2));
 }
 
 TEST_F(MapFile, ReadsVoxelsThatAreNotFiniteAsZeroAndCountsThem) {
@@ -337,38 +337,37 @@ TEST_F(MapFile, ReadsVoxelsThatAreNotFiniteAsZeroAndCountsThem) {
 TEST_F(MapFile, RefusesAHeaderWordThatMakesNoSense) {
     const auto ints = [&](unsigned word, int value) { return ErrorOf(SmallMap().Int(word, value)); };
     const auto floats = [&](unsigned word, float value) { return ErrorOf(SmallMap().Float(word, value)); };
-    EXPECT_EQ(ints(1, 0), "NX (word 1): 0 voxels, can only be 1 to 65535");
-    EXPECT_EQ(ints(2, -20), "NY (word 2): -20 voxels, can only be 1 to 65535");
-    EXPECT_EQ(ints(3, 2'000'000), "NZ (word 3): 2000000 voxels, can only be 1 to 65535");
-    EXPECT_EQ(ints(4, 3), "MODE (word 4): 3 cannot be read, only 0, 1, 2, 6 and 12");
-    EXPECT_EQ(ints(4, 101), "MODE (word 4): 101 cannot be read, only 0, 1, 2, 6 and 12");
-    EXPECT_EQ(ints(4, -1), "MODE (word 4): -1 cannot be read, only 0, 1, 2, 6 and 12");
+    EXPECT_EQ(ints(1, 0), "NX (word 1): 0 voxels, must be 1 to 65535");
+    EXPECT_EQ(ints(2, -20), "NY (word 2): -20 voxels, must be 1 to 65535");
+    EXPECT_EQ(ints(3, 2'000'000), "NZ (word 3): 2000000 voxels, must be 1 to 65535");
+    EXPECT_EQ(ints(4, 3), "MODE (word 4): 3 is not supported, only 0, 1, 2, 6 and 12 are");
+    EXPECT_EQ(ints(4, 101), "MODE (word 4): 101 is not supported, only 0, 1, 2, 6 and 12 are");
+    EXPECT_EQ(ints(4, -1), "MODE (word 4): -1 is not supported, only 0, 1, 2, 6 and 12 are");
     EXPECT_EQ(ints(5, 1'000'000), "NXSTART (word 5): 1000000 puts the map's first voxel at 2e+06 Å");
     EXPECT_EQ(ints(7, -2'000'000'000),
               "NZSTART (word 7): -2000000000 puts the map's first voxel at -4e+09 Å");
-    EXPECT_EQ(ints(8, -1), "MX (word 8): -1 samples, can only be 0 to 65535");
-    EXPECT_EQ(ints(10, 1 << 30), "MZ (word 10): 1073741824 samples, can only be 0 to 65535");
-    EXPECT_EQ(floats(11, 0), "CELLA X (word 11): 0 Å is no length of a cell, so the scale is unknown");
-    EXPECT_EQ(floats(12, -4), "CELLA Y (word 12): -4 Å is no length of a cell, so the scale is unknown");
+    EXPECT_EQ(ints(8, -1), "MX (word 8): -1 samples, must be 0 to 65535");
+    EXPECT_EQ(ints(10, 1 << 30), "MZ (word 10): 1073741824 samples, must be 0 to 65535");
+    EXPECT_EQ(floats(11, 0), "CELLA X (word 11): 0 Å is not a cell length, so the scale is unknown");
+    EXPECT_EQ(floats(12, -4), "CELLA Y (word 12): -4 Å is not a cell length, so the scale is unknown");
     EXPECT_EQ(floats(13, notANumber),
-              "CELLA Z (word 13): nan Å is no length of a cell, so the scale is unknown");
-    EXPECT_EQ(floats(13, infinity),
-              "CELLA Z (word 13): inf Å is no length of a cell, so the scale is unknown");
+              "CELLA Z (word 13): nan Å is not a cell length, so the scale is unknown");
+    EXPECT_EQ(floats(13, infinity), "CELLA Z (word 13): inf Å is not a cell length, so the scale is unknown");
     EXPECT_EQ(floats(11, 4e-10f),
-              "CELLA X (word 11): 4e-10 Å make voxels of 2e-10 Å, can only be 0.001 to 1000 Å");
+              "CELLA X (word 11): 4e-10 Å make voxels of 2e-10 Å, must be 0.001 to 1000 Å");
     EXPECT_EQ(floats(11, 3e38f),
-              "CELLA X (word 11): 3e+38 Å make voxels of 1.5e+38 Å, can only be 0.001 to 1000 Å");
+              "CELLA X (word 11): 3e+38 Å make voxels of 1.5e+38 Å, must be 0.001 to 1000 Å");
     EXPECT_EQ(ErrorOf(SmallMap().Float(11, 0).Float(14, 0)),
-              "CELLA X (word 11): 0 Å is no length of a cell, so the scale is unknown");
+              "CELLA X (word 11): 0 Å is not a cell length, so the scale is unknown");
     EXPECT_EQ(floats(14, 0), "CELLB ALPHA (word 14): 0 degrees: the cell is not orthogonal");
     EXPECT_EQ(floats(15, 94.326f), "CELLB BETA (word 15): 94.326 degrees: the cell is not orthogonal");
     EXPECT_EQ(floats(16, notANumber), "CELLB GAMMA (word 16): nan degrees: the cell is not orthogonal");
     EXPECT_EQ(ints(17, 2), "MAPC MAPR MAPS (word 17): 2, 2, 3 do not name each axis once");
     EXPECT_EQ(ints(18, 2'000'000'000),
               "MAPC MAPR MAPS (word 17): 1, 2000000000, 3 do not name each axis once");
-    EXPECT_EQ(ints(24, -80), "NSYMBT (word 24): -80 bytes of extended header, can only be 0 to 67108864");
+    EXPECT_EQ(ints(24, -80), "NSYMBT (word 24): -80 bytes of extended header, must be 0 to 67108864");
     EXPECT_EQ(ints(24, 2'000'000'000),
-              "NSYMBT (word 24): 2000000000 bytes of extended header, can only be 0 to 67108864");
+              "NSYMBT (word 24): 2000000000 bytes of extended header, must be 0 to 67108864");
 }
 
 TEST_F(MapFile, NamesTheWordOfTheAxisInFileOrder) {
@@ -408,11 +407,11 @@ TEST_F(MapFile, RefusesAMapThatEndsTooEarly) {
                                           "promises 1128 bytes (2 x 3 x 1 voxels of 4)");
 }
 
-TEST_F(MapFile, UnpacksByContentNotByName) {
+TEST_F(MapFile, DecompressesByContentNotByName) {
     const auto read = [&](const std::string &name, const std::string &bytes) {
         const Grid *grid = ReadMap(m_folder.Write(name, bytes), &m_report);
         EXPECT_THAT(ValuesOf(*grid), ElementsAre(1, 2, 3, 4, 5, 6));
-        return m_report.packing;
+        return m_report.compression;
     };
     EXPECT_EQ(read("a.map", Gzip(SmallMap())), "gzip");
     EXPECT_EQ(read("b.map.gz", Bzip2(SmallMap())), "bzip2");
@@ -420,7 +419,7 @@ TEST_F(MapFile, UnpacksByContentNotByName) {
     EXPECT_EQ(read("d.map.bz2", SmallMap()), "");
 }
 
-TEST_F(MapFile, RefusesAPackedFileThatIsCutOffOrDamaged) {
+TEST_F(MapFile, RefusesACompressedFileThatIsCutOffOrDamaged) {
     const std::string gzip = Gzip(SmallMap()), bzip2 = Bzip2(SmallMap());
     for (const std::size_t missing : {1u, 8u, 30u}) {
         EXPECT_EQ(ErrorOf(gzip.substr(0, gzip.size() - missing)),
@@ -590,9 +589,9 @@ TEST_F(MapFile, RefusesToWriteAGridThatCannotBeReadBack) {
     const std::string path = m_folder.Write("map", "old");
     const auto error = [&](const Grid &grid) { return ErrorIn(path, [&] { WriteMap(path, grid, ""); }); };
     EXPECT_EQ(error(Grid("g", {0, 1, 1}, {0, 0, 0}, {1, 1, 1}, {90, 90, 90})),
-              "NX (word 1): 0 voxels, can only be 1 to 65535");
+              "NX (word 1): 0 voxels, must be 1 to 65535");
     EXPECT_EQ(error(Grid("g", {1, 65536, 1}, {0, 0, 0}, {1, 1, 1}, {90, 90, 90})),
-              "NY (word 2): 65536 voxels, can only be 1 to 65535");
+              "NY (word 2): 65536 voxels, must be 1 to 65535");
     EXPECT_EQ(error(Grid("g", {1, 1, 1}, {0, 0, 0}, {1, 1, 1}, {90, 90, 120})),
               "CELLB GAMMA (word 16): 120 degrees: the cell is not orthogonal");
     EXPECT_EQ(ReadFile(path), "old");

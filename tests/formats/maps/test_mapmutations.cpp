@@ -1,6 +1,6 @@
+#include "Compress.h"
 #include "MapBytes.h"
 #include "ModelGuard.h"
-#include "Pack.h"
 #include "formats/files/FileError.h"
 #include "formats/maps/MapFile.h"
 
@@ -96,8 +96,8 @@ std::string Mutated(std::string bytes, std::mt19937 &random, void (*mutate)(std:
     return bytes;
 }
 
-/// The buffers of the readers and of the unpacking libraries; the map itself takes half a kilobyte.
-constexpr std::size_t mostMemory = 1 << 20;
+/// The buffers of the readers and of the decompression libraries; the map itself takes half a kilobyte.
+constexpr std::size_t maxMemory = 1 << 20;
 
 /// A file without a disk, whose many creations would take longer than everything else.
 class MemoryFile {
@@ -131,7 +131,7 @@ void Try(const std::string &bytes, Tally &tally) {
     } catch (const FileError &) {
         ++tally.refused;
     }
-    ASSERT_LE(largestAllocation, mostMemory);
+    ASSERT_LE(largestAllocation, maxMemory);
 }
 
 } // namespace
@@ -151,11 +151,11 @@ TEST(MapMutations, AreReadOrRefusedInLittleMemory) {
     EXPECT_GT(tally.refused, 500u);
 }
 
-TEST(MapMemory, IsNotTakenForVoxelsThatAPackedFileDoesNotHold) {
+TEST(MapMemory, IsNotTakenForVoxelsThatACompressedFileDoesNotHold) {
     const std::string bytes = MapBytes(1000, 1000, 100, 0).Append(std::string(10'000'000, '\0'));
-    for (const std::string &packed : {bytes, Gzip(bytes), Bzip2(bytes)}) {
+    for (const std::string &compressed : {bytes, Gzip(bytes), Bzip2(bytes)}) {
         Tally tally;
-        Try(packed, tally);
+        Try(compressed, tally);
         EXPECT_EQ(tally.refused, 1u);
     }
 }

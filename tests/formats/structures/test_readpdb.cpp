@@ -94,10 +94,10 @@ TEST_F(ReadPdb, TellsSubscribersOnceAndOnlyOfAWholeFile) {
 
 TEST_F(ReadPdb, IsRefusedWhileTheModelTakesNoAdditions) {
     Space::instance()->SetReadOnly(true);
-    EXPECT_EQ(ErrorOf(dipeptide), "model.pdb: cannot be added: the model takes no additions now");
+    EXPECT_EQ(ErrorOf(dipeptide), "model.pdb: cannot be added: the model accepts no additions at present");
     Space::instance()->SetReadOnly(false);
     const DataAdder<Space> other(Space::instance());
-    EXPECT_EQ(ErrorOf(dipeptide), "model.pdb: cannot be added: the model takes no additions now");
+    EXPECT_EQ(ErrorOf(dipeptide), "model.pdb: cannot be added: the model accepts no additions at present");
 }
 
 TEST_F(ReadPdb, ReadsABlankChainIdentifier) {

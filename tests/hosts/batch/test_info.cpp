@@ -91,7 +91,7 @@ TEST_F(Info, TellsARealMapsOddities) {
                 AllOf(HasSubstr("\n  origin    -22.8, 0, 0 Å, from NSTART\n"),
                       HasSubstr("\n  note      6 of 8000 voxels")));
     EXPECT_THAT(OutputOf({"info", folder + "emd_3197.map.gz"}),
-                AllOf(HasSubstr("from NSTART"), HasSubstr("axis order XYZ, packed by gzip\n")));
+                AllOf(HasSubstr("from NSTART"), HasSubstr("axis order XYZ, compressed by gzip\n")));
     EXPECT_THAT(OutputOf({"info", folder + "3197_bigendian_wrongstamp.map"}),
                 AllOf(HasSubstr("big-endian"), HasSubstr("\n  note      ")));
     EXPECT_THAT(OutputOf({"info", folder + "3197_mode12.map"}), HasSubstr("mode 12, 16-bit floats"));

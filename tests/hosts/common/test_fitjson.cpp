@@ -166,9 +166,9 @@ TEST(FitJson, ABrokenSolutionLeavesTheOthersReadable) {
     };
     EXPECT_EQ(problemOf("[1.0,0.0,0.0,0.0]", "[1.0,0.0,0.0]"), "rotation holds 3 numbers instead of 4");
     EXPECT_EQ(problemOf("[1.0,0.0,0.0,0.0]", "[1.0,0.0,0.0,\"z\"]"),
-              "rotation holds something else than numbers");
+              "rotation holds something other than numbers");
     EXPECT_EQ(problemOf("[1.0,0.0,0.0,0.0]", "[1.0,0.0,[0.0],0.0]"),
-              "rotation holds something else than numbers");
+              "rotation holds something other than numbers");
     EXPECT_EQ(problemOf("[1.0,0.0,0.0,0.0]", "7"), "rotation is not a list");
     EXPECT_EQ(problemOf("[1.0,0.0,0.0,0.0]", "{\"w\":1}"), "rotation is not a list");
     EXPECT_EQ(problemOf("translation", "shift"), "translation is missing");

@@ -74,13 +74,13 @@ TEST(LoadRestraints, RefusesWhatTheEngineDoesNotRead) {
     EXPECT_EQ(ErrorOfPath(folder.File("absent")),
               folder.File("absent") + ": cannot be read: No such file or directory");
     EXPECT_THAT(ErrorOfPath(folder.Path()), HasSubstr("directory"));
-    EXPECT_EQ(ErrorOfPath("/dev/null"), "/dev/null: is no regular file");
-    EXPECT_EQ(ErrorOfPath("/dev/zero"), "/dev/zero: is no regular file");
+    EXPECT_EQ(ErrorOfPath("/dev/null"), "/dev/null: is not a regular file");
+    EXPECT_EQ(ErrorOfPath("/dev/zero"), "/dev/zero: is not a regular file");
     const std::string pipe = folder.File("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(ErrorOfPath(pipe), pipe + ": is no regular file");
-    EXPECT_EQ(ErrorOfPath(folder.Write("packed", "\x1f\x8b\x08")),
-              folder.File("packed") + ": is packed; restraints are read as plain text");
+    EXPECT_EQ(ErrorOfPath(pipe), pipe + ": is not a regular file");
+    EXPECT_EQ(ErrorOfPath(folder.Write("compressed", "\x1f\x8b\x08")),
+              folder.File("compressed") + ": is compressed; restraints are read as plain text");
     EXPECT_THAT(ErrorOfPath("/proc/cpuinfo"), StartsWith("/proc/cpuinfo: line "));
 }
 

@@ -114,8 +114,9 @@ TEST_F(SavedLists, SkippedLinesAreNamed) {
 TEST_F(SavedLists, ALineWithLettersKeepsItsRankAndIsNotBuilt) {
     const std::string letters = "a b c d e f g hh\n";
     EXPECT_THAT(Read(letters + worst + best).problems,
-                ElementsAre(Pair(3, "line 1 holds a word that is no number")));
-    EXPECT_EQ(ErrorOfRank(letters + worst + best, 3), "list: rank 3: line 1 holds a word that is no number");
+                ElementsAre(Pair(3, "line 1 holds a word that is not a number")));
+    EXPECT_EQ(ErrorOfRank(letters + worst + best, 3),
+              "list: rank 3: line 1 holds a word that is not a number");
     EXPECT_EQ(ErrorOfRank(letters + worst + best, 1), "no error");
     EXPECT_EQ(ErrorOfRank(worst + "nan 0 0 0 0 0 0 0.00\n", 1),
               "list: rank 1: its pose holds a number that is not finite");
@@ -156,7 +157,7 @@ TEST_F(SavedLists, WhatIsNoListIsRefused) {
     EXPECT_EQ(ErrorOf(""), "list: is empty");
     EXPECT_EQ(ErrorOf(" \n\n"), "list: is empty");
     EXPECT_EQ(ErrorOf(worst + std::string("\0\x01", 2)),
-              "list: byte 59: is a control character: no list of solutions, which is text");
+              "list: byte 59: is a control character; a list of solutions is text");
     EXPECT_EQ(ErrorOf(comment), "list: no line holds the eight numbers of a solution");
     EXPECT_EQ(ErrorOf("a letter to somebody, in more than eight words\n"),
               "list: no line holds the eight numbers of a solution");

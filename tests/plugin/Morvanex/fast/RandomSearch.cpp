@@ -190,11 +190,11 @@ RandomSearch::RandomSearch(unsigned seed) {
     fit.offsets = fit::TranslationOffsets(side, step);
     fit.target = MakeTarget(dice, double(fit.offsets.size()), place);
     const double poses = double(fit.offsets.size()) * double(fit.target.points.size());
-    const int mostRotations = std::clamp(int(2e5 / poses), 1, 60);
+    const int maxRotations = std::clamp(int(2e5 / poses), 1, 60);
     fit.angleStep =
         side > 30 ? dice.OneOf({3.2, 7.0}) : dice.OneOf({0.5, 1.0, 1.5707963267948966, 2.0, 3.2, 7.0});
     const int angles = std::max(1, int(6.2831853 / fit.angleStep));
-    for (int i = dice.Between(0, std::max(1, mostRotations / angles)); i > 0; --i)
+    for (int i = dice.Between(0, std::max(1, maxRotations / angles)); i > 0; --i)
         fit.axes.push_back(RandomAxis(dice));
     keep = dice.OneOf({0, 1, 2, 5, 10, 30, 100, 1000, 100000, -3, dice.Between(1, 200)});
     const int earlierCount = dice.OneOf({0, 0, 0, 1, 7, 40});
