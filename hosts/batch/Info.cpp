@@ -124,8 +124,8 @@ Command InfoCommand() {
         .description =
             "Of a structure (PDB or mmCIF): its chains, how many of their residues have a position that can be "
             "fitted, and what the reader skips. Of a density map (MRC or CCP4): size, spacing and origin in "
-            "Å, which words of the header gave the origin, and the values. The content decides about the "
-            "kind, not the name; files compressed by gzip or bzip2 are read too.",
+            "Å, which words of the header gave the origin, and the values. The kind is recognised by the "
+            "content, not the name; files compressed by gzip or bzip2 are read too.",
         .options = {},
         .operand = "FILE",
         .example = "morvanex info map.mrc",

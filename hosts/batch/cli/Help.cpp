@@ -15,8 +15,8 @@ const char *const programSummary = "fit an atomic model into a cryo-EM density m
 
 const char *const exitStatusText =
     "0 when the work was done, 1 when it failed (the reason is on standard error), 2 when the command line "
-    "was wrong. A fit that a signal stops writes what it has found and exits with 130 after Ctrl-C, 143 after "
-    "SIGTERM, 129 after SIGHUP.";
+    "was wrong. A search that a signal stops writes what it has found and exits with 130 after Ctrl-C, 143 "
+    "after SIGTERM, 129 after SIGHUP.";
 
 /// The text as lines of at most `lineWidth` characters, all indented; empty lines stay.
 std::string Wrap(const std::string &text, std::size_t indent) {
