@@ -59,7 +59,7 @@ bool Deliver(const FitRecord &record, const std::list<SolutionScore> &solutions,
     return errors.empty();
 }
 
-int FitAsTold(const Arguments &arguments) {
+int FitChain(const Arguments &arguments) {
     FitRecord record;
     record.options = ReadFitOptions(arguments, Warn);
     const FitOptions &options = record.options;
@@ -86,10 +86,10 @@ int FitAsTold(const Arguments &arguments) {
     return finished ? int(Succeeded) : 128 + StopSignal();
 }
 
-/// What is refused is refused in the words of the command line.
+/// Refusals in the words of the command line.
 int Run(const Arguments &arguments) {
     try {
-        return FitAsTold(arguments);
+        return FitChain(arguments);
     } catch (const ParameterError &error) {
         throw std::runtime_error(OptionOf(error.Parameter()) + ": " + error.Problem());
     } catch (const FitTooLong &error) {
