@@ -40,7 +40,7 @@ public:
     }
     /// A length of time as one rounded number: "40 s", "3 min", "5 h".
     void AddDuration(std::int64_t seconds) {
-        const bool hours = seconds >= 2 * 3600, minutes = seconds >= 120;
+        const bool hours = seconds >= 7200, minutes = seconds >= 120;
         const std::int64_t unit = hours ? 3600 : minutes ? 60 : 1;
         Add((seconds + unit / 2) / unit);
         Add(hours ? " h" : minutes ? " min" : " s");

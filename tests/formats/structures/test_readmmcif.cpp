@@ -159,7 +159,7 @@ TEST_F(ReadMmcif, NamesTheRowAndTheValueThatCannotBeRead) {
     EXPECT_EQ(errorWith("13.00", "'13 Å'"),
               "model.cif: row 2 of _atom_site: B_iso_or_equiv '13 \\xc3\\x85' is not a number");
     EXPECT_EQ(errorWith("? 12 ALA", "300 12 ALA"),
-              "model.cif: row 2 of _atom_site: pdbx_formal_charge '300' is no charge of an atom");
+              "model.cif: row 2 of _atom_site: pdbx_formal_charge '300' is not an atom's charge");
     EXPECT_EQ(errorWith("? 12 ALA", "? 12A ALA"),
               "model.cif: row 2 of _atom_site: auth_seq_id '12A' is not an integer");
     EXPECT_EQ(errorWith("? 12 ALA", "? 12345678901 ALA"),

@@ -61,10 +61,10 @@ TEST(LoadRestraints, NamesLineAndWordThatIsNoNumber) {
 }
 
 TEST(LoadRestraints, RefusesWhatIsNoText) {
-    EXPECT_EQ(ErrorOf(std::string("LYS6 1 2 3\n\0", 12)), ": is no text file");
-    EXPECT_EQ(ErrorOf("LYS6 1 2 3\n\xE9\n"), ": is no text file");
-    EXPECT_EQ(ErrorOf("MAP \x01\x02"), ": is no text file");
-    EXPECT_EQ(ErrorOf("LYS6 1 2 3\nVAL26 1 2 3\xC3"), ": is no text file");
+    EXPECT_EQ(ErrorOf(std::string("LYS6 1 2 3\n\0", 12)), ": is not a text file");
+    EXPECT_EQ(ErrorOf("LYS6 1 2 3\n\xE9\n"), ": is not a text file");
+    EXPECT_EQ(ErrorOf("MAP \x01\x02"), ": is not a text file");
+    EXPECT_EQ(ErrorOf("LYS6 1 2 3\nVAL26 1 2 3\xC3"), ": is not a text file");
     EXPECT_EQ(ErrorOf(""), ": holds no restraint");
     EXPECT_EQ(ErrorOf(" \n\t\n"), ": holds no restraint");
 }
