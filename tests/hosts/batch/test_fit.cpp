@@ -410,7 +410,7 @@ TEST_F(Fit, RefusesRestraintsThatMakeNoSense) {
     const auto refuse = [&](const std::string &content, const std::string &error) {
         ExpectRefused({"--restraints", Put("restraints.txt", content)}, File("restraints.txt") + error);
     };
-    refuse(ReadFile(File("map.mrc")), ": is no text file");
+    refuse(ReadFile(File("map.mrc")), ": is not a text file");
     refuse("ALA3 1 2 3\nALA4 1 x 3\n", ": line 2: 'x', a coordinate of 'ALA4', is not a number");
     refuse("GLY3 1 2 3\nALA99 1 2 3\n",
            ": no record names a residue of the target: the target has no residue of that name with a "

@@ -26,7 +26,7 @@ public:
 
 private:
     void Line(int depth, const QStringList &words) {
-        m_text += QString(2 * depth, ' ') + words.join(' ') + '\n';
+        m_text += QString(qsizetype(2) * depth, ' ') + words.join(' ') + '\n';
     }
 
     static QString Policy(const QSizePolicy &policy) {
