@@ -29,7 +29,7 @@ QString Decode(QByteArrayView bytes, const RestraintsFault &fault) {
     const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
     // A decoder with a memory would keep an unfinished character at the end to itself.
     QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
-    const QString text = decoder.decode(bytes);
+    QString text = decoder.decode(bytes);
     if (fault && (decoder.hasError() || std::ranges::any_of(text, IsControl)))
         fault(0, "is not a text file");
     return text;
