@@ -217,7 +217,8 @@ std::vector<Option> Options() {
          .valueName = "F",
          .help =
              "Noise to add to every voxel: F = 1 is what the resolution implies, a ratio of signal to noise "
-             "of 1/3 in the waves as long as the resolution (an FSC of 0.143 between half maps). Others are "
+             "of 1/3 in the waves as long as the resolution (an FSC of 0.143 between half maps), within the "
+             "molecule's volume. Others are "
              "so many times stronger or weaker; at most 1000",
          .defaultText = "0, no noise"},
         {.name = "--seed",

@@ -31,6 +31,7 @@ constexpr double transformBytesPerVoxel = 5 * sizeof(float);
 
 constexpr double solventBFactor = 200; ///< Å²
 constexpr double noisePerSignal = 3;   ///< in power, where the FSC of half maps is 0.143
+constexpr double volumePerAtom = 17;   ///< Å³, hydrogens along with the atom that they are bound to
 
 double WidthOf(double bFactor) {
     return std::sqrt(bFactor / 8) / std::numbers::pi;
@@ -124,18 +125,22 @@ void AddWhiteNoise(Values &values, double deviation, std::uint64_t seed) {
         value += std::remove_reference_t<decltype(value)>(deviation * NormalNumber(random));
 }
 
-/// The standard deviation of white noise whose power, in the shell at 1/resolution, is three times the map's.
-double ResolutionNoise(const placement::Volume &map, double resolution) {
+/// Voxels that the molecule fills.
+double MoleculeVoxels(std::span<const Scatterer> scatterers, double voxel) {
+    const auto atoms = std::ranges::count_if(scatterers, [](const Scatterer &s) { return s.electrons > 1; });
+    return double(std::max<std::ptrdiff_t>(atoms, 1)) * volumePerAtom / (voxel * voxel * voxel);
+}
+
+/// The standard deviation of white noise whose power, in the shell at 1/resolution and in so many voxels, is
+/// three times the map's.
+double ResolutionNoise(const placement::Volume &map, double resolution, double voxels) {
     const placement::Waves waves = WavesOf(map);
     const double power = placement::RadialPower(waves, 1.1 / resolution).At(1 / resolution);
-    double volume = 1, voxel = 1; // of the box with its padding, and of a voxel, Å³
-    for (unsigned axis = 0; axis < 3; ++axis) {
-        volume *= waves.length[axis];
-        voxel *= map.spacing[axis];
-    }
-    // n independent values of variance v have the mean power n·v/N² among N, of which n are not padding.
-    const double all = volume / voxel;
-    return std::sqrt(noisePerSignal * power / double(map.values.size())) * all;
+    double all = 1; // voxels, padding included
+    for (unsigned axis = 0; axis < 3; ++axis)
+        all *= std::round(waves.length[axis] / map.spacing[axis]);
+    // n independent values of variance v have the mean power n·v/N² where waves are means of N values.
+    return std::sqrt(noisePerSignal * power / voxels) * all;
 }
 
 placement::Volume VolumeOf(const std::vector<double> &density, const SimulationBox &box, double voxel) {
@@ -268,7 +273,9 @@ std::unique_ptr<Grid> SimulateMap(std::span<const Scatterer> scatterers, const S
     placement::Volume map = VolumeOf(density, box, settings.voxel);
     density = {};
     if (settings.resolutionNoise > 0)
-        AddWhiteNoise(map.values, settings.resolutionNoise * ResolutionNoise(map, settings.resolution),
+        AddWhiteNoise(map.values,
+                      settings.resolutionNoise * ResolutionNoise(map, settings.resolution,
+                                                                 MoleculeVoxels(scatterers, settings.voxel)),
                       settings.seed);
     Treat(map, scatterers, settings.treatment);
     return GridOf(map);

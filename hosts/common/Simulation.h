@@ -30,7 +30,8 @@ namespace hosts {
 ///
 /// Noise as strong as the resolution implies: a map has the resolution R where the FSC of its halves is
 /// 0.143, which is a ratio 1/3 of signal to noise in power. White noise is added that makes it so in the
-/// shell at 1/R.
+/// shell at 1/R, within the molecule's volume, 17 Å³ for each atom but hydrogen: the FSC is taken inside a
+/// mask, and so the noise does not depend on the box.
 ///
 /// The treatment of MapTreatment.h comes last.
 

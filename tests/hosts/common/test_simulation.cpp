@@ -243,18 +243,31 @@ TEST(Simulation, SolventTakesContrastFromSlowWaves) {
 }
 
 TEST(Simulation, NoiseOfTheResolutionIsThreeTimesTheSignalThere) {
-    // FSC of the map with the one without noise: sqrt(SSNR / (1 + SSNR)).
+    // FSC of the map with the one without noise: sqrt(SSNR / (1 + SSNR)), where the noise of the whole box is
+    // that of the molecule's volume times the ratio of the two.
     const std::vector<Scatterer> ball = Ball();
-    for (const double strength : {0.5, 1.0, 2.0}) {
+    for (const double strength : {0.25, 0.5, 1.0}) {
         const SimulationSettings clean{.resolution = 8, .voxel = 2, .bFactor = 300, .solvent = 0.5};
         SimulationSettings noisy = clean;
         noisy.resolutionNoise = strength;
         noisy.seed = 4;
-        const double ratio = 1 / (3 * strength * strength);
-        EXPECT_NEAR(ShellCorrelation(*Simulated(ball, clean), *Simulated(ball, noisy), 8),
-                    std::sqrt(ratio / (1 + ratio)), 0.04)
+        const auto map = Simulated(ball, clean);
+        const double box = 8.0 * double(map->Values().size()), molecule = 17 * 1500;
+        const double ratio = molecule / box / (3 * strength * strength);
+        EXPECT_NEAR(ShellCorrelation(*map, *Simulated(ball, noisy), 8), std::sqrt(ratio / (1 + ratio)), 0.05)
             << strength;
     }
+}
+
+TEST(Simulation, NoiseOfTheResolutionDoesNotDependOnTheBox) {
+    const std::vector<Scatterer> ball = Ball();
+    const auto noiseOf = [&](double margin) {
+        const SimulationSettings clean{.resolution = 8, .voxel = 2, .treatment = {.margin = margin}};
+        SimulationSettings noisy = clean;
+        noisy.resolutionNoise = 1;
+        return Deviation(Difference(*Simulated(ball, noisy), *Simulated(ball, clean)));
+    };
+    EXPECT_NEAR(noiseOf(60) / noiseOf(10), 1, 0.05);
 }
 
 TEST(Simulation, NoiseOfTheResolutionIsWhiteAndFollowsTheSeed) {
