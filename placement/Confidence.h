@@ -14,7 +14,7 @@ struct WrongTail {
 
     /// ln E: of the number of wrong places that are expected to score at least as well.
     double LogExpected(double score) const;
-    /// p = 1/(1 + 60·E).
+    /// p = 1/(1 + a·E^b), a = 6 and b = 0.75.
     double Probability(double score) const;
 };
 

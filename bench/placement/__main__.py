@@ -11,6 +11,7 @@ import argparse
 import os
 import sys
 
+import diagram
 import growth
 import made
 import shared
@@ -24,6 +25,11 @@ TREATMENTS_IN_SHORT = ("plain", "too tight mask", "bent model")
 
 def say(text):
     print(text, flush=True)
+
+
+def draw(rows, path):
+    diagram.draw(tables.reliability(rows), tables.DECLARED, path)
+    say(f"drawn: {path}.svg and {path}.png")
 
 
 def made_maps(program, data, name, short):
@@ -40,8 +46,7 @@ def made_maps(program, data, name, short):
     tables.confidence(rows, say)
     say("")
     tables.print_reliability(rows, say)
-    tables.diagram(rows, program.file(f"reliability-{name}.svg"))
-    say("drawn: " + program.file(f"reliability-{name}.svg"))
+    draw(rows, program.file(f"reliability-{name}"))
 
 
 def tiny(program, example):
@@ -56,8 +61,7 @@ def tiny(program, example):
     tables.right_first(maps.rows, say)
     tables.confidence(maps.rows, say)
     tables.print_reliability(maps.rows, say)
-    tables.diagram(maps.rows, program.file("reliability-tiny.svg"))
-    say("drawn: " + program.file("reliability-tiny.svg"))
+    draw(maps.rows, program.file("reliability-tiny"))
 
 
 def main():

@@ -21,6 +21,7 @@ TREATMENTS = {
     "low-passed": lambda b, r: {"low_pass": 1.3 * r},
     "tight box": lambda b, r: {"margin": 1},
     "bent model": lambda b, r: {"bend": 1.5},
+    "hardly any noise": lambda b, r: {"resolution_noise": 0.03},
     "a third of the noise": lambda b, r: {"resolution_noise": 0.3},
     "twice the noise": lambda b, r: {"resolution_noise": 2},
     "sharpened, no low-pass": lambda b, r: {"sharpen": 0.8 * b},

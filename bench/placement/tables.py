@@ -1,4 +1,4 @@
-"""The tables and the reliability diagram, from the lines of made.py's CSV file."""
+"""The tables of the made maps, from the lines of made.py's CSV file."""
 
 CLASSES = (("z >= 7", 7, float("inf")), ("4.5 <= z < 7", 4.5, 7), ("z < 4.5", 0, 4.5))
 DECLARED = 0.95
@@ -82,40 +82,3 @@ def print_reliability(rows, write):
     for point in reliability(rows):
         write(f"{point['low']:4.2f} to {point['high']:4.2f}    {point['runs']:8d}{point['mean']:8.3f}"
               f"{point['right'] / point['runs']:8.3f}")
-
-
-def interval(right, runs, z=1.96):
-    """Wilson's 95 % interval of a share."""
-    p = right / runs
-    middle = (p + z * z / (2 * runs)) / (1 + z * z / runs)
-    half = z / (1 + z * z / runs) * (p * (1 - p) / runs + z * z / (4 * runs * runs)) ** 0.5
-    return max(0.0, middle - half), min(1.0, middle + half)
-
-
-def diagram(rows, path):
-    """Draws the share of right answers over the probability that they were given, as SVG."""
-    size, left, top = 400, 70, 30
-    x = lambda p: left + size * p
-    y = lambda p: top + size * (1 - p)
-    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + size + 40}" height="{top + size + 70}" '
-             'font-family="DejaVu Sans, sans-serif" font-size="14">',
-             '<rect width="100%" height="100%" fill="white"/>',
-             f'<rect x="{left}" y="{top}" width="{size}" height="{size}" fill="none" stroke="black"/>',
-             f'<line x1="{x(0)}" y1="{y(0)}" x2="{x(1)}" y2="{y(1)}" stroke="gray" stroke-dasharray="4 4"/>',
-             f'<line x1="{x(DECLARED)}" y1="{y(0)}" x2="{x(DECLARED)}" y2="{y(1)}" stroke="gray"/>']
-    for tick in (0, 0.2, 0.4, 0.6, 0.8, 1):
-        parts.append(f'<text x="{x(tick)}" y="{y(0) + 20}" text-anchor="middle">{tick:g}</text>')
-        parts.append(f'<text x="{x(0) - 10}" y="{y(tick) + 5}" text-anchor="end">{tick:g}</text>')
-    for point in reliability(rows):
-        low, high = interval(point["right"], point["runs"])
-        middle, part = x(point["mean"]), point["right"] / point["runs"]
-        parts.append(f'<line x1="{middle:.1f}" y1="{y(low):.1f}" x2="{middle:.1f}" y2="{y(high):.1f}" '
-                     'stroke="#1f5fa8" stroke-width="2"/>')
-        parts.append(f'<circle cx="{middle:.1f}" cy="{y(part):.1f}" r="5" fill="#1f5fa8"/>')
-        parts.append(f'<text x="{middle + (-8 if point["mean"] > 0.5 else 8):.1f}" y="{y(part) + 18:.1f}" '
-                     f'text-anchor="{"end" if point["mean"] > 0.5 else "start"}" font-size="11">{point["runs"]}</text>')
-    parts += [f'<text x="{x(0.5)}" y="{y(0) + 50}" text-anchor="middle">probability given</text>',
-              f'<text transform="translate({left - 50},{y(0.5)}) rotate(-90)" text-anchor="middle">share right</text>',
-              '</svg>']
-    with open(path, "w") as file:
-        file.write("\n".join(parts) + "\n")
