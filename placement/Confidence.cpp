@@ -22,7 +22,7 @@ double WrongTail::LogExpected(double score) const {
 }
 
 double WrongTail::Probability(double score) const {
-    return 1 / (1 + wrongFactor * std::exp(wrongExponent * LogExpected(score)));
+    return 1 / (1 + wrongPerExpected * std::exp(LogExpected(score)));
 }
 
 WrongTail FitWrongTail(std::span<const double> scores) {

@@ -14,11 +14,11 @@ struct WrongTail {
 
     /// ln E: of the number of wrong places that are expected to score at least as well.
     double LogExpected(double score) const;
-    /// p = 1/(1 + a·E^b), a = 6 and b = 0.75.
+    /// p = 1/(1 + 8·E).
     double Probability(double score) const;
 };
 
-/// Of scores in descending order; n is at most 90, k a third of it. Fewer than six scores, or scores without
+/// Of scores in descending order; n is at most 150, k a fifth of it. Fewer than six scores, or scores without
 /// spread, give a tail that calls nothing probable.
 WrongTail FitWrongTail(std::span<const double> scores);
 

@@ -99,7 +99,7 @@ constexpr int levelSteps = 8, finalSteps = 25;
 /// resolutions.
 constexpr double firstLevelStep = 0.35, longestLevelStep = 1;
 constexpr double firstFinalStep = 0.05, longestFinalStep = 0.3;
-/// Poses that are refined to the end; ninety distinct ones of them make the background.
+/// Poses that are refined to the end; the distinct ones of them make the background.
 constexpr std::size_t finalPoses = 150;
 
 // Known neighbours
@@ -137,14 +137,13 @@ constexpr double maxTrimmedShare = 0.67;
 
 // The confidence
 
-/// Distinct places that the tail of the wrong ones is fitted to: from the `tailFrom`-th to the
-/// `backgroundPlaces`-th, so that up to 29 equal copies do no harm.
-constexpr std::size_t backgroundPlaces = 90, tailFrom = 30;
-/// p = 1 / (1 + a·E^b): 0.95 at ln E = -6.3. Were the tail of the wrong scores exactly what is fitted, E
-/// would stand as it is; it is heavier, and E extrapolated from places 30 to 90. Fitted to 1468 searches in
-/// made maps, two in five for models that were not there: b = 0.83 (0.71 to 0.97), a = 3.2 (2.5 to 4.3).
-/// Taken is the lower end of b, and twice a: of the models that people try, fewer belong to their map.
-constexpr double wrongFactor = 6, wrongExponent = 0.75;
+/// Distinct places that the tail of the wrong ones is fitted to: all that are refined to the end but the
+/// first fifth, so that up to 29 equal copies do no harm. Fits to fewer places extrapolate worse.
+constexpr std::size_t backgroundPlaces = finalPoses, tailFrom = 30;
+/// p = 1 / (1 + 8·E): 0.95 at ln E = -5. In 1468 searches in made maps, two in five for models that were not
+/// there, right answers are as frequent as 1 / (1 + 3·E) says, with no other exponent of E than 1. Of the
+/// models that people try, fewer belong to their map, and real maps differ from made ones.
+constexpr double wrongPerExpected = 8;
 /// Centres of other turns in the same hole lie within this many radii of gyration.
 constexpr double sameHole = 0.7;
 /// The probability from which a place is called found.

@@ -2,7 +2,7 @@
 
     bench/placement/run [--short | --tiny] [--section NAME]... [--program FILE] [--data FOLDER] [--out FOLDER]
 
-Sections: shared, screen, growth, calibration, test. `calibration` and `test` are made maps of different structures; every
+Sections: shared, refine, screen, growth, calibration, test. `calibration` and `test` are made maps of different structures; every
 run of theirs is a line of runs.csv in the folder --out, and is not repeated while it stands there. The whole takes an hour
 on one core, --short two minutes. --tiny needs no data: it places one chain of the bundled example.
 """
@@ -19,7 +19,7 @@ import structures
 import tables
 from runs import Program
 
-SECTIONS = ("shared", "screen", "growth", "calibration", "test")
+SECTIONS = ("shared", "refine", "screen", "growth", "calibration", "test")
 TREATMENTS_IN_SHORT = ("plain", "too tight mask", "bent model")
 
 
@@ -80,6 +80,7 @@ def main():
         return
     sections = {
         "shared": lambda: shared.shared_cases(program, arguments.data, say),
+        "refine": lambda: shared.refined_starts(program, arguments.data, say, 5 if arguments.short else 40),
         "screen": lambda: shared.screen(program, arguments.data, say),
         "growth": lambda: growth.growth(program, made.predicted(arguments.data, structures.GROWTH), say, arguments.short),
         "calibration": lambda: made_maps(program, arguments.data, "calibration", arguments.short),

@@ -1,7 +1,9 @@
 """The shared cases: real maps and models whose right places are known."""
 
 import json
+import math
 import os
+import random
 
 import structures
 
@@ -58,6 +60,32 @@ def shared_cases(program, data, write):
         write(f"{case['name']:18}{'right' if found else 'wrong':>8}{nearest:8.2f}{f'{found} of {len(copies)}':>10}"
               f"{result['confidence']['probability']:8.3f}{run.cpu:8.2f}{run.memory:8.1f}{gain:>13}")
     write(f"{'sum':18}{'':42}{total:8.2f}")
+
+
+def refined_starts(program, data, write, starts):
+    """Every case's model off its place, moved back by --refine; back is an RMSD of at most 2 Å."""
+    with open(os.path.join(data, "cases.json")) as file:
+        cases = json.load(file)["cases"]
+    write(f"--refine from 10 Å, at most half the model's radius, and 30° off: {starts} starts for each case")
+    write(f"{'':18}{'back':>20}{'RMSD':>8}{'CPU s':>8}")
+    for case in cases:
+        model = structures.read_pdb(os.path.join(data, case["target"]["file"]), case["target"]["chain"])
+        copies = truths_of(data, case, model)
+        true = model.moved(structures.rotation_of(*case["truth"]["transform"][:4]), case["truth"]["transform"][4:])
+        centre = structures.centroid(true.positions)
+        shift = min(10, max(math.dist(p, centre) for p in true.positions) / 2)
+        rng = random.Random(case["name"])
+        distances, cpu = [], 0
+        for _ in range(starts):
+            turned = true.centred().moved(structures.rotation_about(structures.random_direction(rng), 30), centre)
+            start = turned.moved(structures.IDENTITY, [shift * d for d in structures.random_direction(rng)])
+            structures.write_pdb(program.file("start.pdb"), [start])
+            result, run = program.place(os.path.join(data, case["map"]), program.file("start.pdb"), case["resolution"],
+                                        refine=True)
+            cpu += run.cpu / starts
+            distances.append(found_copies(result, start, copies, 2)[0])
+        back = sum(d <= 2 for d in distances)
+        write(f"{case['name']:18}{f'{back} of {starts}':>20}{sorted(distances)[starts // 2]:8.2f}{cpu:8.3f}")
 
 
 def screen(program, data, write):

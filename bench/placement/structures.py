@@ -78,6 +78,17 @@ def random_rotation(rng):
     return rotation_of(*(rng.gauss(0, 1) for _ in range(4)))
 
 
+def random_direction(rng):
+    direction = [rng.gauss(0, 1) for _ in range(3)]
+    length = math.sqrt(sum(d * d for d in direction))
+    return [d / length for d in direction]
+
+
+def rotation_about(axis, degrees):
+    half = math.radians(degrees) / 2
+    return rotation_of(math.cos(half), *(math.sin(half) * a for a in axis))
+
+
 def rmsd(a, b):
     return math.sqrt(sum(math.dist(p, q) ** 2 for p, q in zip(a, b)) / len(a))
 
@@ -154,10 +165,7 @@ def pack(structures, seed):
     for structure in structures:
         turned = structure.centred().moved(random_rotation(rng), (0, 0, 0))
         alphas = turned.alpha_positions()
-        direction = [rng.gauss(0, 1) for _ in range(3)]
-        length = math.sqrt(sum(d * d for d in direction))
-        direction = [d / length for d in direction]
-        place = (0.0, 0.0, 0.0)
+        direction = random_direction(rng)
         distance = 200.0 if packed else 0.0
         while distance > 0:
             nearer = tuple(d * (distance - 1) for d in direction)
