@@ -24,19 +24,32 @@ std::vector<std::string> CommandsOf(const std::string &document) {
 
 } // namespace
 
-class Documentation : public FitFixture {};
+class Documentation : public FitFixture {
+protected:
+    /// Runs the document's commands, one after another, in the folder.
+    void Run(const std::string &document) {
+        const std::vector<std::string> commands = CommandsOf(SourceFolder() + document);
+        EXPECT_GT(commands.size(), 5u);
+        const std::string folder = std::filesystem::path(File("x")).parent_path();
+        const std::string path = std::filesystem::path(MORVANEX_PROGRAM).parent_path();
+        for (const std::string &command : commands)
+            EXPECT_EQ(std::system(("cd " + folder + " && PATH=" + path +
+                                   ":$PATH XDG_CONFIG_HOME=/nonexistent && " + command + " >output 2>errors")
+                                      .c_str()),
+                      0)
+                << command << '\n'
+                << ReadFile(File("errors"));
+    }
+};
 
-TEST_F(Documentation, HasOnlyCommandsThatRun) {
+TEST_F(Documentation, TheUserGuideHasOnlyCommandsThatRun) {
     Put("restraints.txt", "ALA3 20 20 20\n");
-    const std::vector<std::string> commands = CommandsOf(SourceFolder() + "/docs/user-guide.md");
-    EXPECT_GT(commands.size(), 5u);
-    const std::string folder = std::filesystem::path(File("x")).parent_path();
-    const std::string path = std::filesystem::path(MORVANEX_PROGRAM).parent_path();
-    for (const std::string &command : commands)
-        EXPECT_EQ(std::system(("cd " + folder + " && PATH=" + path +
-                               ":$PATH XDG_CONFIG_HOME=/nonexistent && " + command + " >output 2>errors")
-                                  .c_str()),
-                  0)
-            << command << '\n'
-            << ReadFile(File("errors"));
+    Run("/docs/user-guide.md");
+}
+
+TEST_F(Documentation, TheTutorialHasOnlyCommandsThatRun) {
+    std::filesystem::create_directory_symlink(SourceFolder() + "/examples", File("examples"));
+    Run("/docs/tutorial.md");
+    EXPECT_TRUE(std::filesystem::exists(File("B-5.pdb")));
+    EXPECT_TRUE(std::filesystem::exists(File("C-place-1.pdb")));
 }
