@@ -51,7 +51,7 @@ def confidence(rows, write):
         write(f"{f'  of these with {low:g} <= z < {high:g}':50}" +
               share(sum(row["verdict"] == "placed" for row in chosen), len(chosen)))
     for kind, name in (("foreign", "other proteins"), ("mirrored", "mirror images")):
-        chosen = of_kind(rows, kind)
+        chosen = [row for row in of_kind(rows, kind) if row["verdict"] != "not-judged"]
         for title, some in ((name, [row for row in chosen if row["treatment"] != "noise alone"]),
                             (name + " in noise", [row for row in chosen if row["treatment"] == "noise alone"])):
             if some:
