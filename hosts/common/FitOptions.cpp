@@ -28,10 +28,11 @@ void CheckName(const std::string &parameter, const std::optional<std::string> &n
 }
 
 void CheckTranslationStep(const FitOptions &options) {
-    const double step = options.translationStep, farthest = step * (options.translationSteps / 2);
+    const double step = options.translationStep;
+    const int stepsToEachSide = options.translationSteps / 2;
     if (!std::isfinite(step))
         Refuse("translation step", Text(step), "a finite number of Å");
-    if (!std::isfinite(float(farthest)))
+    if (!std::isfinite(float(step * stepsToEachSide)))
         Refuse("translation step", Text(step),
                "a step whose translations fit into single precision (3.4e+38 Å)");
 }
