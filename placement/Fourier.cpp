@@ -27,40 +27,36 @@ std::size_t BandOf(double length, std::size_t count, double cutOff) {
     return std::min(std::size_t(std::max(0.0, cutOff * length)), count / 2 - 1);
 }
 
-/// Transforms the rows (j, k) of one section k along x and y into `plane`, which keeps the waves of the band.
+/// Transforms one section, all rows (j, k) of one k, along x and y; only the waves of the band are kept. All
+/// rows go in one call, which transforms as many at once as a vector holds.
 class SectionTransform {
 public:
     SectionTransform(const std::array<std::size_t, 3> &count, const Waves &waves)
         : m_count(count)
         , m_waves(waves)
-        , m_row(count[0])
         , m_rowWaves(count[0] / 2 + 1)
-        , m_section((waves.band[0] + 1) * count[1]) {}
+        , m_values(count[0] * count[1])
+        , m_section(m_rowWaves * count[1]) {}
 
     void Forward(const RowSource &rows, std::size_t k, float scale, Complex *plane) {
-        const std::size_t nx = m_waves.band[0] + 1, ny = m_count[1];
-        for (std::size_t j = 0; j < ny; ++j) {
-            rows(j, k, m_row.data());
-            pocketfft::r2c({m_count[0]}, {sizeof(float)}, {complexBytes}, 0, pocketfft::FORWARD, m_row.data(),
-                           m_rowWaves.data(), scale);
-            std::copy_n(m_rowWaves.begin(), nx, m_section.begin() + std::ptrdiff_t(nx * j));
-        }
+        for (std::size_t j = 0; j < m_count[1]; ++j)
+            rows(j, k, m_values.data() + m_count[0] * j);
+        pocketfft::r2c({m_count[1], m_count[0]}, ValueStrides(), WaveStrides(), 1, pocketfft::FORWARD,
+                       m_values.data(), m_section.data(), scale);
         AlongY(pocketfft::FORWARD);
+        const std::size_t nx = m_waves.band[0] + 1;
         for (std::size_t row = 0; row < m_waves.Rows(1); ++row)
-            std::copy_n(m_section.begin() + std::ptrdiff_t(nx * SampleOf(row)), nx, plane + nx * row);
+            std::copy_n(m_section.begin() + std::ptrdiff_t(m_rowWaves * SampleOf(row)), nx, plane + nx * row);
     }
 
     void Backward(const Complex *plane, float *values) {
-        const std::size_t nx = m_waves.band[0] + 1, ny = m_count[1];
+        const std::size_t nx = m_waves.band[0] + 1;
         std::fill(m_section.begin(), m_section.end(), Complex());
         for (std::size_t row = 0; row < m_waves.Rows(1); ++row)
-            std::copy_n(plane + nx * row, nx, m_section.begin() + std::ptrdiff_t(nx * SampleOf(row)));
+            std::copy_n(plane + nx * row, nx, m_section.begin() + std::ptrdiff_t(m_rowWaves * SampleOf(row)));
         AlongY(pocketfft::BACKWARD);
-        for (std::size_t j = 0; j < ny; ++j) {
-            std::copy_n(m_section.begin() + std::ptrdiff_t(nx * j), nx, m_rowWaves.begin());
-            pocketfft::c2r({m_count[0]}, {complexBytes}, {sizeof(float)}, 0, pocketfft::BACKWARD,
-                           m_rowWaves.data(), values + m_count[0] * j, 1.0f);
-        }
+        pocketfft::c2r({m_count[1], m_count[0]}, WaveStrides(), ValueStrides(), 1, pocketfft::BACKWARD,
+                       m_section.data(), values, 1.0f);
     }
 
 private:
@@ -68,18 +64,24 @@ private:
     std::size_t SampleOf(std::size_t row) const {
         return row > m_waves.band[1] ? row + m_count[1] - m_waves.Rows(1) : row;
     }
+    pocketfft::stride_t ValueStrides() const {
+        return {std::ptrdiff_t(sizeof(float) * m_count[0]), std::ptrdiff_t(sizeof(float))};
+    }
+    pocketfft::stride_t WaveStrides() const {
+        return {complexBytes * std::ptrdiff_t(m_rowWaves), complexBytes};
+    }
 
+    /// Waves beyond the band are 0, or will not be kept.
     void AlongY(bool forward) {
-        const std::size_t nx = m_waves.band[0] + 1;
-        const pocketfft::stride_t strides{complexBytes * std::ptrdiff_t(nx), complexBytes};
-        pocketfft::c2c({m_count[1], nx}, strides, strides, {0}, forward, m_section.data(), m_section.data(),
-                       1.0f);
+        pocketfft::c2c({m_count[1], m_waves.band[0] + 1}, WaveStrides(), WaveStrides(), {0}, forward,
+                       m_section.data(), m_section.data(), 1.0f);
     }
 
     std::array<std::size_t, 3> m_count;
     const Waves &m_waves;
-    std::vector<float> m_row;
-    std::vector<Complex> m_rowWaves, m_section;
+    std::size_t m_rowWaves; ///< of a whole row
+    std::vector<float> m_values;
+    std::vector<Complex> m_section;
 };
 
 /// Transforms all columns along z of `sections` planes of `plane` values, in place.

@@ -166,6 +166,8 @@ void KnownNeighbours::KeepFree(Volume &filtered) const {
 }
 
 double KnownNeighbours::Overlap(const PointModel &model, const Pose &pose) const {
+    if (m_residues.empty())
+        return 0;
     double near = 0, all = 0;
     for (std::size_t i = 0; i < model.points.size(); ++i) {
         all += model.weights[i];
