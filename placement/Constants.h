@@ -47,6 +47,9 @@ constexpr double coarseWidth = 0.45, coarseVoxel = 0.45;
 /// Voxels of the levels in between and of the finest one, of the level's width: linear interpolation between
 /// them costs the finest no hundredth of its score.
 constexpr double levelVoxel = 1, finestVoxel = 0.83;
+/// Voxels need not be finer than this part of the shortest wave that the map has: as fine as the finest
+/// level's for a map that has all waves up to the filter's end.
+constexpr double voxelPerWave = 0.4;
 /// Levels wider than this, Å, see no more than the scan's points; residues are 3.8 Å apart.
 constexpr double pointWidth = 1.6;
 /// Each level is this much narrower than the one before: a maximum stays within the next one's reach.
@@ -63,8 +66,9 @@ constexpr double scanCells = 100, residueVolume = 135;
 
 /// Step of the rotation set: a point at the radius of gyration moves by this many widths of the level.
 constexpr double rotationStep = 1.8;
-/// Its bounds, degrees: small models still need every turn, and large ones are capped in cost.
-constexpr double minRotationStep = 4, maxRotationStep = 30;
+/// Its bounds, degrees: small models still need every turn, and long thin ones, which alone would need more
+/// than the first, are capped in cost.
+constexpr double minRotationStep = 6, maxRotationStep = 30;
 /// Points that the scan sums, at most; 25 lose cases, 50 do not.
 constexpr std::size_t scanPoints = 80;
 /// Levels of a voxel, and the deviations from the mean at which they end: 17 of them fit a byte.

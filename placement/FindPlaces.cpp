@@ -163,7 +163,8 @@ private:
         const double smoothing = MaskWidth(m_model, m_parameters.resolution);
         const Volume smoothed = MakeDensity(Smoothing(smoothing), coarseVoxel * scan);
         const std::array<std::size_t, 3> inBox = InBox(level);
-        m_result.seemsInverted = SeemsInverted(smoothed, inBox);
+        m_result.seemsInverted =
+            SeemsInverted(MakeDensity(Smoothing(maskWidth * scan), coarseVoxel * scan), inBox);
         m_result.rotations = RotationsForStep(m_result.rotationStep);
         const std::vector<Matrix> rotations = SpreadRotations(m_result.rotations);
         PartMonitor monitor(m_monitor, transformEnd, scanEnd);
@@ -195,14 +196,20 @@ private:
         return GaussianFilter(width, bandEnd / m_parameters.resolution);
     }
 
+    /// Voxels of about `wanted` Å, or as coarse as the map's shortest waves allow.
+    double Voxel(double wanted) const {
+        const double end = std::min(cutEnd / m_parameters.resolution, usableNyquist * m_spectrum.nyquist);
+        return std::max(wanted, voxelPerWave / end);
+    }
+
     /// Density smoothed by a filter.
     Volume MakeDensity(const RadialCurve &filter, double voxel) const {
-        return Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads);
+        return Synthesise(m_spectrum.waves, filter, Voxel(voxel), m_parameters.threads);
     }
 
     /// The map under which poses are scored.
     Volume MakeLevel(const RadialCurve &filter, double voxel, Between between = Between::Linear) const {
-        Volume level = Synthesise(m_spectrum.waves, filter, voxel, m_parameters.threads, between);
+        Volume level = Synthesise(m_spectrum.waves, filter, Voxel(voxel), m_parameters.threads, between);
         m_neighbours.KeepFree(level);
         return level;
     }

@@ -23,8 +23,7 @@ constexpr double fallOff = 0.05;
 
 double EstimateResolution(const VolumeView &map, const PointModel &model, unsigned threads) {
     const double end = std::min(1 / finest, 0.5 * usableNyquist / *std::ranges::max_element(map.spacing));
-    const Waves waves =
-        TransformPadded(Trimmed(map, model, guess, threads), padding * guess, end, threads);
+    const Waves waves = TransformPadded(Trimmed(map, model, guess, threads), padding * guess, end, threads);
     const RadialCurve power = RadialPower(waves, end);
     const RadialCurve modelPower = DebyePower(model, end, power.step);
     const auto perPoint = [&](std::size_t shell) {
