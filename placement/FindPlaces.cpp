@@ -140,17 +140,8 @@ public:
     }
 
     PlacementResult RunNearby() {
-        if (m_spectrum.strongest > 0) {
-            std::vector<ScoredPose> poses = BestNearby();
-            const double before = RefineThroughLevels(poses);
-            const Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
-            poses = Finish(poses, finest, before);
-            poses.resize(1);
-            m_result.places.push_back(PlaceOf(poses.front()));
-            m_result.verdict = Verdict::Refined;
-            AddProfile(finest);
-            AddDensityShares();
-        }
+        if (m_spectrum.strongest > 0)
+            RefineNearby();
         m_result.cancelled = m_monitor.IsCancelled();
         return std::move(m_result);
     }
@@ -212,6 +203,20 @@ private:
         Volume level = Synthesise(m_spectrum.waves, filter, Voxel(voxel), m_parameters.threads, between);
         m_neighbours.KeepFree(level);
         return level;
+    }
+
+    void RefineNearby() {
+        std::vector<ScoredPose> poses = BestNearby();
+        const double before = RefineThroughLevels(poses);
+        const Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
+        poses = Finish(poses, finest, before);
+        // Outside of the map nothing scores.
+        if (poses.empty() || !(poses.front().score > 0))
+            return;
+        m_result.places.push_back(PlaceOf(poses.front()));
+        m_result.verdict = Verdict::Refined;
+        AddProfile(finest);
+        AddDensityShares();
     }
 
     void RefineAll(const std::vector<Pose> &starts) {

@@ -317,14 +317,16 @@ TEST(RefinePlace, BringsAModelBackFromTenAngstromAndThirtyDegrees) {
     EXPECT_GE(back, 9u);
 }
 
-TEST(RefinePlace, AModelOutsideOfTheMapAndAConstantMapAreNoError) {
+TEST(RefinePlace, OneAtomAModelOutsideOfTheMapAndAConstantMapAreNoError) {
     const Complex complex;
     Monitor silent;
     const PlacementParameters parameters{.resolution = 8, .threads = 2, .region = {}};
     const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
-    // The model as it was given stands outside.
-    EXPECT_EQ(RefinePlace(map, complex.model, parameters, silent).places.size(), 1u);
-    EXPECT_EQ(RefinePlace(map, {{{0, 0, 0}, 6, 0, 0, true}}, parameters, silent).places.size(), 1u);
+    const std::vector<ModelAtom> outside = Moved(complex.placed, RotationBy({}), {5000, 0, 0});
+    EXPECT_EQ(RefinePlace(map, outside, parameters, silent).verdict, Verdict::NoDensity);
+    EXPECT_TRUE(RefinePlace(map, outside, parameters, silent).places.empty());
+    const Point inside = complex.placed.front().position;
+    EXPECT_EQ(RefinePlace(map, {{inside, 6, 0, 0, true}}, parameters, silent).places.size(), 1u);
     const Volume constant{{8, 8, 8}, {2, 2, 2}, {}, std::vector<float>(512, 1)};
     EXPECT_EQ(RefinePlace(constant, complex.model, parameters, silent).verdict, Verdict::NoDensity);
 }
