@@ -47,9 +47,8 @@ constexpr double coarseWidth = 0.45, coarseVoxel = 0.45;
 /// Voxels of the levels in between and of the finest one, of the level's width: linear interpolation between
 /// them costs the finest no hundredth of its score.
 constexpr double levelVoxel = 1, finestVoxel = 0.83;
-/// Voxels need not be finer than this part of the shortest wave that the map has: as fine as the finest
-/// level's for a map that has all waves up to the filter's end.
-constexpr double voxelPerWave = 0.4;
+/// Voxels need not be finer than this part of the shortest wave that the map has.
+constexpr double voxelPerWave = 0.33;
 /// Levels wider than this, Å, see no more than the scan's points; residues are 3.8 Å apart.
 constexpr double pointWidth = 1.6;
 /// Each level is this much narrower than the one before: a maximum stays within the next one's reach.
