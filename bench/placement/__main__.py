@@ -2,9 +2,10 @@
 
     bench/placement/run [--short | --tiny] [--section NAME]... [--program FILE] [--data FOLDER] [--out FOLDER]
 
-Sections: shared, refine, screen, growth, calibration, test. `calibration` and `test` are made maps of different structures; every
-run of theirs is a line of runs.csv in the folder --out, and is not repeated while it stands there. The whole takes an hour
-on one core, --short two minutes. --tiny needs no data: it places one chain of the bundled example.
+Sections: shared, refine, screen, growth, calibration, test. `calibration` and `test` are made maps of different
+structures; every run of theirs is a line of runs.csv in the folder --out, and is not repeated while it stands there.
+The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the chains of the
+bundled example.
 """
 
 import argparse
@@ -82,7 +83,8 @@ def main():
         "shared": lambda: shared.shared_cases(program, arguments.data, say),
         "refine": lambda: shared.refined_starts(program, arguments.data, say, 5 if arguments.short else 40),
         "screen": lambda: shared.screen(program, arguments.data, say),
-        "growth": lambda: growth.growth(program, made.predicted(arguments.data, structures.GROWTH), say, arguments.short),
+        "growth": lambda: growth.growth(program, made.predicted(arguments.data, structures.GROWTH), say,
+                                        arguments.short),
         "calibration": lambda: made_maps(program, arguments.data, "calibration", arguments.short),
         "test": lambda: made_maps(program, arguments.data, "test", arguments.short),
     }

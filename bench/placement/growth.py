@@ -1,5 +1,5 @@
-"""How the CPU time grows with the box, the model and the resolution: exponents are slopes of a straight line through the
-logarithms."""
+"""How the CPU time grows with the box, the model and the resolution: exponents are slopes of a straight line through
+the logarithms."""
 
 import math
 

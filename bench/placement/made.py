@@ -1,5 +1,5 @@
-"""Maps made of known structures, as real ones are: with a B factor, solvent, the noise that their resolution implies, and
-what people do to maps. Every chain of an assembly is placed into them, and models that do not belong there are too."""
+"""Maps made of known structures, as real ones are: with a B factor, solvent, the noise that their resolution implies,
+and what people do to maps. Every chain of an assembly is placed into them, and so are models that do not belong there."""
 
 import csv
 import json
@@ -28,8 +28,8 @@ TREATMENTS = {
 }
 
 COLUMNS = ["set", "map", "treatment", "resolution", "seed", "structure", "residues", "kind", "right", "rmsd", "rank",
-           "signal", "verdict", "probability", "place", "otherTurns", "logExpected", "firstLogExpected", "cpu", "memory",
-           "scores"]
+           "signal", "verdict", "probability", "place", "otherTurns", "logExpected", "firstLogExpected", "cpu",
+           "memory", "scores"]
 
 
 class Assembly:

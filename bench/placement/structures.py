@@ -48,10 +48,6 @@ class Structure:
     def mirrored(self):
         return Structure(self.name, self.lines, [(-x, y, z) for x, y, z in self.positions])
 
-    def radius_of_gyration(self):
-        c = centroid(self.positions)
-        return math.sqrt(sum(math.dist(p, c) ** 2 for p in self.positions) / len(self.positions))
-
 
 IDENTITY = ((1, 0, 0), (0, 1, 0), (0, 0, 1))
 
