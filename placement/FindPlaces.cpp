@@ -21,22 +21,6 @@ namespace {
 /// Shares of the whole work at which its parts end, about as they take time.
 constexpr double transformEnd = 0.05, scanEnd = 0.5;
 
-/// Shows a part of the work its place in the whole.
-class PartMonitor : public Monitor {
-public:
-    PartMonitor(Monitor &whole, double begin, double end)
-        : m_whole(whole)
-        , m_begin(begin)
-        , m_end(end) {}
-
-    void Advance(double share) override { m_whole.Advance(m_begin + share * (m_end - m_begin)); }
-    bool IsCancelled() override { return m_whole.IsCancelled(); }
-
-private:
-    Monitor &m_whole;
-    double m_begin, m_end;
-};
-
 double RotationStep(const PointModel &model, double scanResolution) {
     constexpr double degree = std::numbers::pi / 180;
     const double step = rotationStep * coarseWidth * scanResolution / std::max(model.gyration, 1.0);

@@ -12,4 +12,20 @@ public:
     virtual bool IsCancelled() { return false; }
 };
 
+/// Shows a part of some work its place in the whole, from one share of it to another.
+class PartMonitor : public Monitor {
+public:
+    PartMonitor(Monitor &whole, double begin, double end)
+        : m_whole(whole)
+        , m_begin(begin)
+        , m_end(end) {}
+
+    void Advance(double share) override { m_whole.Advance(m_begin + share * (m_end - m_begin)); }
+    bool IsCancelled() override { return m_whole.IsCancelled(); }
+
+private:
+    Monitor &m_whole;
+    double m_begin, m_end;
+};
+
 } // namespace placement
