@@ -2,22 +2,13 @@
 
 #include "hosts/common/FitOptions.h"
 
-#include "hosts/common/WarningSink.h"
+#include "hosts/common/SolidFiles.h"
 
-#include "Compound.h"
 #include "fit/FitParameters.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 
 namespace hosts {
-
-/// A solid file, and which of its chains are used.
-struct SolidFile {
-    std::string file;
-    std::vector<VARNO::Chain *> chains;
-    std::vector<VARNO::Chain *> leftOut; ///< polymers
-    bool hasOthers = false;              ///< ligands or waters, which are never part of a solid
-};
 
 /// The files of a fit, read into the model.
 struct FitInput {
