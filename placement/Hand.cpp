@@ -30,6 +30,7 @@ PlacementResult FindInMirrored(const VolumeView &map, std::vector<ModelAtom> ato
     for (ModelAtom &atom : atoms)
         atom.position = MirrorImage(atom.position);
     PlacementResult result = FindPlaces(map, atoms, parameters, monitor);
+    result.start = MirrorImage(result.start);
     const Point faces{2 * map.origin.x + double(map.count[0] - 1) * map.spacing[0], 0, 0};
     for (Place &place : result.places) {
         place.pose.rotation = MirrorImage(place.pose.rotation);

@@ -28,21 +28,29 @@ bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
     return errors.empty();
 }
 
+std::vector<std::string> NamesOf(const std::vector<VARNO::Chain *> &chains) {
+    std::vector<std::string> names;
+    for (const VARNO::Chain *chain : chains)
+        names.push_back(chain->GetName());
+    return names;
+}
+
 int Run(const Arguments &arguments) {
     PlaceRecord record;
     record.options = ReadPlaceOptions(arguments);
     const PlaceInput input = ReadPlaceInput(record.options, Warn);
     CheckPlaceOutputs(record.options, input.format);
-    for (const VARNO::Chain *chain : input.chains)
-        record.chains.push_back(chain->GetName());
+    record.chains = NamesOf(input.chains);
     record.residues = input.residues;
     record.resolution = input.resolution;
+    for (const SolidFile &fixed : input.fixed)
+        record.fixed.push_back({fixed.file, NamesOf(fixed.chains)});
     if (!record.options.quiet)
         ReportPlaceInput(record.options, input);
     StopSignals stopSignals("what has begun");
     {
         PlaceProgress progress(record.options.quiet);
-        record.result = FindPlacesOf(input, record.options, progress);
+        FindPlacesOf(input, record, progress);
         record.seconds = progress.Seconds();
     }
     if (record.result.cancelled)

@@ -32,6 +32,8 @@ PlaceScope Scope(const Arguments &arguments) {
                          [&](const std::string &option) { return arguments.Has(option); });
     if (given.size() > 1)
         throw std::runtime_error(given[0] + " and " + given[1] + " exclude one another");
+    if (arguments.Has("--refine") && arguments.Has("--hands"))
+        throw std::runtime_error("--refine and --hands exclude one another");
     if (arguments.Has("--refine"))
         return PlaceScope::Refine;
     return arguments.Has("--near") ? PlaceScope::Near : PlaceScope::WholeMap;
@@ -48,6 +50,12 @@ std::optional<placement::Sphere> Region(const Arguments &arguments) {
     if (texts.size() != 4 || numbers.size() != 4 || !(numbers[3] > 0))
         Refuse("--region", arguments.Text("--region"), "X,Y,Z,R, four numbers of Å with R above 0");
     return placement::Sphere{{numbers[0], numbers[1], numbers[2]}, numbers[3]};
+}
+
+/// An option that is nothing without another one.
+void CheckTogether(const Arguments &arguments, const std::string &option, const std::string &other) {
+    if (arguments.Has(option) && !arguments.Has(other))
+        throw UsageError(option + " is given without " + other);
 }
 
 } // namespace
@@ -79,6 +87,19 @@ std::vector<Option> PlaceOptionTable() {
          .help = "Residues of a predicted model whose confidence (its B factor) is lower are left out of the "
                  "search and moved along",
          .defaultText = "every residue takes part"},
+        {.name = "--fixed",
+         .value = Value::File,
+         .valueName = "FILE",
+         .help =
+             "A structure that stands in the map already: its density is taken out of the map, and places "
+             "on it are not rewarded; touching it is allowed. It may be the model's own file",
+         .defaultText = "none",
+         .repeatable = true},
+        {.name = "--fixed-chains",
+         .value = Value::Text,
+         .valueName = "IDS",
+         .help = "The chains of the fixed files to use, separated by commas",
+         .defaultText = "all polymer chains except those to be placed"},
 
         {.name = "--invert",
          .help = "The map's density is dark, as in a negative: its values change their sign"},
@@ -95,6 +116,9 @@ std::vector<Option> PlaceOptionTable() {
          .valueName = "X,Y,Z,R",
          .help = "Search with the model's centre within R Å of the point X, Y, Z only",
          .defaultText = "the whole map"},
+        {.name = "--hands",
+         .help = "Search the mirrored map as well, and tell which hand is right. Where that is the mirrored "
+                 "one, the places are those in the mirrored map"},
         ThreadsOption("search"),
 
         Headed(
@@ -105,12 +129,20 @@ std::vector<Option> PlaceOptionTable() {
         ModelsOption("Write the model at the N best places, the chains with all their atoms, "
                      "in the model file's format"),
         ModelPrefixOption("--model", "place"),
+        {.name = "--mirrored-map",
+         .value = Value::File,
+         .valueName = "FILE",
+         .help = "With --hands: where the map proves to be mirrored, write the mirrored map, in which the "
+                 "places lie: its voxels in the opposite order along x, in the same box",
+         .defaultText = "no file"},
         QuietOption("Print neither the summary of the input nor progress; warnings, the verdict "
                     "and the table stay"),
     };
 }
 
 PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
+    CheckTogether(arguments, "--fixed-chains", "--fixed");
+    CheckTogether(arguments, "--mirrored-map", "--hands");
     PlaceOptions options;
     options.map = arguments.Text("--map");
     options.model = arguments.Text("--model");
@@ -121,6 +153,10 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.invert = arguments.Has("--invert");
     options.scope = Scope(arguments);
     options.region = Region(arguments);
+    options.fixed = arguments.Texts("--fixed");
+    options.fixedChains = arguments.List("--fixed-chains");
+    options.hands = arguments.Has("--hands");
+    options.mirroredMap = arguments.GivenText("--mirrored-map");
     options.json = arguments.GivenText("--json");
     options.results = arguments.GivenText("--results");
     // More than the search keeps are never written.

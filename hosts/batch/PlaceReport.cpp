@@ -8,7 +8,7 @@
 #include "placement/Forecast.h"
 
 #include <algorithm>
-#include <array>
+#include <functional>
 #include <iostream>
 
 using namespace hosts;
@@ -33,26 +33,48 @@ QString Text(const std::string &text) {
     return QString::fromStdString(text);
 }
 
-/// One line of the table; the cells' widths are those of the head.
-void PrintRow(const std::array<QString, 5> &cells) {
-    static constexpr int widths[] = {5, 10, 13, 12, 28};
-    QString line;
-    for (std::size_t i = 0; i < cells.size(); ++i)
-        line += cells[i].rightJustified(widths[i]);
-    Print(line);
+QString Percent(double share) {
+    return base::FixedNumber(100 * share, 0, 0) + " %";
 }
 
-void PrintTable(const PlacementResult &result) {
+/// A column of the table.
+struct Column {
+    QString head;
+    int width;
+    std::function<QString(const Place &)> cell;
+};
+
+/// Of a refined place no probability is known.
+std::vector<Column> Columns(bool judged, bool hasFixed) {
+    std::vector<Column> columns = {
+        {"Score", 10, [](const Place &place) { return base::FixedNumber(place.score, 0, 1); }},
+        {"Probability", 13,
+         [judged](const Place &place) {
+             return judged ? base::FixedNumber(place.probability, 0, 3) : QString("-");
+         }},
+        {"In density", 12, [](const Place &place) { return Percent(place.inDensity); }}};
+    if (hasFixed)
+        columns.push_back({"Overlap", 9, [](const Place &place) { return Percent(place.overlap); }});
+    columns.push_back({"Centre, Å", 28, [](const Place &place) {
+                           const Point &c = place.pose.centre;
+                           return base::FixedNumber(c.x, 9, 2) + base::FixedNumber(c.y, 9, 2) +
+                                  base::FixedNumber(c.z, 9, 2);
+                       }});
+    return columns;
+}
+
+void PrintTable(const PlacementResult &result, bool hasFixed) {
     const std::vector<Place> &places = result.places;
-    PrintRow({"Place", "Score", "Probability", "In density", "Centre, Å"});
+    const std::vector<Column> columns = Columns(result.verdict != Verdict::Refined, hasFixed);
+    QString head = "Place";
+    for (const Column &column : columns)
+        head += column.head.rightJustified(column.width);
+    Print(head);
     for (std::size_t i = 0; i < std::min(rowsShown, places.size()); ++i) {
-        const Place &place = places[i];
-        const Point &c = place.pose.centre;
-        PrintRow(
-            {QString::number(i + 1), base::FixedNumber(place.score, 0, 1),
-             result.verdict == Verdict::Refined ? "-" : base::FixedNumber(place.probability, 0, 3),
-             base::FixedNumber(100 * place.inDensity, 0, 0) + " %",
-             base::FixedNumber(c.x, 9, 2) + base::FixedNumber(c.y, 9, 2) + base::FixedNumber(c.z, 9, 2)});
+        QString row = QString::number(i + 1).rightJustified(5);
+        for (const Column &column : columns)
+            row += column.cell(places[i]).rightJustified(column.width);
+        Print(row);
     }
 }
 
@@ -79,6 +101,10 @@ void ReportPlaceInput(const PlaceOptions &options, const PlaceInput &input) {
     if (input.lowConfidence > 0)
         PrintItem("", Text(base::Counted(input.lowConfidence, "residue") +
                            " of low confidence left out of the search"));
+    for (const SolidFile &fixed : input.fixed) {
+        PrintItem(&fixed == &input.fixed.front() ? "Fixed" : "", Text(fixed.file));
+        PrintItem("", Text((fixed.chains.size() == 1 ? "chain " : "chains ") + ChainNames(fixed.chains)));
+    }
     if (options.scope != PlaceScope::Refine)
         PrintItem("Forecast", Text(ForecastText(PredictedSignal(input.atoms.size(), input.resolution))));
     Print("");
@@ -104,10 +130,12 @@ void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
                   const std::vector<std::string> &written) {
     if (!record.options.quiet)
         ReportTrimming(record, input);
+    if (record.hand)
+        PrintItem("Hand", Text(HandText(*record.hand)));
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");
-        PrintTable(record.result);
+        PrintTable(record.result, !record.fixed.empty());
     }
     for (const std::string &line : written)
         Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));

@@ -1,5 +1,7 @@
 #include "hosts/common/PlaceInput.h"
 
+#include "base/Words.h"
+
 #include "hosts/common/Chains.h"
 #include "hosts/common/Inputs.h"
 
@@ -10,6 +12,7 @@
 #include "placement/Resolution.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <set>
 
@@ -35,6 +38,66 @@ double MeanBFactor(const std::vector<Compound *> &atoms) {
     return atoms.empty() ? 0 : sum / double(atoms.size());
 }
 
+/// Appends a residue's atoms without hydrogens and those of unknown elements.
+void AppendAtoms(const std::vector<Compound *> &atoms, unsigned residue, unsigned chain,
+                 std::vector<placement::ModelAtom> &to) {
+    for (const Compound *atom : atoms) {
+        const int electrons = formats::AtomicNumber(atom->GetLabel());
+        const Vertex at = atom->GetPosition();
+        if (electrons > 1)
+            to.push_back({{double(at[0]), double(at[1]), double(at[2])},
+                          double(electrons),
+                          residue,
+                          chain,
+                          IsInBackbone(atom->GetName())});
+    }
+}
+
+bool LiesIn(const Grid &map, const placement::Point &position) {
+    const std::array<double, 3> at{position.x, position.y, position.z};
+    for (unsigned axis = 0; axis < 3; ++axis) {
+        const double voxel = (at[axis] - double(map.Origin()[axis])) / double(map.Spacing()[axis]);
+        if (!(voxel >= 0 && voxel <= double(map.Dimensions()[axis] - 1)))
+            return false;
+    }
+    return true;
+}
+
+/// Residues of a fixed file.
+struct FixedResidues {
+    std::size_t all = 0, outside = 0; ///< of the map
+};
+
+FixedResidues CollectNeighbours(const SolidFile &fixed, PlaceInput &input) {
+    FixedResidues number;
+    for (Chain *chain : fixed.chains) {
+        std::vector<Compound *> residues;
+        GetResidues(chain, residues, true);
+        for (Compound *residue : residues) {
+            std::vector<Compound *> atoms;
+            GetAtoms(residue, atoms, true);
+            const std::size_t before = input.neighbours.size();
+            const unsigned last = before > 0 ? input.neighbours.back().residue : 0;
+            AppendAtoms(atoms, last + 1, 0, input.neighbours);
+            if (input.neighbours.size() == before)
+                continue;
+            ++number.all;
+            number.outside += LiesIn(*input.map, input.neighbours[before].position) ? 0 : 1;
+        }
+    }
+    return number;
+}
+
+void CollectNeighbours(PlaceInput &input, const WarningSink &warn) {
+    for (const SolidFile &fixed : input.fixed) {
+        const auto [all, outside] = CollectNeighbours(fixed, input);
+        // Parts in another frame than the map's are a common mistake.
+        if (outside > 0)
+            warn(fixed.file + ": " + base::Counted(outside, "fixed residue") + " of " + std::to_string(all) +
+                 " outside of the map");
+    }
+}
+
 } // namespace
 
 void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor) {
@@ -49,16 +112,7 @@ void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor) {
                 continue;
             }
             const std::size_t before = input.atoms.size();
-            for (const Compound *atom : atoms) {
-                const int electrons = formats::AtomicNumber(atom->GetLabel());
-                const Vertex at = atom->GetPosition();
-                if (electrons > 1)
-                    input.atoms.push_back({{double(at[0]), double(at[1]), double(at[2])},
-                                           double(electrons),
-                                           unsigned(input.residues.size()),
-                                           chain,
-                                           IsInBackbone(atom->GetName())});
-            }
+            AppendAtoms(atoms, unsigned(input.residues.size()), chain, input.atoms);
             if (input.atoms.size() > before)
                 input.residues.push_back({input.chains[chain]->GetName(), residue->GetLabel()});
         }
@@ -86,6 +140,8 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) 
         throw formats::FileError(options.model, "chains " + ChainNames(input.chains),
                                  input.lowConfidence > 0 ? "no residue reaches the confidence asked for"
                                                          : "there is no atom that a map could show");
+    input.fixed = ReadSolidFiles(options.fixed, options.fixedChains, {options.model, clump, input.chains},
+                                 {"--fixed-chains", "fixed file", "fixed part"}, warn);
     input.map = LoadMap(options.map, warn, &input.mapReport);
     if (options.invert)
         std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
@@ -94,6 +150,7 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) 
             ? *options.resolution
             : placement::EstimateResolution(ViewOf(*input.map), placement::MakePointModel(input.atoms),
                                             unsigned(options.threads));
+    CollectNeighbours(input, warn);
     return input;
 }
 

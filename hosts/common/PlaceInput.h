@@ -1,9 +1,8 @@
 #pragma once
 
 #include "hosts/common/PlaceOptions.h"
-#include "hosts/common/WarningSink.h"
+#include "hosts/common/SolidFiles.h"
 
-#include "Compound.h"
 #include "Grid.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
@@ -24,13 +23,16 @@ struct PlaceInput {
     double resolution = 0;              ///< Å, as given or as estimated
     std::vector<VARNO::Chain *> chains; ///< that move together
     formats::StructureFormat format = formats::StructureFormat::Pdb;
-    std::vector<placement::ModelAtom> atoms; ///< of those chains, without hydrogens
-    std::vector<PlacedResidue> residues;     ///< by the atoms' residue numbers
-    std::size_t lowConfidence = 0;           ///< residues left out for it
+    std::vector<placement::ModelAtom> atoms;      ///< of those chains, without hydrogens
+    std::vector<PlacedResidue> residues;          ///< by the atoms' residue numbers
+    std::size_t lowConfidence = 0;                ///< residues left out for it
+    std::vector<SolidFile> fixed;                 ///< what stands in the map already
+    std::vector<placement::ModelAtom> neighbours; ///< the atoms of its chains, without hydrogens
 };
 
-/// Reads the map and the model. `warn` hears what the readers took differently from how it stands. Throws
-/// FileError, also where no atom is left to be placed.
+/// Reads the map, the model and what stands in the map already. `warn` hears what the readers took
+/// differently from how it stands, and of fixed residues that lie outside of the map. Throws FileError, also
+/// where no atom is left to be placed.
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn);
 
 /// The map as the search takes it; valid as long as the map is.

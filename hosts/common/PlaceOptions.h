@@ -24,10 +24,14 @@ struct PlaceOptions {
     std::optional<double> minPlddt; ///< residues of less confidence are left out of the search
     bool invert = false;            ///< the map's density is dark: its values change their sign
     PlaceScope scope = PlaceScope::WholeMap;
-    std::optional<placement::Sphere> region; ///< where the model's centre may lie
+    std::optional<placement::Sphere> region;             ///< where the model's centre may lie
+    std::vector<std::string> fixed;                      ///< files of what stands in the map already
+    std::optional<std::vector<std::string>> fixedChains; ///< not set: all polymer chains but those placed
+    bool hands = false;                                  ///< search the mirrored map too
 
     std::optional<std::string> results;
     std::optional<std::string> json;
+    std::optional<std::string> mirroredMap; ///< is written where the places lie in it
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;

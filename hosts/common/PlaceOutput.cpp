@@ -39,14 +39,27 @@ void WriteResultsList(const std::string &file, const std::vector<Place> &places)
     formats::ReplaceFile(file, [&](std::ostream &out) { out.write(buffer.data().data(), buffer.size()); });
 }
 
+/// The map with its voxels in the opposite order along x.
+std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map) {
+    auto mirrored = std::make_unique<VARNO::Grid>(map.GetName(), map.Dimensions(), map.Origin(),
+                                                  map.Spacing(), map.Angles());
+    const std::size_t row = map.Dimensions()[0];
+    for (std::size_t first = 0; first < map.Values().size(); first += row)
+        std::ranges::reverse_copy(map.Values().subspan(first, row),
+                                  mirrored->Values().begin() + std::ptrdiff_t(first));
+    return mirrored;
+}
+
 } // namespace
 
 void CheckPlaceOutputs(const PlaceOptions &options, formats::StructureFormat format) {
     std::vector<std::string> outputs = RankedFiles(options.modelPrefix, options.models, format);
-    for (const auto &output : {options.results, options.json})
+    for (const auto &output : {options.results, options.json, options.mirroredMap})
         if (output)
             outputs.push_back(*output);
-    CheckOutputs(outputs, {options.map, options.model});
+    std::vector<std::string> inputs = options.fixed;
+    inputs.insert(inputs.end(), {options.map, options.model});
+    CheckOutputs(outputs, inputs);
 }
 
 Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input) {
@@ -59,6 +72,10 @@ Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input) {
     if (options.json)
         writer.Write(*options.json, count + " in full precision", [&] {
             formats::ReplaceFile(*options.json, [&](std::ostream &out) { WritePlaceJson(out, record); });
+        });
+    if (options.mirroredMap && record.IsMirrored())
+        writer.Write(*options.mirroredMap, "the mirrored map", [&] {
+            formats::WriteMap(*options.mirroredMap, *Mirrored(*input.map), "mirrored along x");
         });
     const std::vector<std::string> models = RankedFiles(options.modelPrefix, options.models, input.format);
     const std::vector<const VARNO::Compound *> chains(input.chains.begin(), input.chains.end());

@@ -52,6 +52,9 @@ std::string ScopeName(PlaceScope scope) {
 
 Json Input(const PlaceRecord &record) {
     const PlaceOptions &options = record.options;
+    Json fixed = Json::array();
+    for (const FixedPart &part : record.fixed)
+        fixed.push_back({{"file", part.file}, {"chains", part.chains}});
     return {{"map", options.map},
             {"model", options.model},
             {"chains", record.chains},
@@ -63,18 +66,44 @@ Json Input(const PlaceRecord &record) {
             {"scope", ScopeName(options.scope)},
             {"region", options.region ? Json{{"centre", PointOf(options.region->centre)},
                                              {"radius", options.region->radius}}
-                                      : Json(nullptr)}};
+                                      : Json(nullptr)},
+            {"fixed", fixed}};
+}
+
+Json ConfidenceJson(const Confidence &confidence) {
+    return {{"probability", confidence.probability},
+            {"place", confidence.place},
+            {"otherTurns", confidence.otherTurns},
+            {"logExpected", confidence.logExpected}};
 }
 
 Json ConfidenceOf(const PlacementResult &result) {
     if (result.verdict == Verdict::Refined)
         return nullptr; // of one place nothing is known of others
-    return {{"probability", result.confidence.probability},
-            {"place", result.confidence.place},
-            {"otherTurns", result.confidence.otherTurns},
-            {"logExpected", result.confidence.logExpected},
-            {"background",
-             {{"places", result.tail.number}, {"scale", result.tail.scale}, {"square", result.tail.square}}}};
+    Json json = ConfidenceJson(result.confidence);
+    json["background"] = {
+        {"places", result.tail.number}, {"scale", result.tail.scale}, {"square", result.tail.square}};
+    return json;
+}
+
+std::string HandName(Hand hand) {
+    switch (hand) {
+    case Hand::AsGiven:
+        return "as-given";
+    case Hand::Mirrored:
+        return "mirrored";
+    case Hand::Unknown:
+        return "unknown";
+    }
+    return {};
+}
+
+Json HandJson(const HandVerdict &hand) {
+    return {{"verdict", HandName(hand.hand)},
+            {"statement", HandText(hand)},
+            {"placesAreMirrored", hand.hand == Hand::Mirrored},
+            {"asGiven", {{"probability", hand.asGiven}, {"confidence", ConfidenceJson(hand.given)}}},
+            {"mirrored", {{"probability", 1 - hand.asGiven}, {"confidence", ConfidenceJson(hand.mirrored)}}}};
 }
 
 Json Head(const PlaceRecord &record) {
@@ -88,6 +117,7 @@ Json Head(const PlaceRecord &record) {
         {"statement", VerdictText(result)},
         {"copies", FoundCopies(result)},
         {"confidence", ConfidenceOf(result)},
+        {"hand", record.hand ? HandJson(*record.hand) : Json(nullptr)},
         {"forecast",
          {{"signal", result.predictedSignal},
           {"prospect", ProspectName(result.predictedSignal)},
@@ -113,6 +143,7 @@ Json Entry(const Place &place, std::size_t rank, bool judged) {
             {"logExpected", judged ? Json(place.logExpected) : Json(nullptr)},
             {"otherTurn", place.otherTurn},
             {"inDensity", place.inDensity},
+            {"overlap", place.overlap},
             {"centre", PointOf(place.pose.centre)},
             {"rotation", {q.w, q.x, q.y, q.z}},
             {"translation", PointOf(place.translation)}};
@@ -127,19 +158,31 @@ void WriteList(std::ostream &out, const std::string &name, std::size_t size, Ent
     out << "\n  ]";
 }
 
+PlacementResult SearchOneHand(const PlaceInput &input, const PlacementParameters &parameters,
+                              PlaceScope scope, Monitor &monitor) {
+    return scope == PlaceScope::Refine ? RefinePlace(ViewOf(*input.map), input.atoms, parameters, monitor)
+                                       : FindPlaces(ViewOf(*input.map), input.atoms, parameters, monitor);
+}
+
 } // namespace
 
-PlacementResult FindPlacesOf(const PlaceInput &input, const PlaceOptions &options, Monitor &monitor) {
-    const VolumeView map = ViewOf(*input.map);
-    PlacementParameters parameters{
-        .resolution = input.resolution, .threads = unsigned(options.threads), .region = options.region};
-    if (options.scope == PlaceScope::Refine)
-        return RefinePlace(map, input.atoms, parameters, monitor);
+void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, Monitor &monitor) {
+    const PlaceOptions &options = record.options;
+    PlacementParameters parameters{.resolution = input.resolution,
+                                   .threads = unsigned(options.threads),
+                                   .region = options.region,
+                                   .neighbours = input.neighbours};
     if (options.scope == PlaceScope::Near) {
         const PointModel model = MakePointModel(input.atoms);
         parameters.region = Sphere{model.centre, model.radius};
     }
-    return FindPlaces(map, input.atoms, parameters, monitor);
+    if (!options.hands) {
+        record.result = SearchOneHand(input, parameters, options.scope, monitor);
+        return;
+    }
+    HandResult both = FindHand(ViewOf(*input.map), input.atoms, parameters, monitor);
+    record.hand = {both.hand, both.asGiven, both.given.confidence, both.mirrored.confidence};
+    record.result = std::move(record.IsMirrored() ? both.mirrored : both.given);
 }
 
 std::string VerdictName(Verdict verdict) {
@@ -201,6 +244,22 @@ std::string VerdictText(const PlacementResult &result) {
         return "the map holds no density where the model could lie";
     case Verdict::Refined:
         return RefinedText(result);
+    }
+    return {};
+}
+
+std::string HandText(const HandVerdict &hand) {
+    const auto probability = [](double p) { return " (probability " + base::PlainFixed(p, 3) + ")"; };
+    switch (hand.hand) {
+    case Hand::AsGiven:
+        return "the map has the right hand" + probability(hand.asGiven);
+    case Hand::Mirrored:
+        return "the map is mirrored" + probability(1 - hand.asGiven) +
+               "; places and models are those in the mirrored map, whose voxels stand in the opposite order "
+               "along x";
+    case Hand::Unknown:
+        return "the hand is not to be told" + probability(hand.asGiven) +
+               "; places and models are those in the map as it is";
     }
     return {};
 }

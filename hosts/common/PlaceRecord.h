@@ -2,11 +2,24 @@
 
 #include "hosts/common/PlaceInput.h"
 
-#include "placement/FindPlaces.h"
+#include "placement/Hand.h"
 
 #include <iosfwd>
 
 namespace hosts {
+
+/// Chains of a file that stood in the map already.
+struct FixedPart {
+    std::string file;
+    std::vector<std::string> chains; ///< identifiers
+};
+
+/// Which hand a map has, and how sure the best place is in each.
+struct HandVerdict {
+    placement::Hand hand = placement::Hand::Unknown;
+    double asGiven = 0.5; ///< probability that the map has the right one
+    placement::Confidence given, mirrored;
+};
 
 /// What a placement was and what came of it, as the JSON file tells it.
 struct PlaceRecord {
@@ -14,13 +27,18 @@ struct PlaceRecord {
     double resolution = 0;           ///< Å, as given or as estimated
     std::vector<std::string> chains; ///< identifiers of those that moved
     std::vector<PlacedResidue> residues;
+    std::vector<FixedPart> fixed; ///< what stood in the map already
     placement::PlacementResult result;
+    std::optional<HandVerdict> hand; ///< where both were searched
     double seconds = 0;
+
+    /// Whether the places lie in the mirrored map.
+    bool IsMirrored() const { return hand && hand->hand == placement::Hand::Mirrored; }
 };
 
-/// Searches the map for the model.
-placement::PlacementResult FindPlacesOf(const PlaceInput &input, const PlaceOptions &options,
-                                        placement::Monitor &monitor);
+/// Searches the map for the model, and the mirrored map where that is asked for: the record's result is that
+/// of the mirrored one only where that hand is the right one.
+void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, placement::Monitor &monitor);
 
 /// The verdict as the JSON file names it: "placed", "turn-unsure", "nothing-found", "not-judged",
 /// "no-density".
@@ -28,6 +46,9 @@ std::string VerdictName(placement::Verdict verdict);
 
 /// The verdict in a sentence for people, without the last full stop: "placed, with a probability of 0.99".
 std::string VerdictText(const placement::PlacementResult &result);
+
+/// The hand in a sentence for people, without the last full stop: "the map has the right hand, …".
+std::string HandText(const HandVerdict &hand);
 
 /// What was to be expected before the search, in a sentence without the last full stop.
 std::string ForecastText(double predictedSignal);

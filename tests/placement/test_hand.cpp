@@ -45,7 +45,7 @@ Volume Mirrored(Volume map) {
 HandResult Find(const Volume &map, const std::vector<ModelAtom> &atoms,
                 const std::vector<ModelAtom> &neighbours = {}) {
     Monitor silent;
-    return FindHand(map, atoms, {.resolution = 8, .allowed = {}, .neighbours = neighbours}, silent);
+    return FindHand(map, atoms, {.resolution = 8, .region = {}, .neighbours = neighbours}, silent);
 }
 
 /// As sure as that of a place with that ln E.
@@ -111,7 +111,7 @@ TEST(Hand, ACancelledSearchTellsNone) {
     } impatient;
     const Complex complex;
     const HandResult result =
-        FindHand(complex.Map(), complex.model, {.resolution = 8, .allowed = {}}, impatient);
+        FindHand(complex.Map(), complex.model, {.resolution = 8, .region = {}}, impatient);
     EXPECT_FALSE(result.given.cancelled);
     EXPECT_TRUE(result.mirrored.cancelled);
     EXPECT_EQ(result.hand, Hand::Unknown);
@@ -123,7 +123,7 @@ TEST(Hand, BothSearchesShareOneProgress) {
         std::vector<double> shares;
     } recorder;
     const Complex complex;
-    FindHand(complex.Map(), complex.model, {.resolution = 8, .allowed = {}}, recorder);
+    FindHand(complex.Map(), complex.model, {.resolution = 8, .region = {}}, recorder);
     EXPECT_TRUE(std::ranges::is_sorted(recorder.shares));
     EXPECT_NEAR(recorder.shares.back(), 1, 1e-9);
 }

@@ -70,6 +70,23 @@ double DistanceFromCopies(const std::string &file) {
     return least;
 }
 
+std::string Complex() {
+    return SourceFolder() + "/examples/1tii.pdb";
+}
+
+/// An MRC map of 32-bit values, its voxels in the opposite order along x.
+std::string MirroredBytes(std::string bytes) {
+    constexpr std::size_t header = 1024, voxel = 4;
+    const auto nx = std::size_t(static_cast<unsigned char>(bytes[0]));
+    const std::string before = bytes;
+    for (std::size_t i = 0; header + voxel * i < bytes.size(); ++i) {
+        const std::size_t opposite = i - i % nx + nx - 1 - i % nx;
+        std::copy_n(before.begin() + std::ptrdiff_t(header + voxel * opposite), voxel,
+                    bytes.begin() + std::ptrdiff_t(header + voxel * i));
+    }
+    return bytes;
+}
+
 } // namespace
 
 TEST_F(Place, FindsTheFiveCopiesInTheWholeMap) {
@@ -240,4 +257,111 @@ TEST_F(Place, AMapWithoutDensityIsAnAnswer) {
     std::fill(bytes.begin() + 1024, bytes.end(), '\0');
     words[2] = m_folder.Write("zero.mrc", bytes);
     EXPECT_THAT(OutputOf(words), HasSubstr("no density"));
+}
+
+TEST_F(Place, BesideTheOthersThereIsOnePlaceLeft) {
+    const nlohmann::json json = JsonOf({"--fixed", Complex(), "--fixed-chains", "A,C,E,F,G,H", "--models",
+                                        "1", "--model-prefix", m_folder.File("placed-")});
+    EXPECT_EQ(json.at("placed"), true);
+    EXPECT_GT(json["places"][0]["probability"], 0.99);
+    EXPECT_EQ(json["copies"], 1);
+    // Its neighbours in the ring touch it.
+    EXPECT_GT(json["places"][0]["overlap"], 0);
+    EXPECT_LT(json["places"][0]["overlap"], 0.05);
+    EXPECT_EQ(json["input"]["fixed"],
+              (nlohmann::json{{{"file", Complex()}, {"chains", {"E", "F", "G", "H", "A", "C"}}}}));
+    EXPECT_LT(DistanceFromCopies(m_folder.File("placed-1.pdb")), 0.5);
+}
+
+TEST_F(Place, TheFixedFileMayBeTheModelsOwn) {
+    // Chain D stands where it belongs; the others are fixed.
+    const std::vector<std::string> words{"place",
+                                         "--map",
+                                         SourceFolder() + "/examples/1tii_8A.mrc",
+                                         "--model",
+                                         Complex(),
+                                         "--chain",
+                                         "D",
+                                         "--fixed",
+                                         Complex(),
+                                         "--resolution",
+                                         "8",
+                                         "--json",
+                                         m_folder.File("places.json")};
+    EXPECT_THAT(OutputOf(words), AllOf(HasSubstr("chains E, F, G, H, A, C\n"), HasSubstr("Overlap")));
+    const auto json = nlohmann::json::parse(ReadFile(m_folder.File("places.json")));
+    EXPECT_GT(std::abs(json["places"][0]["rotation"][0].get<double>()), 0.999);
+}
+
+TEST_F(Place, WithoutAFixedFileTheTableTellsNoOverlap) {
+    EXPECT_THAT(OutputOf(Words()), Not(HasSubstr("Overlap")));
+    EXPECT_EQ(JsonOf()["places"][0]["overlap"], 0);
+    EXPECT_EQ(JsonOf()["input"]["fixed"], nlohmann::json::array());
+}
+
+TEST_F(Place, WhatIsPlacedMayStandAlready) {
+    // A further copy of a chain that stands is looked for; where all stand, none is found.
+    const std::string output = OutputOf(Words({"--fixed", Complex()}));
+    EXPECT_THAT(output, HasSubstr("no place stands out"));
+}
+
+TEST_F(Place, RefusesFixedChainsThatAreNotThere) {
+    EXPECT_EQ(ErrorOf(Words({"--fixed", Complex(), "--fixed-chains", "A,X"})),
+              "--fixed-chains: no fixed file has a polymer chain 'X'\n");
+    const std::string model = SourceFolder() + "/examples/1tii_D_displaced.pdb";
+    EXPECT_THAT(ErrorOf(Words({"--fixed", model})),
+                HasSubstr("no polymer chain is left for the fixed part, the file has D"));
+    EXPECT_THAT(ErrorOf(Words({"--fixed", Complex(), "--fixed", Complex()})),
+                HasSubstr("is given twice as a fixed part"));
+    EXPECT_THAT(
+        ErrorOf(Words({"--fixed", m_folder.Write("water.pdb", "HETATM    1  O   HOH A   1       1.000   1.000"
+                                                              "   1.000  1.00  0.00           O\nEND\n")})),
+        HasSubstr("no polymer chain"));
+    EXPECT_THAT(ErrorOf(Words({"--fixed", Complex(), "--json", Complex()})), HasSubstr("1tii.pdb"));
+}
+
+TEST_F(Place, OptionsThatNeedAnotherOneSaySo) {
+    EXPECT_EQ(Run(Words({"--fixed-chains", "A"})).status, 2);
+    EXPECT_THAT(Run(Words({"--fixed-chains", "A"})).errors,
+                HasSubstr("--fixed-chains is given without --fixed"));
+    EXPECT_THAT(Run(Words({"--mirrored-map", "x.mrc"})).errors,
+                HasSubstr("--mirrored-map is given without --hands"));
+    EXPECT_EQ(ErrorOf(Words({"--refine", "--hands"})), "--refine and --hands exclude one another\n");
+}
+
+TEST_F(Place, WarnsOfFixedPartsOutsideOfTheMap) {
+    const std::string small = m_folder.Write("small.pdb", smallModel);
+    const Outcome outcome = Run(Words({"--fixed", small}));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("small.pdb: "));
+    EXPECT_THAT(outcome.errors, HasSubstr("outside of the map"));
+    EXPECT_THAT(outcome.output, HasSubstr("placed, with"));
+}
+
+TEST_F(Place, TellsTheMapsHand) {
+    const std::string mirrored = m_folder.File("mirrored.mrc");
+    const nlohmann::json json = JsonOf({"--hands", "--mirrored-map", mirrored});
+    EXPECT_EQ(json["hand"]["verdict"], "as-given");
+    EXPECT_EQ(json["hand"]["placesAreMirrored"], false);
+    EXPECT_GT(json["hand"]["asGiven"]["probability"], 0.99);
+    EXPECT_EQ(json["placed"], true);
+    EXPECT_THAT(FilesOfFolder(), Not(testing::Contains("mirrored.mrc")));
+    EXPECT_EQ(JsonOf()["hand"], nullptr);
+}
+
+TEST_F(Place, ModelsForAMirroredMapFitTheMapThatItWrites) {
+    const std::string original = ReadFile(SourceFolder() + "/examples/1tii_8A.mrc");
+    const std::string map = m_folder.Write("wrong.mrc", MirroredBytes(original));
+    const std::string output =
+        OutputOf({"place", "--map", map, "--model", SourceFolder() + "/examples/1tii_D_displaced.pdb",
+                  "--resolution", "8", "--quiet", "--hands", "--mirrored-map", m_folder.File("right.mrc"),
+                  "--models", "1", "--model-prefix", m_folder.File("placed-")});
+    EXPECT_THAT(output, AllOf(HasSubstr("the map is mirrored (probability 1.000)"),
+                              HasSubstr("placed, with a probability of 1.000")));
+    EXPECT_LT(DistanceFromCopies(m_folder.File("placed-1.pdb")), 0.5);
+    const std::string written = ReadFile(m_folder.File("right.mrc"));
+    ASSERT_EQ(written.size(), original.size());
+    EXPECT_EQ(written.substr(1024), original.substr(1024));
+    // The origin, words 50 to 52 of the header.
+    EXPECT_EQ(written.substr(196, 12), original.substr(196, 12));
 }
