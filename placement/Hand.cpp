@@ -16,11 +16,11 @@ Matrix MirrorImage(const Matrix &r) {
     return {r[0], -r[1], -r[2], -r[3], r[4], r[5], -r[6], r[7], r[8]};
 }
 
-/// ln(1 - p), also where p is nearly 1.
+/// ln q, also where q is nearly 0; a search without a tail leaves all to chance.
 double LogChance(const Confidence &confidence) {
     if (!(confidence.place > 0))
         return 0;
-    const double logWrong = std::log(wrongPerExpected) + confidence.logExpected;
+    const double logWrong = std::log(handWrongPerExpected) + confidence.logExpected;
     return logWrong > 0 ? -std::log1p(std::exp(-logWrong)) : logWrong - std::log1p(std::exp(logWrong));
 }
 

@@ -25,9 +25,9 @@ struct HandResult {
 
 /// The probability that the first of two hands is right, from how sure the best place in each is.
 ///
-/// Each search says with which probability q = 1 - p its best place is there by chance, and in the wrong hand
-/// it is. Both hands being as likely before, Bayes' theorem with p / (1 - p) as the odds of a true place
-/// gives
+/// In the wrong hand the best place is there by chance, in the right one it may be. Of E wrong places that
+/// are expected to score as well, the odds of a true place are 1 to 3E, so that it is there by chance with
+/// the probability q = 3E / (1 + 3E). Both hands being as likely before, Bayes' theorem gives
 ///
 ///     P = q2 / (q1 + q2).
 double FirstHand(const Confidence &first, const Confidence &second);

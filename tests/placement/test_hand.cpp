@@ -51,7 +51,7 @@ HandResult Find(const Volume &map, const std::vector<ModelAtom> &atoms,
 /// As sure as that of a place with that ln E.
 Confidence Sure(double logExpected) {
     return {.logExpected = logExpected,
-            .place = 1 / (1 + 60 * std::exp(logExpected)),
+            .place = 1 / (1 + 3 * std::exp(logExpected)),
             .otherTurns = 0,
             .probability = 0};
 }
@@ -132,7 +132,7 @@ TEST(Hand, TheProbabilityWeighsBothChances) {
     EXPECT_DOUBLE_EQ(FirstHand({}, {}), 0.5);
     EXPECT_DOUBLE_EQ(FirstHand(Sure(-3), Sure(-3)), 0.5);
     // One search is right with 0.9, the other one with 0.2: the odds are 0.8 to 0.1.
-    const auto logExpected = [](double p) { return std::log((1 - p) / p / 60); };
+    const auto logExpected = [](double p) { return std::log((1 - p) / p / 3); };
     EXPECT_NEAR(FirstHand(Sure(logExpected(0.9)), Sure(logExpected(0.2))), 8.0 / 9, 1e-12);
     EXPECT_NEAR(FirstHand(Sure(logExpected(0.2)), Sure(logExpected(0.9))), 1.0 / 9, 1e-12);
     // No digits are lost where both are beyond doubt.
