@@ -108,12 +108,14 @@ constexpr std::size_t finalPoses = 150;
 // Known neighbours
 
 /// Width of the Gaussian that an atom of a neighbour becomes, resolutions: that of a map of this resolution
-/// by its usual definition, 1 / (π·√2). The fitted amplitude mends what is different.
+/// by its usual definition, 1 / (π·√2). The fitted amplitude mends what is different, so that at half of it
+/// as many places are found.
 constexpr double neighbourWidth = 0.225;
 /// Where that Gaussian ends, in its widths: it has fallen to 0.0003.
 constexpr double neighbourReach = 4;
-/// Within this distance of a neighbour's residues no place is rewarded, Å: nearer than residues of two
-/// chains come, and half of what holds a residue.
+/// Within this distance of a neighbour's residues no place is rewarded, Å: nearer than the backbones of two
+/// chains come. At half of it 164 of 165 runs find their place as well, but 73 instead of 75 are sure of it;
+/// at twice it 158 and 61, since true places lie in what is kept free.
 constexpr double keptFree = 4;
 
 // A model that stands nearly right
