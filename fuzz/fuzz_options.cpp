@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "FitArguments.h"
+#include "PlaceArguments.h"
 
 #include <cstdint>
 #include <sstream>
@@ -32,6 +33,8 @@ void Read(const cli::Command &command, const std::vector<std::string> &words) {
     }
     if (command.name == "fit")
         hosts::CheckFitOptions(batch::ReadFitOptions(arguments, [](const std::string &) {}));
+    if (command.name == "place")
+        batch::ReadPlaceOptions(arguments);
 }
 
 } // namespace

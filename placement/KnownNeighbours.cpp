@@ -143,8 +143,11 @@ KnownNeighbours::KnownNeighbours(std::span<const ModelAtom> atoms)
                 weight += atom->electrons;
             }
         }
-        m_cells.Add(1 / weight * sum, m_residues.size());
-        m_residues.push_back(1 / weight * sum);
+        const Point centre = 1 / weight * sum;
+        if (std::isfinite(Length(centre))) {
+            m_cells.Add(centre, m_residues.size());
+            m_residues.push_back(centre);
+        }
         first = end;
     }
 }
