@@ -2,11 +2,13 @@
 
 #include "base/Words.h"
 
+#include "CommonOptions.h"
 #include "PlaceArguments.h"
 #include "PlaceProgress.h"
 #include "PlaceReport.h"
 #include "cli/Diagnostics.h"
 #include "cli/StopSignals.h"
+#include "hosts/common/ParameterError.h"
 #include "hosts/common/PlaceOutput.h"
 
 using namespace cli;
@@ -35,7 +37,7 @@ std::vector<std::string> NamesOf(const std::vector<VARNO::Chain *> &chains) {
     return names;
 }
 
-int Run(const Arguments &arguments) {
+int PlaceAsTold(const Arguments &arguments) {
     PlaceRecord record;
     record.options = ReadPlaceOptions(arguments);
     const PlaceInput input = ReadPlaceInput(record.options, Warn);
@@ -63,6 +65,15 @@ int Run(const Arguments &arguments) {
     if (!Deliver(record, input))
         return Failed;
     return record.result.cancelled ? 128 + StopSignal() : int(Succeeded);
+}
+
+/// What is refused is refused in the words of the command line.
+int Run(const Arguments &arguments) {
+    try {
+        return PlaceAsTold(arguments);
+    } catch (const ParameterError &error) {
+        throw std::runtime_error(OptionOf(error.Parameter()) + ": " + error.Problem());
+    }
 }
 
 } // namespace

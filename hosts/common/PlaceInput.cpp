@@ -141,7 +141,7 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) 
                                  input.lowConfidence > 0 ? "no residue reaches the confidence asked for"
                                                          : "there is no atom that a map could show");
     input.fixed = ReadSolidFiles(options.fixed, options.fixedChains, {options.model, clump, input.chains},
-                                 {"--fixed-chains", "fixed file", "fixed part"}, warn);
+                                 {"fixed chains", "fixed file", "fixed part"}, warn);
     input.map = LoadMap(options.map, warn, &input.mapReport);
     if (options.invert)
         std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());

@@ -32,7 +32,7 @@ struct PlaceInput {
 
 /// Reads the map, the model and what stands in the map already. `warn` hears what the readers took
 /// differently from how it stands, and of fixed residues that lie outside of the map. Throws FileError, also
-/// where no atom is left to be placed.
+/// where no atom is left to be placed, and ParameterError for a chain that no fixed file has.
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn);
 
 /// The map as the search takes it; valid as long as the map is.
