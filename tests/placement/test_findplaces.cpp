@@ -38,6 +38,20 @@ struct Complex {
     }
 };
 
+/// Two copies of a model side by side, and their map.
+struct TwoCopies {
+    Complex first;
+    Point secondCentre = first.translation + Point{0, 45, 0};
+    std::vector<ModelAtom> second = Moved(first.model, RotationBy({0, 2, 0}), secondCentre);
+    Volume map;
+
+    TwoCopies() {
+        std::vector<ModelAtom> both = first.placed;
+        both.insert(both.end(), second.begin(), second.end());
+        map = DensityOf(both, 8, {2, 2, 2}, 10);
+    }
+};
+
 PlacementResult Find(const Volume &map, const std::vector<ModelAtom> &atoms, double resolution,
                      unsigned threads = 1) {
     Monitor silent;
@@ -117,17 +131,28 @@ TEST(FindPlaces, ASmallModelBesideALargeNeighbourNeedsItTakenOut) {
 }
 
 TEST(FindPlaces, WhatStandsIsNotFoundAgain) {
-    // Two copies of the model, one of which is known.
-    const Complex complex;
-    std::vector<ModelAtom> copy =
-        Moved(complex.model, RotationBy({0, 2, 0}), complex.translation + Point{0, 45, 0});
-    std::vector<ModelAtom> both = complex.placed;
-    both.insert(both.end(), copy.begin(), copy.end());
-    const Volume map = DensityOf(both, 8, {2, 2, 2}, 10);
-    EXPECT_EQ(FoundCopies(Find(map, complex.model, 8)), 2u);
-    const PlacementResult result = FindBeside(copy, map, complex.model, 8);
-    EXPECT_LT(complex.Error(result.places.front()), 0.5);
+    const TwoCopies copies;
+    EXPECT_EQ(FoundCopies(Find(copies.map, copies.first.model, 8)), 2u);
+    const PlacementResult result = FindBeside(copies.second, copies.map, copies.first.model, 8);
+    EXPECT_LT(copies.first.Error(result.places.front()), 0.5);
     EXPECT_EQ(FoundCopies(result), 1u);
+}
+
+TEST(FindPlaces, WhatStandsIsTakenOutOfTheMap) {
+    // All atoms in one residue: nearly nothing is kept free.
+    TwoCopies copies;
+    for (ModelAtom &atom : copies.second)
+        atom.residue = 0;
+    EXPECT_EQ(FoundCopies(FindBeside(copies.second, copies.map, copies.first.model, 8)), 1u);
+}
+
+TEST(FindPlaces, WhatStandsIsKeptFree) {
+    // A heavy atom in an empty corner, so that next to nothing of the copy's density is taken out.
+    TwoCopies copies;
+    for (ModelAtom &atom : copies.second)
+        atom.electrons *= 1e-6;
+    copies.second.push_back({copies.map.origin + Point{2, 2, 2}, 100, 1000, 0, true});
+    EXPECT_EQ(FoundCopies(FindBeside(copies.second, copies.map, copies.first.model, 8)), 1u);
 }
 
 TEST(FindPlaces, WhereAllIsKnownNothingIsPlaced) {

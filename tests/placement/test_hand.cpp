@@ -72,6 +72,7 @@ TEST(Hand, InAMirroredMapThePlacesAreThoseOfTheMapMirroredBack) {
     const HandResult result = Find(Mirrored(complex.Map()), complex.model);
     EXPECT_EQ(result.hand, Hand::Mirrored);
     EXPECT_LT(result.asGiven, 0.05);
+    EXPECT_EQ(result.mirrored.start.x, result.given.start.x);
     const Place &place = result.mirrored.places.front();
     EXPECT_LT(complex.Error(place), 1);
     const Point centre = MakePointModel(complex.model).centre;
