@@ -10,7 +10,7 @@ struct PlacementParameters {
     double resolution = 0;        ///< of the map, Å
     unsigned threads = 1;         ///< at least 1; the result does not depend on it
     std::optional<Sphere> region; ///< where the model's centre may lie; anywhere where it is not set
-    /// Atoms of what stands in the map already, see KnownNeighbours.h.
+    /// Atoms of what is already in place, see KnownNeighbours.h.
     std::vector<ModelAtom> neighbours{};
 };
 

@@ -8,7 +8,7 @@
 
 namespace placement {
 
-/// Parts of a complex that stand already, in the map's frame.
+/// Parts of a complex that are already in place, in the map's frame.
 ///
 /// Their density is no background for what is still to be placed: it is taken out of the map before the map's
 /// spectrum is. And what is left of it rewards nothing: near them the filtered map is at most 0. A place that

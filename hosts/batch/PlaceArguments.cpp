@@ -90,9 +90,8 @@ std::vector<Option> PlaceOptionTable() {
         {.name = "--fixed",
          .value = Value::File,
          .valueName = "FILE",
-         .help =
-             "A structure that stands in the map already: its density is taken out of the map, and places "
-             "on it are not rewarded; touching it is allowed. It may be the model's own file",
+         .help = "A structure that is already in place: its density is taken out of the map, and places "
+                 "on it are not rewarded; touching it is allowed. It may be the model's own file",
          .defaultText = "none",
          .repeatable = true},
         {.name = "--fixed-chains",

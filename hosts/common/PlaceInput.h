@@ -26,11 +26,11 @@ struct PlaceInput {
     std::vector<placement::ModelAtom> atoms;      ///< of those chains, without hydrogens
     std::vector<PlacedResidue> residues;          ///< by the atoms' residue numbers
     std::size_t lowConfidence = 0;                ///< residues left out for it
-    std::vector<SolidFile> fixed;                 ///< what stands in the map already
+    std::vector<SolidFile> fixed;                 ///< what is already in place
     std::vector<placement::ModelAtom> neighbours; ///< the atoms of its chains, without hydrogens
 };
 
-/// Reads the map, the model and what stands in the map already. `warn` hears what the readers took
+/// Reads the map, the model and what is already in place. `warn` hears what the readers took
 /// differently from how it stands, and of fixed residues that lie outside of the map. Throws FileError, also
 /// where no atom is left to be placed, and ParameterError for a chain that no fixed file has.
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn);

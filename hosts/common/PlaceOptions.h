@@ -25,7 +25,7 @@ struct PlaceOptions {
     bool invert = false;            ///< the map's density is dark: its values change their sign
     PlaceScope scope = PlaceScope::WholeMap;
     std::optional<placement::Sphere> region;             ///< where the model's centre may lie
-    std::vector<std::string> fixed;                      ///< files of what stands in the map already
+    std::vector<std::string> fixed;                      ///< files of what is already in place
     std::optional<std::vector<std::string>> fixedChains; ///< not set: all polymer chains but those placed
     bool hands = false;                                  ///< search the mirrored map too
 

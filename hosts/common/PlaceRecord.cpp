@@ -258,7 +258,7 @@ std::string HandText(const HandVerdict &hand) {
                "; places and models are those in the mirrored map, whose voxels stand in the opposite order "
                "along x";
     case Hand::Unknown:
-        return "the hand is not to be told" + probability(hand.asGiven) +
+        return "the hand cannot be told" + probability(hand.asGiven) +
                "; places and models are those in the map as it is";
     }
     return {};

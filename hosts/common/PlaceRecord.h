@@ -8,7 +8,7 @@
 
 namespace hosts {
 
-/// Chains of a file that stood in the map already.
+/// Chains of a file that were already in place.
 struct FixedPart {
     std::string file;
     std::vector<std::string> chains; ///< identifiers
@@ -27,7 +27,7 @@ struct PlaceRecord {
     double resolution = 0;           ///< Å, as given or as estimated
     std::vector<std::string> chains; ///< identifiers of those that moved
     std::vector<PlacedResidue> residues;
-    std::vector<FixedPart> fixed; ///< what stood in the map already
+    std::vector<FixedPart> fixed; ///< what was already in place
     placement::PlacementResult result;
     std::optional<HandVerdict> hand; ///< where both were searched
     double seconds = 0;
