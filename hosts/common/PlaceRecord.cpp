@@ -228,7 +228,8 @@ std::string VerdictText(const PlacementResult &result) {
     const std::string probability = base::PlainFixed(result.confidence.probability, 3);
     switch (result.verdict) {
     case Verdict::Placed:
-        return "placed, with a probability " + AboveOrOf(result.confidence.probability) + CopiesText(FoundCopies(result));
+        return "placed, with a probability " + AboveOrOf(result.confidence.probability) +
+               CopiesText(FoundCopies(result));
     case Verdict::TurnUnsure:
         return "the place is sure, the turn is not: other turns about the same centre score nearly as well "
                "(probability of the first one " +
@@ -249,7 +250,7 @@ std::string VerdictText(const PlacementResult &result) {
 }
 
 std::string HandText(const HandVerdict &hand) {
-    const auto probability = [](double p) { return " (probability " + base::PlainFixed(p, 3) + ")"; };
+    const auto probability = [](double p) { return " (with a probability " + AboveOrOf(p) + ")"; };
     switch (hand.hand) {
     case Hand::AsGiven:
         return "the map has the right hand" + probability(hand.asGiven);

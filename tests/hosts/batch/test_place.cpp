@@ -356,8 +356,8 @@ TEST_F(Place, ModelsForAMirroredMapFitTheMapThatItWrites) {
         OutputOf({"place", "--map", map, "--model", SourceFolder() + "/examples/1tii_D_displaced.pdb",
                   "--resolution", "8", "--quiet", "--hands", "--mirrored-map", m_folder.File("right.mrc"),
                   "--models", "1", "--model-prefix", m_folder.File("placed-")});
-    EXPECT_THAT(output, AllOf(HasSubstr("the map is mirrored (probability 1.000)"),
-                              HasSubstr("placed, with a probability of 1.000")));
+    EXPECT_THAT(output, AllOf(HasSubstr("the map is mirrored (with a probability above 0.999)"),
+                              HasSubstr("placed, with a probability above 0.999")));
     EXPECT_LT(DistanceFromCopies(m_folder.File("placed-1.pdb")), 0.5);
     const std::string written = ReadFile(m_folder.File("right.mrc"));
     ASSERT_EQ(written.size(), original.size());
