@@ -2,16 +2,17 @@
 
     bench/placement/run [--short | --tiny] [--section NAME]... [--program FILE] [--data FOLDER] [--out FOLDER]
 
-Sections: shared, refine, screen, growth, calibration, test. `calibration` and `test` are made maps of different
-structures; every run of theirs is a line of runs.csv in the folder --out, and is not repeated while it stands there.
-The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the chains of the
-bundled example.
+Sections: shared, refine, screen, growth, neighbours, hands, calibration, test. `calibration` and `test` are made maps
+of different structures; every run of theirs is a line of runs.csv in the folder --out, and is not repeated while it
+stands there. The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the
+chains of the bundled example.
 """
 
 import argparse
 import os
 import sys
 
+import context
 import diagram
 import growth
 import made
@@ -20,7 +21,7 @@ import structures
 import tables
 from runs import Program
 
-SECTIONS = ("shared", "refine", "screen", "growth", "calibration", "test")
+SECTIONS = ("shared", "refine", "screen", "growth", "neighbours", "hands", "calibration", "test")
 TREATMENTS_IN_SHORT = ("plain", "too tight mask", "bent model")
 
 
@@ -85,10 +86,13 @@ def main():
         "screen": lambda: shared.screen(program, arguments.data, say),
         "growth": lambda: growth.growth(program, made.predicted(arguments.data, structures.GROWTH), say,
                                         arguments.short),
+        "neighbours": lambda: context.neighbours(program, arguments.data, say, 1 if arguments.short else 3),
+        "hands": lambda: context.hands(program, arguments.data, say, 1 if arguments.short else 3),
         "calibration": lambda: made_maps(program, arguments.data, "calibration", arguments.short),
         "test": lambda: made_maps(program, arguments.data, "test", arguments.short),
     }
-    for name in arguments.section or [name for name in SECTIONS if not arguments.short or name != "calibration"]:
+    in_short = [name for name in SECTIONS if name not in ("neighbours", "calibration")]
+    for name in arguments.section or (in_short if arguments.short else SECTIONS):
         sections[name]()
         say("")
 
