@@ -65,10 +65,9 @@ public:
                             std::lrint(p.z / m_spacing[2]) * long(m_plane));
     }
     Point PositionOf(std::int32_t place) const {
-        const auto p = std::size_t(place);
-        return m_origin + Point{double(p % m_plane % m_row) * m_spacing[0],
-                                double(p % m_plane / m_row) * m_spacing[1],
-                                double(p / m_plane) * m_spacing[2]};
+        const std::size_t k = std::size_t(place) / m_plane, inPlane = std::size_t(place) % m_plane;
+        const std::size_t j = inPlane / m_row, i = inPlane % m_row;
+        return m_origin + Point{double(i) * m_spacing[0], double(j) * m_spacing[1], double(k) * m_spacing[2]};
     }
 
 private:

@@ -73,6 +73,7 @@ std::optional<Bend> ReadBend(const Arguments &arguments, const std::string &mode
     if (rmsd == 0)
         return std::nullopt;
     std::vector<Vertex> positions;
+    positions.reserve(scatterers.size());
     for (const Scatterer &atom : scatterers)
         positions.push_back(atom.position);
     try {

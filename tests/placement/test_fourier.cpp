@@ -72,7 +72,7 @@ TEST(Fourier, WavesAreTheDirectSums) {
     Volume volume{{9, 10, 7}, {1, 1.5, 2}, {}, {}};
     std::mt19937 random(5);
     std::uniform_real_distribution<float> value(-1, 1);
-    for (std::size_t i = 0; i < 9 * 10 * 7; ++i)
+    for (int i = 0; i < 9 * 10 * 7; ++i)
         volume.values.push_back(value(random));
     const Waves waves = TransformOf(volume, 10);
     for (long h = 0; h <= long(waves.band[0]); ++h)
