@@ -27,6 +27,12 @@ std::size_t BandOf(double length, std::size_t count, double cutOff) {
     return std::min(std::size_t(std::max(0.0, cutOff * length)), count / 2 - 1);
 }
 
+/// Where a row's frequency stands among the samples along an axis.
+std::size_t SampleOf(std::size_t row, const Waves &waves, std::size_t axis,
+                     const std::array<std::size_t, 3> &count) {
+    return row > waves.band[axis] ? row + count[axis] - waves.Rows(axis) : row;
+}
+
 /// Transforms one section, all rows (j, k) of one k, along x and y; only the waves of the band are kept. All
 /// rows go in one call, which transforms as many at once as a vector holds.
 class SectionTransform {
@@ -41,42 +47,19 @@ public:
     void Forward(const RowSource &rows, std::size_t k, float scale, Complex *plane) {
         for (std::size_t j = 0; j < m_count[1]; ++j)
             rows(j, k, m_values.data() + m_count[0] * j);
-        pocketfft::r2c({m_count[1], m_count[0]}, ValueStrides(), WaveStrides(), 1, pocketfft::FORWARD,
+        const pocketfft::stride_t valueStrides{std::ptrdiff_t(sizeof(float) * m_count[0]), sizeof(float)};
+        const pocketfft::stride_t waveStrides{complexBytes * std::ptrdiff_t(m_rowWaves), complexBytes};
+        pocketfft::r2c({m_count[1], m_count[0]}, valueStrides, waveStrides, 1, pocketfft::FORWARD,
                        m_values.data(), m_section.data(), scale);
-        AlongY(pocketfft::FORWARD);
         const std::size_t nx = m_waves.band[0] + 1;
+        pocketfft::c2c({m_count[1], nx}, waveStrides, waveStrides, {0}, pocketfft::FORWARD, m_section.data(),
+                       m_section.data(), 1.0f);
         for (std::size_t row = 0; row < m_waves.Rows(1); ++row)
-            std::copy_n(m_section.begin() + std::ptrdiff_t(m_rowWaves * SampleOf(row)), nx, plane + nx * row);
-    }
-
-    void Backward(const Complex *plane, float *values) {
-        const std::size_t nx = m_waves.band[0] + 1;
-        std::fill(m_section.begin(), m_section.end(), Complex());
-        for (std::size_t row = 0; row < m_waves.Rows(1); ++row)
-            std::copy_n(plane + nx * row, nx, m_section.begin() + std::ptrdiff_t(m_rowWaves * SampleOf(row)));
-        AlongY(pocketfft::BACKWARD);
-        pocketfft::c2r({m_count[1], m_count[0]}, WaveStrides(), ValueStrides(), 1, pocketfft::BACKWARD,
-                       m_section.data(), values, 1.0f);
+            std::copy_n(m_section.begin() + std::ptrdiff_t(m_rowWaves * SampleOf(row, m_waves, 1, m_count)),
+                        nx, plane + nx * row);
     }
 
 private:
-    /// Where a row's frequency stands among the samples along y.
-    std::size_t SampleOf(std::size_t row) const {
-        return row > m_waves.band[1] ? row + m_count[1] - m_waves.Rows(1) : row;
-    }
-    pocketfft::stride_t ValueStrides() const {
-        return {std::ptrdiff_t(sizeof(float) * m_count[0]), std::ptrdiff_t(sizeof(float))};
-    }
-    pocketfft::stride_t WaveStrides() const {
-        return {complexBytes * std::ptrdiff_t(m_rowWaves), complexBytes};
-    }
-
-    /// Waves beyond the band are 0, or will not be kept.
-    void AlongY(bool forward) {
-        pocketfft::c2c({m_count[1], m_waves.band[0] + 1}, WaveStrides(), WaveStrides(), {0}, forward,
-                       m_section.data(), m_section.data(), 1.0f);
-    }
-
     std::array<std::size_t, 3> m_count;
     const Waves &m_waves;
     std::size_t m_rowWaves; ///< of a whole row
@@ -84,16 +67,60 @@ private:
     std::vector<Complex> m_section;
 };
 
-/// Transforms all columns along z of `sections` planes of `plane` values, in place.
-void AlongZ(std::vector<Complex> &values, std::size_t sections, std::size_t plane, bool forward,
-            unsigned threads) {
-    const pocketfft::stride_t strides{complexBytes * std::ptrdiff_t(plane), complexBytes};
-    ForEach((plane + columnBlock - 1) / columnBlock, threads, [&](std::size_t block, unsigned) {
-        Complex *first = values.data() + block * columnBlock;
-        const std::size_t columns = std::min(columnBlock, plane - block * columnBlock);
-        pocketfft::c2c({sections, columns}, strides, strides, {0}, forward, first, first, 1.0f);
-    });
-}
+/// A volume that begins as its waves and becomes its values in the same memory: a row of nx values holds nx/2
+/// + 1 waves, and so two values more, until the rows are closed up.
+class InPlaceBox {
+public:
+    explicit InPlaceBox(const std::array<std::size_t, 3> &count)
+        : m_count(count)
+        , m_row(count[0] / 2 + 1)
+        , m_plane(m_row * count[1])
+        , m_values(2 * m_plane * count[2]) {}
+
+    /// The waves of row (j, l), samples along y and z.
+    Complex *Row(std::size_t j, std::size_t l) { return Data() + m_row * j + m_plane * l; }
+
+    /// Transforms the first `columns` waves of row j of all sections along z.
+    void AlongZ(std::size_t j, std::size_t columns) {
+        const pocketfft::stride_t strides{complexBytes * std::ptrdiff_t(m_plane), complexBytes};
+        pocketfft::c2c({m_count[2], columns}, strides, strides, {0}, pocketfft::BACKWARD, Row(j, 0),
+                       Row(j, 0), 1.0f);
+    }
+
+    /// Transforms section k along y, of which only the first `columns` waves of a row are not 0, and along x.
+    void Section(std::size_t k, std::size_t columns) {
+        const pocketfft::stride_t waves{complexBytes * std::ptrdiff_t(m_row), complexBytes};
+        const pocketfft::stride_t values{complexBytes * std::ptrdiff_t(m_row), sizeof(float)};
+        pocketfft::c2c({m_count[1], columns}, waves, waves, {0}, pocketfft::BACKWARD, Row(0, k), Row(0, k),
+                       1.0f);
+        pocketfft::c2r({m_count[1], m_count[0]}, waves, values, 1, pocketfft::BACKWARD, Row(0, k),
+                       m_values.data() + 2 * m_plane * k, 1.0f);
+    }
+
+    /// The values, rows closed up.
+    std::vector<float> Take() {
+        const std::size_t rows = m_count[1] * m_count[2];
+        for (std::size_t row = 1; row < rows; ++row)
+            CloseUp(row);
+        m_values.resize(m_count[0] * rows);
+        return std::move(m_values);
+    }
+
+private:
+    /// Moves a row towards the front; its places may overlap.
+    void CloseUp(std::size_t row) {
+        const auto from = m_values.begin() + std::ptrdiff_t(2 * m_row * row);
+        std::copy(from, from + std::ptrdiff_t(m_count[0]),
+                  m_values.begin() + std::ptrdiff_t(m_count[0] * row));
+    }
+
+    /// A complex number is laid out as two of its components.
+    Complex *Data() { return reinterpret_cast<Complex *>(m_values.data()); }
+
+    std::array<std::size_t, 3> m_count;
+    std::size_t m_row, m_plane; ///< waves
+    std::vector<float> m_values;
+};
 
 /// sinc² of the wave of frequency f among `count` samples: what linear interpolation leaves of it.
 float LinearLoss(std::size_t f, std::size_t count) {
@@ -101,9 +128,14 @@ float LinearLoss(std::size_t f, std::size_t count) {
     return f > 0 ? float(std::pow(std::sin(x) / x, 2)) : 1.0f;
 }
 
-std::vector<SectionTransform> ForThreads(unsigned threads, const std::array<std::size_t, 3> &count,
-                                         const Waves &waves) {
-    return std::vector<SectionTransform>(std::max(1u, threads), SectionTransform(count, waves));
+/// Transforms all columns along z of `sections` planes of `plane` values forward, in place.
+void AlongZ(std::vector<Complex> &values, std::size_t sections, std::size_t plane, unsigned threads) {
+    const pocketfft::stride_t strides{complexBytes * std::ptrdiff_t(plane), complexBytes};
+    ForEach((plane + columnBlock - 1) / columnBlock, threads, [&](std::size_t block, unsigned) {
+        Complex *first = values.data() + block * columnBlock;
+        const std::size_t columns = std::min(columnBlock, plane - block * columnBlock);
+        pocketfft::c2c({sections, columns}, strides, strides, {0}, pocketfft::FORWARD, first, first, 1.0f);
+    });
 }
 
 } // namespace
@@ -130,16 +162,18 @@ Waves Transform(const std::array<std::size_t, 3> &count, const std::array<double
     const std::size_t plane = (waves.band[0] + 1) * waves.Rows(1);
     waves.values.resize(plane * count[2]);
     const auto scale = float(1 / (double(count[0]) * double(count[1]) * double(count[2])));
-    std::vector<SectionTransform> sections = ForThreads(threads, count, waves);
+    std::vector<SectionTransform> sections(std::max(1u, threads), SectionTransform(count, waves));
     ForEach(count[2], threads, [&](std::size_t k, unsigned worker) {
         sections[worker].Forward(rows, k, scale, waves.values.data() + plane * k);
     });
-    AlongZ(waves.values, count[2], plane, pocketfft::FORWARD, threads);
+    AlongZ(waves.values, count[2], plane, threads);
     // The negative frequencies move up behind the others.
     const auto from = waves.values.begin() + std::ptrdiff_t(plane * (count[2] - waves.band[2]));
     std::copy(from, waves.values.end(), waves.values.begin() + std::ptrdiff_t(plane * (waves.band[2] + 1)));
     waves.values.resize(plane * waves.Rows(2));
-    waves.values.shrink_to_fit();
+    // Giving memory back takes a copy; of nearly all of it that would need more than it gives.
+    if (waves.values.size() < waves.values.capacity() / 2)
+        waves.values.shrink_to_fit();
     return waves;
 }
 
@@ -160,32 +194,30 @@ Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, u
     for (std::size_t axis = 0; axis < 3; ++axis)
         for (std::size_t f = 0; f <= part.band[axis]; ++f)
             factors[axis].push_back(between == Between::Linear ? LinearLoss(f, volume.count[axis]) : 1.0f);
-    const std::size_t nx = part.band[0] + 1, plane = nx * part.Rows(1), sections = volume.count[2];
-    part.values.resize(plane * sections);
+    const std::size_t columns = part.band[0] + 1;
+    InPlaceBox box(volume.count);
     ForEach(part.Rows(2), threads, [&](std::size_t section, unsigned) {
         const long l = part.Frequency(section, 2);
         const double kz = double(l) / part.length[2];
-        Complex *out = part.values.data() + plane * std::size_t(l < 0 ? l + long(sections) : l);
         for (std::size_t row = 0; row < part.Rows(1); ++row) {
             const long j = part.Frequency(row, 1);
             const double ky = double(j) / part.length[1];
             const float loss = factors[1][std::size_t(std::abs(j))] * factors[2][std::size_t(std::abs(l))];
             const Complex *in = waves.values.data() +
                                 (waves.band[0] + 1) * (waves.Row(j, 1) + waves.Rows(1) * waves.Row(l, 2));
-            for (std::size_t h = 0; h < nx; ++h) {
+            Complex *out =
+                box.Row(SampleOf(row, part, 1, volume.count), SampleOf(section, part, 2, volume.count));
+            for (std::size_t h = 0; h < columns; ++h) {
                 const double kx = double(h) / part.length[0];
-                *out++ = in[h] *
+                out[h] = in[h] *
                          (float(weight.At(std::sqrt(kx * kx + ky * ky + kz * kz))) / (loss * factors[0][h]));
             }
         }
     });
-    AlongZ(part.values, sections, plane, pocketfft::BACKWARD, threads);
-    volume.values.resize(volume.count[0] * volume.count[1] * sections);
-    std::vector<SectionTransform> transforms = ForThreads(threads, volume.count, part);
-    ForEach(sections, threads, [&](std::size_t k, unsigned worker) {
-        transforms[worker].Backward(part.values.data() + plane * k,
-                                    volume.values.data() + volume.count[0] * volume.count[1] * k);
-    });
+    ForEach(part.Rows(1), threads,
+            [&](std::size_t row, unsigned) { box.AlongZ(SampleOf(row, part, 1, volume.count), columns); });
+    ForEach(volume.count[2], threads, [&](std::size_t k, unsigned) { box.Section(k, columns); });
+    volume.values = box.Take();
     return volume;
 }
 

@@ -131,6 +131,16 @@ TEST(CoarseSearch, ACancelledOneReturnsWhatItCameTo) {
     EXPECT_EQ(impatient.steps, 3);
 }
 
+TEST(CoarseSearch, OfALargeVolumeASampleOfRowsTellsTheThreshold) {
+    constexpr std::size_t edge = 180;
+    Volume volume{{edge, edge, edge}, {1, 1, 1}, {}, {}};
+    for (std::size_t i = 0; i < edge * edge * edge; ++i)
+        volume.values.push_back(float(i * 2654435761u % 1000));
+    EXPECT_LT(ValuesInBox(volume, volume.count).size(), volume.values.size() * 6 / 10);
+    // The lowest tenth of 0 to 999 ends at 100, and 15 % of the way from there to the top is 235.
+    EXPECT_NEAR(DensityThreshold(volume, volume.count), 235, 3);
+}
+
 TEST(CoarseSearch, DensePlacesLieAboveTheThreshold) {
     Volume smoothed{{10, 1, 1}, {1, 1, 1}, {}, {0, 0, 1, 2, 10, 9, 1.4f, 1.6f, 0, 100}};
     // The last voxel is padding.
