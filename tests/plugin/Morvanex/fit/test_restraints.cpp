@@ -86,11 +86,12 @@ TEST(Restraints, EveryFaultIsSaidWithItsLine) {
             faults.push_back(std::to_string(line) + ": " + text.toStdString());
         });
     EXPECT_EQ(records.size(), 3u);
-    EXPECT_THAT(faults, ElementsAre("0: is not a text file", "1: 'a', a coordinate of 'LYS6', is not a number",
-                                    "3: 'b', a coordinate of 'VAL26', is not a number",
-                                    "4: 'inf', a coordinate of 'VAL26', is not a number",
-                                    "4: the record of 'GLY' has fewer than three coordinates",
-                                    "4: '\xef\xbf\xbd', a coordinate of 'GLY', is not a number"));
+    EXPECT_THAT(faults,
+                ElementsAre("0: is not a text file", "1: 'a', a coordinate of 'LYS6', is not a number",
+                            "3: 'b', a coordinate of 'VAL26', is not a number",
+                            "4: 'inf', a coordinate of 'VAL26', is not a number",
+                            "4: the record of 'GLY' has fewer than three coordinates",
+                            "4: '\xef\xbf\xbd', a coordinate of 'GLY', is not a number"));
 }
 
 TEST(Restraints, AFileOfAnotherEncodingIsReadByItsByteOrderMark) {
