@@ -21,7 +21,7 @@ Volume Noise(double voxel) {
     map.count = {40, 36, 32};
     map.spacing = {voxel, voxel, voxel};
     map.origin = {-20 * voxel, -18 * voxel, -16 * voxel};
-    map.values.resize(40 * 36 * 32);
+    map.values.resize(map.count[0] * map.count[1] * map.count[2]);
     std::mt19937 random(3);
     std::normal_distribution<float> normal;
     std::ranges::generate(map.values, [&] { return normal(random); });
