@@ -89,6 +89,8 @@ constexpr double equalTurnRmsd = 2;
 /// better one's points lie in as well. Of two turns in one place a third and more do, of neighbours in
 /// contact a few hundredths.
 constexpr double maxOverlap = 0.2;
+/// Edge of those cells, Å: about half of those inside a protein hold one of its points.
+constexpr double overlapCell = 4;
 
 /// Two poses are the same where their RMSD is below this, resolutions.
 constexpr double samePlace = 0.5;
@@ -131,6 +133,18 @@ constexpr std::size_t nearbyPoses = 30;
 /// Extremes below the median this many times as far off as those above it tell of inverted contrast; noise
 /// alone has them equally far.
 constexpr double invertedRatio = 2;
+
+// The resolution, where it is estimated
+
+/// Bounds of the estimate, Å.
+constexpr double finestEstimate = 2, coarsestEstimate = 60;
+/// What trimming and padding go by meanwhile, Å.
+constexpr double resolutionGuess = 10;
+/// Waves longer than this, Å, tell of the shape of what stands in the map.
+constexpr double longestSpectralWave = 25;
+/// e^-3: a Gaussian density whose transform has fallen to 1/e at the resolution reaches e^-2 there, and a
+/// search loses less by noise beyond the resolution than by signal that it leaves out.
+constexpr double spectralFallOff = 0.05;
 
 // Trimming
 

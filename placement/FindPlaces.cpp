@@ -303,17 +303,25 @@ private:
 
     void DropOverlapping() {
         OccupiedSpace occupied;
-        const Place first = m_result.places.front();
-        std::erase_if(m_result.places, [&](Place &place) {
-            if (occupied.Overlap(m_model, place.pose) <= maxOverlap) {
+        std::vector<Place> kept;
+        for (Place &place : m_result.places) {
+            const bool isCopy = occupied.Overlap(m_model, place.pose) <= maxOverlap;
+            if (isCopy)
                 occupied.Add(m_model, place.pose);
-                return false;
-            }
-            place.otherTurn = m_result.verdict == Verdict::TurnUnsure &&
-                              Length(place.pose.centre - first.pose.centre) < sameHole * m_model.gyration &&
-                              TurnWeight(first.score, place.score, m_result.tail) > unsureTurn;
-            return !place.otherTurn;
-        });
+            else
+                place.otherTurn = IsOtherTurn(place);
+            if (isCopy || place.otherTurn)
+                kept.push_back(place);
+        }
+        m_result.places = std::move(kept);
+    }
+
+    /// Whether a place is the first one in another turn, which the map does not tell from it.
+    bool IsOtherTurn(const Place &place) const {
+        const Place &first = m_result.places.front();
+        return m_result.verdict == Verdict::TurnUnsure &&
+               Length(place.pose.centre - first.pose.centre) < sameHole * m_model.gyration &&
+               TurnWeight(first.score, place.score, m_result.tail) > unsureTurn;
     }
 
     /// How sure the first place is by the filter without the model, among the places that this filter finds.

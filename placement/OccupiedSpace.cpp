@@ -1,18 +1,18 @@
 #include "placement/OccupiedSpace.h"
 
+#include "placement/Constants.h"
+
 #include <algorithm>
 
 namespace placement {
 
 namespace {
 
-constexpr double cellSize = 4; // Å
-
 /// A number for each cell of a box of 2^21 cells along each edge, far more than a map has.
 std::uint64_t CellOf(const Point &p) {
     const auto along = [](double x) {
         constexpr std::int64_t bits = 21, half = std::int64_t(1) << (bits - 1);
-        return std::uint64_t(std::clamp(std::int64_t(std::floor(x / cellSize)), -half, half - 1) + half);
+        return std::uint64_t(std::clamp(std::int64_t(std::floor(x / overlapCell)), -half, half - 1) + half);
     };
     return along(p.x) | along(p.y) << 21 | along(p.z) << 42;
 }

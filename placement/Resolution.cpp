@@ -8,28 +8,17 @@
 
 namespace placement {
 
-namespace {
-
-constexpr double finest = 2, coarsest = 60; // Å
-/// What trimming and padding go by, Å.
-constexpr double guess = 10;
-/// Waves longer than this tell of shapes, Å.
-constexpr double longestWave = 25;
-/// e^-3: a Gaussian density whose transform has fallen to 1/e at the resolution reaches e^-2 there, and a
-/// search loses less by noise beyond the resolution than by signal that it leaves out.
-constexpr double fallOff = 0.05;
-
-} // namespace
-
 double EstimateResolution(const VolumeView &map, const PointModel &model, unsigned threads) {
-    const double end = std::min(1 / finest, 0.5 * usableNyquist / *std::ranges::max_element(map.spacing));
-    const Waves waves = TransformPadded(Trimmed(map, model, guess, threads), padding * guess, end, threads);
+    const double end =
+        std::min(1 / finestEstimate, 0.5 * usableNyquist / *std::ranges::max_element(map.spacing));
+    const Waves waves = TransformPadded(Trimmed(map, model, resolutionGuess, threads),
+                                        padding * resolutionGuess, end, threads);
     const RadialCurve power = RadialPower(waves, end);
     const RadialCurve modelPower = DebyePower(model, end, power.step);
     const auto perPoint = [&](std::size_t shell) {
         return power.values[shell] / modelPower.At(double(shell) * power.step);
     };
-    const auto first = std::size_t(std::max(1.0, 1 / (longestWave * power.step)));
+    const auto first = std::size_t(std::max(1.0, 1 / (longestSpectralWave * power.step)));
     const auto last = std::min(power.values.size() - 1, std::size_t(end / power.step));
     std::size_t weakest = first;
     double strongest = 0;
@@ -40,9 +29,9 @@ double EstimateResolution(const VolumeView &map, const PointModel &model, unsign
     const double noise = power.values[weakest];
     std::size_t shell = weakest;
     while (shell > first && (power.values[shell] < noise * (1 + 1 / noisePerSignal) ||
-                             perPoint(shell) - perPoint(weakest) < fallOff * strongest))
+                             perPoint(shell) - perPoint(weakest) < spectralFallOff * strongest))
         --shell;
-    return std::clamp(1 / (double(shell) * power.step), std::max(finest, 1 / end), coarsest);
+    return std::clamp(1 / (double(shell) * power.step), std::max(finestEstimate, 1 / end), coarsestEstimate);
 }
 
 } // namespace placement
