@@ -173,15 +173,20 @@ Grid *ReadMap(const std::string &file, MapReport *report) {
 }
 
 Grid *ReadMapFrom(ByteSource &source, MapReport *report) {
+    std::unique_ptr<Grid> grid = ReadFreeMap(source, report);
+    const DataAdder<Space> batch(Space::instance());
+    if (!batch.MayAdd())
+        throw FileError(source.Name(), "", "the model accepts no additions at present");
+    return DataMaker::addGrid(nullptr, std::move(grid));
+}
+
+std::unique_ptr<Grid> ReadFreeMap(ByteSource &source, MapReport *report) {
     return WithMemory(source.Name(), [&] {
         MapReport found;
         std::unique_ptr<Grid> grid = LoadGrid(source, found);
-        DataAdder<Space> batch(Space::instance());
-        if (!batch.MayAdd())
-            throw FileError(source.Name(), "", "the model accepts no additions at present");
         if (report)
             *report = std::move(found);
-        return DataMaker::addGrid(nullptr, std::move(grid));
+        return grid;
     });
 }
 

@@ -3,6 +3,7 @@
 #include "Grid.h"
 #include "formats/files/ByteSource.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,8 @@ struct MapReport {
 VARNO::Grid *ReadMap(const std::string &file, MapReport *report = nullptr);
 /// The same from a source of which nothing has been read yet.
 VARNO::Grid *ReadMapFrom(ByteSource &source, MapReport *report = nullptr);
+/// The same as a grid of its own, which is added to no model.
+std::unique_ptr<VARNO::Grid> ReadFreeMap(ByteSource &source, MapReport *report = nullptr);
 
 /// Writes the grid as an MRC2014 map: mode 2, little-endian, x fastest, the origin in the ORIGIN words, the
 /// cell the dimensions times the spacing. `title` becomes the first label (at most 80 characters are kept).

@@ -7,6 +7,7 @@
 #include "formats/files/NodeName.h"
 #include "formats/files/ReadBytes.h"
 #include "formats/structures/AssembleChains.h"
+#include "formats/structures/FreeClump.h"
 
 #include <algorithm>
 
@@ -85,22 +86,19 @@ std::string SequenceId(const gemmi::SeqId &id) {
     return std::to_string(id.num.value) + (id.has_icode() ? std::string(1, id.icode) : "");
 }
 
-/// Makes the nodes; to be used under an open batch.
+/// Makes the nodes below a clump; in the model tree to be used under an open batch.
 class Builder {
 public:
     explicit Builder(const std::string &modelNumber)
         : m_modelNumber(modelNumber) {}
 
-    Clump *Build(const std::string &name, const std::vector<AssembledChain> &chains,
-                 StructureReport &report) {
-        Compound *clump = DataMaker::makeClump(name);
-        Compound *molecule = DataMaker::makeMolecule(clump, name);
+    void Build(Compound *clump, const std::vector<AssembledChain> &chains, StructureReport &report) {
+        Compound *molecule = DataMaker::makeMolecule(clump, clump->GetName());
         for (const AssembledChain &chain : chains)
             if (chain.polymer)
                 report.chains.push_back(BuildPolymer(molecule, chain));
             else
                 BuildOthers(molecule, chain, report);
-        return static_cast<Clump *>(clump);
     }
 
 private:
@@ -156,19 +154,51 @@ Clump *ReadStructure(const std::string &file, StructureReport *report) {
     return ReadStructureFrom(source, report);
 }
 
+namespace {
+
+/// A file's chains, in memory alone.
+struct Contents {
+    std::string modelNumber;
+    AssembledModel model;
+    StructureReport report;
+};
+
+Contents ReadContents(ByteSource &source) {
+    Contents contents;
+    ParsedModel parsed = Parse(source, contents.report);
+    contents.modelNumber = parsed.number;
+    contents.model = AssembleChains(std::move(parsed.parts));
+    WarnOfLeftOut(contents.model, contents.report);
+    return contents;
+}
+
+void BuildBelow(Compound *clump, Contents &contents, StructureReport *report) {
+    Builder(contents.modelNumber).Build(clump, contents.model.chains, contents.report);
+    if (report)
+        *report = contents.report;
+}
+
+} // namespace
+
 Clump *ReadStructureFrom(ByteSource &source, StructureReport *report) {
     return WithMemory(source.Name(), [&] {
-        StructureReport found;
-        ParsedModel parsed = Parse(source, found);
-        const AssembledModel model = AssembleChains(std::move(parsed.parts));
-        WarnOfLeftOut(model, found);
+        Contents contents = ReadContents(source);
         const DataAdder<Space> batch(Space::instance());
         if (!batch.MayAdd())
             throw FileError(source.Name(), "", "cannot be added: the model accepts no additions at present");
-        Clump *clump = Builder(parsed.number).Build(NodeName(source.Name()), model.chains, found);
-        if (report)
-            *report = found;
-        return clump;
+        Compound *clump = DataMaker::makeClump(NodeName(source.Name()));
+        BuildBelow(clump, contents, report);
+        return static_cast<Clump *>(clump);
+    });
+}
+
+std::unique_ptr<Clump> ReadFreeStructure(ByteSource &source, StructureReport *report) {
+    return WithMemory(source.Name(), [&] {
+        Contents contents = ReadContents(source);
+        auto clump = std::make_unique<FreeClump>(NodeName(source.Name()));
+        BuildBelow(clump.get(), contents, report);
+        clump->Complete();
+        return std::unique_ptr<Clump>(std::move(clump));
     });
 }
 

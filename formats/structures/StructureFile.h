@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,8 @@ struct StructureReport {
 VARNO::Clump *ReadStructure(const std::string &file, StructureReport *report = nullptr);
 /// The same from a source of which nothing has been read yet.
 VARNO::Clump *ReadStructureFrom(ByteSource &source, StructureReport *report = nullptr);
+/// The same as a model of its own, which the caller keeps and any thread may read; see FreeClump.h.
+std::unique_ptr<VARNO::Clump> ReadFreeStructure(ByteSource &source, StructureReport *report = nullptr);
 
 enum class StructureFormat { Pdb, Mmcif };
 

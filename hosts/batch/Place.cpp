@@ -30,23 +30,11 @@ bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
     return errors.empty();
 }
 
-std::vector<std::string> NamesOf(const std::vector<VARNO::Chain *> &chains) {
-    std::vector<std::string> names;
-    for (const VARNO::Chain *chain : chains)
-        names.push_back(chain->GetName());
-    return names;
-}
-
 int PlaceAsTold(const Arguments &arguments) {
-    PlaceRecord record;
-    record.options = ReadPlaceOptions(arguments);
-    const PlaceInput input = ReadPlaceInput(record.options, Warn);
-    CheckPlaceOutputs(record.options, input.format);
-    record.chains = NamesOf(input.chains);
-    record.residues = input.residues;
-    record.resolution = input.resolution;
-    for (const SolidFile &fixed : input.fixed)
-        record.fixed.push_back({fixed.file, NamesOf(fixed.chains)});
+    const PlaceOptions options = ReadPlaceOptions(arguments);
+    const PlaceInput input = ReadPlaceInput(options, Warn);
+    CheckPlaceOutputs(options, input.format);
+    PlaceRecord record = MakePlaceRecord(options, input);
     if (!record.options.quiet)
         ReportPlaceInput(record.options, input);
     StopSignals stopSignals("what has begun");

@@ -1,7 +1,6 @@
 #include "hosts/common/FitInput.h"
 
 #include "hosts/common/Chains.h"
-#include "hosts/common/Inputs.h"
 #include "hosts/common/RestraintsCheck.h"
 
 #include "Collect.h"
@@ -19,19 +18,19 @@ std::vector<Compound *> FitInput::SolidResidues() const {
     return residues;
 }
 
-FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn) {
+FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn, InputSource &source) {
     FitInput input;
     if (options.restraints)
         input.restraints = LoadRestraints(*options.restraints);
     formats::StructureReport report;
-    const Clump *targetModel = LoadStructure(options.target, warn, &report);
+    const Clump *targetModel = LoadStructure(options.target, warn, &report, source);
     input.target = ChooseChain(options.target, targetModel, options.chain);
     input.targetFormat =
         report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
     input.solids =
         ReadSolidFiles(options.solids, options.solidChains, {options.target, targetModel, {input.target}},
-                       {"solid chains", "solid file", "solid"}, warn);
-    input.map = LoadMap(options.map, warn, &input.mapReport);
+                       {"solid chains", "solid file", "solid"}, warn, source);
+    input.map = LoadMap(options.map, warn, &input.mapReport, source);
     return input;
 }
 

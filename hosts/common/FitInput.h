@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hosts/common/FitOptions.h"
+#include "hosts/common/Inputs.h"
 
 #include "hosts/common/SolidFiles.h"
 
@@ -25,7 +26,7 @@ struct FitInput {
 
 /// Reads the restraints, the target, the solids and the map. `warn` gets what the readers left out or read
 /// differently from what the files say. Throws FileError, and ParameterError for a chain that no solid has.
-FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn);
+FitInput ReadFitInput(const FitOptions &options, const WarningSink &warn, InputSource &source = InputFiles());
 
 /// What the engine is asked to do with that input.
 fit::FitParameters ParametersOf(const FitOptions &options, const FitInput &input);

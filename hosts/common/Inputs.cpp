@@ -6,24 +6,47 @@ namespace hosts {
 
 namespace {
 
-template <class Report, class Read>
-auto Load(const std::string &file, const WarningSink &warn, Report *report, Read read) {
-    Report ownReport;
-    Report &said = report ? *report : ownReport;
-    auto *node = read(file, &said);
-    for (const std::string &warning : said.warnings)
+class Files : public InputSource {
+public:
+    Clump *Structure(const std::string &name, formats::StructureReport &report) override {
+        return formats::ReadStructure(name, &report);
+    }
+    Grid *Map(const std::string &name, formats::MapReport &report) override {
+        return formats::ReadMap(name, &report);
+    }
+};
+
+template <class Report>
+void WarnOf(const std::string &file, const Report &report, const WarningSink &warn) {
+    for (const std::string &warning : report.warnings)
         warn(file + ": " + warning);
-    return node;
 }
 
 } // namespace
 
-Clump *LoadStructure(const std::string &file, const WarningSink &warn, formats::StructureReport *report) {
-    return Load(file, warn, report, formats::ReadStructure);
+InputSource &InputFiles() {
+    static Files files;
+    return files;
 }
 
-Grid *LoadMap(const std::string &file, const WarningSink &warn, formats::MapReport *report) {
-    return Load(file, warn, report, formats::ReadMap);
+Clump *LoadStructure(const std::string &file, const WarningSink &warn, formats::StructureReport *report,
+                     InputSource &source) {
+    formats::StructureReport found;
+    Clump *clump = source.Structure(file, found);
+    WarnOf(file, found, warn);
+    if (report)
+        *report = std::move(found);
+    return clump;
+}
+
+Grid *LoadMap(const std::string &file, const WarningSink &warn, formats::MapReport *report,
+              InputSource &source) {
+    formats::MapReport found;
+    Grid *grid = source.Map(file, found);
+    WarnOf(file, found, warn);
+    if (report)
+        *report = std::move(found);
+    return grid;
 }
 
 } // namespace hosts

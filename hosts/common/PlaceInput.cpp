@@ -3,7 +3,6 @@
 #include "base/Words.h"
 
 #include "hosts/common/Chains.h"
-#include "hosts/common/Inputs.h"
 
 #include "Atom.h"
 #include "Collect.h"
@@ -129,10 +128,10 @@ placement::VolumeView ViewOf(const Grid &map) {
             map.Values()};
 }
 
-PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) {
+PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn, InputSource &source) {
     PlaceInput input;
     formats::StructureReport report;
-    const Clump *clump = LoadStructure(options.model, warn, &report);
+    const Clump *clump = LoadStructure(options.model, warn, &report, source);
     input.chains = ChooseChains(options.model, clump, options.chains);
     input.format = report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
     CollectModelAtoms(input, options.minPlddt);
@@ -141,8 +140,8 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn) 
                                  input.lowConfidence > 0 ? "no residue reaches the confidence asked for"
                                                          : "there is no atom that a map could show");
     input.fixed = ReadSolidFiles(options.fixed, options.fixedChains, {options.model, clump, input.chains},
-                                 {"fixed chains", "fixed file", "fixed part"}, warn);
-    input.map = LoadMap(options.map, warn, &input.mapReport);
+                                 {"fixed chains", "fixed file", "fixed part"}, warn, source);
+    input.map = LoadMap(options.map, warn, &input.mapReport, source);
     if (options.invert)
         std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
     input.resolution =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/common/Inputs.h"
 #include "hosts/common/PlaceOptions.h"
 #include "hosts/common/SolidFiles.h"
 
@@ -33,7 +34,8 @@ struct PlaceInput {
 /// Reads the map, the model and what is already in place. `warn` hears what the readers took
 /// differently from how it stands, and of fixed residues that lie outside of the map. Throws FileError, also
 /// where no atom is left to be placed, and ParameterError for a chain that no fixed file has.
-PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn);
+PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn,
+                          InputSource &source = InputFiles());
 
 /// The map as the search takes it; valid as long as the map is.
 placement::VolumeView ViewOf(const VARNO::Grid &map);

@@ -164,7 +164,25 @@ PlacementResult SearchOneHand(const PlaceInput &input, const PlacementParameters
                                        : FindPlaces(ViewOf(*input.map), input.atoms, parameters, monitor);
 }
 
+std::vector<std::string> NamesOf(const std::vector<VARNO::Chain *> &chains) {
+    std::vector<std::string> names;
+    for (const VARNO::Chain *chain : chains)
+        names.push_back(chain->GetName());
+    return names;
+}
+
 } // namespace
+
+PlaceRecord MakePlaceRecord(const PlaceOptions &options, const PlaceInput &input) {
+    PlaceRecord record;
+    record.options = options;
+    record.chains = NamesOf(input.chains);
+    record.residues = input.residues;
+    record.resolution = input.resolution;
+    for (const SolidFile &fixed : input.fixed)
+        record.fixed.push_back({fixed.file, NamesOf(fixed.chains)});
+    return record;
+}
 
 void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, Monitor &monitor) {
     const PlaceOptions &options = record.options;

@@ -36,6 +36,9 @@ struct PlaceRecord {
     bool IsMirrored() const { return hand && hand->hand == placement::Hand::Mirrored; }
 };
 
+/// The record of a placement that is still to be searched for.
+PlaceRecord MakePlaceRecord(const PlaceOptions &options, const PlaceInput &input);
+
 /// Searches the map for the model, and the mirrored map where that is asked for: the record's result is that
 /// of the mirrored one only where that hand is the right one.
 void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, placement::Monitor &monitor);

@@ -1,7 +1,6 @@
 #include "hosts/common/SolidFiles.h"
 
 #include "hosts/common/Chains.h"
-#include "hosts/common/Inputs.h"
 #include "hosts/common/ParameterError.h"
 
 #include "formats/files/FileError.h"
@@ -66,11 +65,12 @@ void CheckNoneTwice(const std::vector<std::string> &files, const SolidWords &wor
 
 std::vector<SolidFile> ReadSolidFiles(const std::vector<std::string> &files, const Identifiers &identifiers,
                                       const MovingPart &moving, const SolidWords &words,
-                                      const WarningSink &warn) {
+                                      const WarningSink &warn, InputSource &source) {
     CheckNoneTwice(files, words);
     std::vector<SolidFile> solids;
     for (const std::string &file : files) {
-        const Clump *clump = IsSameFile(file, moving.file) ? moving.clump : LoadStructure(file, warn);
+        const Clump *clump =
+            IsSameFile(file, moving.file) ? moving.clump : LoadStructure(file, warn, nullptr, source);
         solids.push_back(ChooseSolid(file, clump, identifiers, moving, words));
     }
     CheckNamedChains(identifiers, solids, words);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/common/WarningSink.h"
+#include "hosts/common/Inputs.h"
 
 #include "Compound.h"
 
@@ -39,6 +39,6 @@ struct SolidWords {
 std::vector<SolidFile> ReadSolidFiles(const std::vector<std::string> &files,
                                       const std::optional<std::vector<std::string>> &identifiers,
                                       const MovingPart &moving, const SolidWords &words,
-                                      const WarningSink &warn);
+                                      const WarningSink &warn, InputSource &source = InputFiles());
 
 } // namespace hosts

@@ -154,6 +154,19 @@ TEST_F(MapFile, AddsNothingWhenTheModelRefuses) {
     EXPECT_EQ(NodesOfTheModel(), 0u);
 }
 
+TEST_F(MapFile, ReadsAGridOfItsOwnWithoutTouchingTheModel) {
+    const std::string path = m_folder.Write("map", SmallMap());
+    const Grid &added = *ReadMap(path);
+    Space::instance()->SetReadOnly(true);
+    ByteSource source(path);
+    const std::unique_ptr<Grid> grid = ReadFreeMap(source, &m_report);
+    Space::instance()->SetReadOnly(false);
+    EXPECT_EQ(NodesOfTheModel(), 1u);
+    EXPECT_EQ(grid->GetParent(), nullptr);
+    EXPECT_TRUE(std::ranges::equal(grid->Values(), added.Values()));
+    EXPECT_EQ(m_report.mode, 2);
+}
+
 TEST_F(MapFile, AddsNothingWhenTheFileIsBad) {
     EXPECT_NE(ErrorOf(SmallMap().Int(4, 3)), "no error");
     EXPECT_NE(ErrorOf(MapBytes(2, 3, 1).CountingVoxels(5)), "no error");

@@ -100,6 +100,19 @@ TEST_F(ReadPdb, IsRefusedWhileTheModelTakesNoAdditions) {
     EXPECT_EQ(ErrorOf(dipeptide), "model.pdb: cannot be added: the model accepts no additions at present");
 }
 
+TEST_F(ReadPdb, ReadsAModelOfItsOwnWithoutTouchingTheTree) {
+    Space::instance()->SetReadOnly(true);
+    ByteSource source("1abc.pdb", std::string_view(dipeptide));
+    StructureReport report;
+    const std::unique_ptr<Clump> clump = ReadFreeStructure(source, &report);
+    Space::instance()->SetReadOnly(false);
+    EXPECT_EQ(clump->GetParent(), nullptr);
+    EXPECT_EQ(clump->GetName(), "1abc");
+    EXPECT_EQ(Outline(At(clump.get(), {"1abc"})), "A: ALA1(N CA) GLY2(CA)");
+    EXPECT_TRUE(At(clump.get(), {"1abc", "A", "ALA"})->IsAttached());
+    EXPECT_EQ(report.chains.at(0).atoms, 3u);
+}
+
 TEST_F(ReadPdb, ReadsABlankChainIdentifier) {
     std::string text = dipeptide;
     for (const auto at : {21, 21 + 81, 21 + 2 * 81, 21 + 3 * 81})
