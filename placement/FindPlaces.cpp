@@ -46,6 +46,14 @@ std::vector<double> ScoresOf(const std::vector<ScoredPose> &poses) {
     return scores;
 }
 
+std::vector<ScoredPose> NotScored(const std::vector<Pose> &poses) {
+    std::vector<ScoredPose> scored;
+    scored.reserve(poses.size());
+    for (const Pose &pose : poses)
+        scored.push_back({pose, 0});
+    return scored;
+}
+
 /// What two opinions agree on.
 Confidence LessSure(const Confidence &a, const Confidence &b) {
     return {.logExpected = std::max(a.logExpected, b.logExpected),
@@ -121,6 +129,20 @@ public:
         }
         m_result.cancelled = m_monitor.IsCancelled();
         return std::move(m_result);
+    }
+
+    JudgedPlaces RunForAll() {
+        JudgedPlaces all;
+        if (m_spectrum.strongest > 0) {
+            m_monitor.Advance(transformEnd);
+            const std::vector<Pose> candidates = Scan();
+            all.places =
+                JudgeAll(Distinct(m_model, candidates, samePlace * m_parameters.resolution, refinedPoses));
+        }
+        if (!all.places.empty())
+            all.verdict = VerdictOf(all.places.front().confidence);
+        all.cancelled = m_monitor.IsCancelled();
+        return all;
     }
 
     PlacementResult RunNearby() {
@@ -205,10 +227,7 @@ private:
 
     void RefineAll(const std::vector<Pose> &starts) {
         const double resolution = m_parameters.resolution;
-        std::vector<ScoredPose> poses;
-        poses.reserve(starts.size());
-        for (const Pose &start : starts)
-            poses.push_back({start, 0});
+        std::vector<ScoredPose> poses = NotScored(starts);
         const double before = RefineThroughLevels(poses);
         Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
         const std::vector<ScoredPose> places = Finish(poses, finest, before);
@@ -218,12 +237,37 @@ private:
         AddProfile(finest);
         finest = {}; // before the next one takes as much memory
         finest = MakeFinest(LevelFilter(m_spectrum, finestWidth * resolution));
-        const Confidence second = SecondOpinion(Finish(poses, finest, before), finest);
+        const Confidence second =
+            SecondOpinion(m_result.places.front().pose, Finish(poses, finest, before), finest);
         m_result.confidence = LessSure(m_result.confidence, second);
         m_result.verdict = VerdictOf(m_result.confidence);
         finest = {};
         DropOverlapping();
         AddDensityShares();
+    }
+
+    /// Every distinct place with what both filters say of it.
+    std::vector<JudgedPlace> JudgeAll(const std::vector<Pose> &starts) {
+        std::vector<ScoredPose> poses = NotScored(starts);
+        const double before = RefineThroughLevels(poses);
+        const std::vector<ScoredPose> places =
+            Finish(poses, MakeFinest(MatchedFilter(m_spectrum, ModelPower())), before);
+        const WrongTail tail = FitWrongTail(ScoresOf(places));
+        const Volume finest = MakeFinest(LevelFilter(m_spectrum, finestWidth * m_parameters.resolution));
+        const std::vector<ScoredPose> seconds = Finish(poses, finest, before);
+        std::vector<JudgedPlace> judged;
+        for (const ScoredPose &place : places) {
+            std::vector<ScoredPose> list = places;
+            std::swap(list.front(), list[judged.size()]);
+            Confidence confidence = ConfidenceOf(m_model, list, tail);
+            // A second opinion only lessens a probability: there is none to ask of what one filter rules out.
+            if (confidence.place >= unsureTurn)
+                confidence = LessSure(confidence, SecondOpinion(place.pose, seconds, finest));
+            judged.push_back({PlaceOf(place), confidence});
+            judged.back().place.probability = confidence.probability;
+            judged.back().place.logExpected = confidence.logExpected;
+        }
+        return judged;
     }
 
     RadialCurve ModelPower() const {
@@ -324,11 +368,12 @@ private:
                TurnWeight(first.score, place.score, m_result.tail) > unsureTurn;
     }
 
-    /// How sure the first place is by the filter without the model, among the places that this filter finds.
-    Confidence SecondOpinion(const std::vector<ScoredPose> &places, const Volume &finest) const {
+    /// How sure a pose is by the filter without the model, among the places that this filter finds.
+    Confidence SecondOpinion(const Pose &pose, const std::vector<ScoredPose> &places,
+                             const Volume &finest) const {
         const double resolution = m_parameters.resolution;
         std::vector<ScoredPose> list{
-            Refine(finest, m_points, m_model.gyration, m_result.places.front().pose,
+            Refine(finest, m_points, m_model.gyration, pose,
                    {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution})};
         const double same = samePlace * resolution;
         for (const ScoredPose &place : places)
@@ -400,6 +445,12 @@ PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &
                            const PlacementParameters &parameters, Monitor &monitor) {
     CheckResolution(parameters);
     return Search(map, atoms, parameters, monitor).Run();
+}
+
+JudgedPlaces FindJudgedPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+                              const PlacementParameters &parameters, Monitor &monitor) {
+    CheckResolution(parameters);
+    return Search(map, atoms, parameters, monitor).RunForAll();
 }
 
 PlacementResult RefinePlace(const VolumeView &map, const std::vector<ModelAtom> &atoms,

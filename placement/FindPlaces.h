@@ -72,6 +72,23 @@ std::size_t FoundCopies(const PlacementResult &result);
 PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                            const PlacementParameters &parameters, Monitor &monitor);
 
+/// A place of a search, and how sure it is by itself.
+struct JudgedPlace {
+    Place place;
+    Confidence confidence; ///< what both filters agree on, the other turns at this place included
+};
+
+/// All places that a search found, as the choice among the places of several models needs them.
+struct JudgedPlaces {
+    std::vector<JudgedPlace> places;      ///< distinct ones, best first, those that overlap a better one too
+    Verdict verdict = Verdict::NoDensity; ///< of the first one
+    bool cancelled = false;               ///< the search is not finished, and says nothing
+};
+
+/// Searches as FindPlaces does and judges every place by both filters. Throws as it does.
+JudgedPlaces FindJudgedPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+                              const PlacementParameters &parameters, Monitor &monitor);
+
 /// Brings a model that stands nearly right to the best place near by: its own turn and those up to 30° off
 /// it, its own centre and those up to 10 Å or half its radius away are tried on a coarse level, and the best
 /// climb through finer ones to the filter itself, as those of a search do. `region` is left out of account.
