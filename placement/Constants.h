@@ -120,6 +120,15 @@ constexpr double neighbourReach = 4;
 /// at twice it 158 and 61, since true places lie in what is kept free.
 constexpr double keptFree = 4;
 
+// Assemblies
+
+/// Residues whose centres are nearer than these touch, or clash, Å: the centres of two chains' backbones come
+/// no nearer than 3.5 Å to one another.
+constexpr double contactDistance = 8, clashDistance = 3;
+/// Two places exclude one another where more than this part of one's residues clash: true neighbours that are
+/// placed 1 Å off, or bent by 1.5 Å, have a few percent, of two models in one place half the residues clash.
+constexpr double maxClashShare = 0.1;
+
 // A model that stands nearly right
 
 /// How far from its own place other starts are tried: Å (or half the model's radius) and degrees.
