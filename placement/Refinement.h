@@ -1,5 +1,6 @@
 #pragma once
 
+#include "placement/Ascent.h"
 #include "placement/Kernels.h"
 
 namespace placement {
@@ -10,16 +11,8 @@ struct ScoredPose {
     double score = 0;
 };
 
-/// How far a refinement may go.
-struct RefinementSteps {
-    int max = 0;        ///< steps of the minimiser
-    double first = 0;   ///< length of the first one, Å
-    double longest = 0; ///< of any, Å
-};
-
-/// Climbs to the local maximum of a pose's score: BFGS (Nocedal & Wright 2006, 6.1) in six unknowns, the
-/// shift and the rotation times the model's radius of gyration, so that all six are lengths by which the
-/// model's points move. Each step is halted until the score grows (Armijo).
+/// Climbs to the local maximum of a pose's score, see Ascent.h: in six unknowns, the shift and the rotation
+/// times the model's radius of gyration, so that all six are lengths by which the model's points move.
 ScoredPose Refine(const Volume &volume, const WeightedPoints &points, double gyration, const Pose &start,
                   const RefinementSteps &steps);
 
