@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <mutex>
 
 namespace placement {
 
@@ -96,6 +97,9 @@ private:
     std::uint8_t m_background;
 };
 
+/// What threads write often stands at least this far apart, bytes: a processor's unit of sharing.
+constexpr std::size_t cacheLine = 64;
+
 /// Neighbouring places: bit i of `live` tells whether place first + i is one.
 struct Chunk {
     std::int32_t first;
@@ -114,40 +118,93 @@ std::vector<Chunk> ChunksOf(const std::vector<std::int32_t> &places) {
     return chunks;
 }
 
-/// The best candidates that one thread came across. It takes rotations in ascending order, so that a later
-/// candidate of the same sum is never the better one and may be left out.
-class BestCandidates {
+/// The sum that a candidate must exceed to be among the best of all threads. Each tells now and then what it
+/// has found, so that all soon know what is not worth keeping.
+class Floor {
 public:
-    explicit BestCandidates(std::uint16_t floor)
+    /// Sums up to `lowest` are not wanted, none is above `highest`.
+    Floor(std::uint16_t lowest, std::uint16_t highest)
+        : m_floor(lowest)
+        , m_counts(std::size_t(highest) + 1) {}
+
+    std::uint16_t Value() const { return m_floor.load(std::memory_order_relaxed); }
+
+    void Count(std::span<const Candidate> found) {
+        const std::lock_guard lock(m_mutex);
+        for (const Candidate &candidate : found)
+            ++m_counts[candidate.sum];
+        // Below a sum that enough candidates reach, none is among the best; of those that just reach it, some
+        // may be.
+        std::size_t better = 0;
+        for (std::size_t sum = m_counts.size(); --sum > Value();)
+            if ((better += m_counts[sum]) >= keptCandidates)
+                m_floor = std::uint16_t(sum - 1);
+    }
+
+private:
+    std::atomic<std::uint16_t> m_floor;
+    alignas(cacheLine) std::mutex m_mutex;
+    std::vector<std::size_t> m_counts; ///< of candidates, by their sum
+};
+
+/// The best candidates that one thread came across.
+class alignas(cacheLine) BestCandidates {
+public:
+    explicit BestCandidates(Floor &floor)
         : m_floor(floor) {}
 
     /// Sums up to this one are not wanted.
-    std::uint16_t Floor() const { return m_floor; }
+    std::uint16_t Threshold() const { return m_floor.Value(); }
 
     void Add(const Candidate &candidate) {
         m_candidates.push_back(candidate);
-        if (m_candidates.size() >= 4 * keptCandidates) {
+        if (m_candidates.size() < m_counted + countedAtOnce)
+            return;
+        m_floor.Count(std::span(m_candidates).subspan(m_counted));
+        if (m_candidates.size() > 4 * keptCandidates)
             Trim();
-            m_floor = std::max_element(m_candidates.begin(), m_candidates.end())->sum;
-        }
+        m_counted = m_candidates.size();
     }
 
+    /// Best first.
+    std::vector<Candidate> &Sorted() {
+        Trim();
+        std::sort(m_candidates.begin(), m_candidates.end());
+        return m_candidates;
+    }
+
+private:
+    static constexpr std::size_t countedAtOnce = 512;
+
     void Trim() {
+        std::erase_if(m_candidates, [this](const Candidate &c) { return c.sum <= Threshold(); });
         if (m_candidates.size() <= keptCandidates)
             return;
         std::nth_element(m_candidates.begin(), m_candidates.begin() + keptCandidates, m_candidates.end());
         m_candidates.resize(keptCandidates);
     }
 
-    std::vector<Candidate> &All() { return m_candidates; }
-
-private:
-    std::uint16_t m_floor;
+    Floor &m_floor;
     std::vector<Candidate> m_candidates;
+    std::size_t m_counted = 0;
 };
 
+std::vector<Candidate> BestOfAll(std::vector<BestCandidates> &lists, unsigned threads) {
+    std::vector<std::vector<Candidate>> sorted(lists.size());
+    ForEach(lists.size(), threads,
+            [&](std::size_t i, unsigned) { sorted[i] = std::move(lists[i].Sorted()); });
+    std::vector<Candidate> all = std::move(sorted.front());
+    for (std::size_t i = 1; i < sorted.size(); ++i) {
+        const auto middle = std::ptrdiff_t(all.size());
+        all.insert(all.end(), sorted[i].begin(), sorted[i].end());
+        std::inplace_merge(all.begin(), all.begin() + middle, all.end());
+    }
+    all.resize(std::min(all.size(), keptCandidates));
+    return all;
+}
+
 /// Scores one rotation at all places.
-class RotationScan {
+class alignas(cacheLine) RotationScan {
 public:
     RotationScan(const LevelGrid &grid, const std::vector<Chunk> &chunks, std::span<const Point> points)
         : m_grid(grid)
@@ -164,7 +221,7 @@ public:
             const std::uint8_t *levels[blockChunks];
             for (std::size_t c = 0; c < blockChunks; ++c)
                 levels[c] = m_grid.At(m_chunks[first + c].first);
-            const unsigned marks = SumLevels(levels, m_offsets, best.Floor(), m_sums);
+            const unsigned marks = SumLevels(levels, m_offsets, best.Threshold(), m_sums);
             for (std::size_t c = 0; c < blockChunks; ++c)
                 if (marks >> c & 1)
                     TakeBest(m_chunks[first + c], m_sums + chunkPlaces * c, number, best);
@@ -174,7 +231,7 @@ public:
 private:
     static void TakeBest(const Chunk &chunk, const std::uint16_t *sums, std::uint32_t rotation,
                          BestCandidates &best) {
-        Candidate candidate{best.Floor(), rotation, -1};
+        Candidate candidate{best.Threshold(), rotation, -1};
         for (std::size_t i = 0; i < chunkPlaces; ++i)
             if (sums[i] > candidate.sum && (chunk.live >> i & 1)) {
                 candidate.sum = sums[i];
@@ -191,15 +248,6 @@ private:
     std::uint16_t m_sums[chunkPlaces * blockChunks] = {};
 };
 
-std::vector<Candidate> Merge(std::vector<BestCandidates> &lists) {
-    BestCandidates all(0);
-    for (BestCandidates &list : lists)
-        all.All().insert(all.All().end(), list.All().begin(), list.All().end());
-    all.Trim();
-    std::sort(all.All().begin(), all.All().end());
-    return std::move(all.All());
-}
-
 } // namespace
 
 std::array<std::size_t, 3> VoxelsInBox(const Volume &volume, const std::array<double, 3> &lengths) {
@@ -211,8 +259,8 @@ std::array<std::size_t, 3> VoxelsInBox(const Volume &volume, const std::array<do
 }
 
 std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox) {
-    // A few million values tell as much as all, and take less memory than a second volume.
-    constexpr std::size_t enough = 1 << 22;
+    // They tell a percentile to a tenth of a percent.
+    constexpr std::size_t enough = 1 << 18;
     const std::size_t stride = inBox[0] * inBox[1] * inBox[2] / enough + 1;
     std::vector<float> values;
     values.reserve(inBox[0] * (inBox[1] * inBox[2] / stride + 1));
@@ -227,11 +275,22 @@ std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_
     return values;
 }
 
+std::pair<float, float> RangeInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox) {
+    float lowest = volume.values.front(), highest = lowest;
+    for (std::size_t k = 0; k < inBox[2]; ++k)
+        for (std::size_t j = 0; j < inBox[1]; ++j)
+            for (const float value : std::span(volume.values).subspan(volume.Index(0, j, k), inBox[0])) {
+                lowest = std::min(lowest, value);
+                highest = std::max(highest, value);
+            }
+    return {lowest, highest};
+}
+
 double DensityThreshold(const Volume &smoothed, const std::array<std::size_t, 3> &inBox) {
     std::vector<float> values = ValuesInBox(smoothed, inBox);
     const auto lowest = values.begin() + std::ptrdiff_t(maskBase * double(values.size()));
     std::nth_element(values.begin(), lowest, values.end());
-    const double base = double(*lowest), top = double(*std::ranges::max_element(values));
+    const double base = double(*lowest), top = double(RangeInBox(smoothed, inBox).second);
     return base + maskHeight * (top - base);
 }
 
@@ -258,7 +317,8 @@ std::vector<Pose> CoarseSearch(const CoarseJob &job, unsigned threads, Monitor &
         return {};
     const std::vector<Chunk> chunks = ChunksOf(grid.Places());
     // A model that lies in the background has this sum; less is not worth keeping.
-    const auto floor = std::uint16_t(grid.Background() * job.points.size());
+    Floor floor(std::uint16_t(grid.Background() * job.points.size()),
+                std::uint16_t(highestLevel * job.points.size()));
     std::vector<BestCandidates> best(std::max(1u, threads), BestCandidates(floor));
     std::vector<RotationScan> scans(std::max(1u, threads), RotationScan(grid, chunks, job.points));
     std::atomic<std::size_t> done = 0;
@@ -271,7 +331,7 @@ std::vector<Pose> CoarseSearch(const CoarseJob &job, unsigned threads, Monitor &
             monitor.Advance(double(done) / double(job.rotations.size()));
     });
     std::vector<Pose> poses;
-    for (const Candidate &candidate : Merge(best))
+    for (const Candidate &candidate : BestOfAll(best, threads))
         poses.push_back({job.rotations[candidate.rotation], grid.PositionOf(candidate.place)});
     return poses;
 }

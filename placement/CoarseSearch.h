@@ -22,8 +22,11 @@ struct CoarseJob {
 /// padding.
 std::array<std::size_t, 3> VoxelsInBox(const Volume &volume, const std::array<double, 3> &lengths);
 
-/// The values of the voxels `inBox`; of more than four million an even sample of rows.
+/// The values of the voxels `inBox`; of more than a quarter of a million an even sample of rows.
 std::vector<float> ValuesInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox);
+
+/// The lowest and the highest value of all voxels `inBox`.
+std::pair<float, float> RangeInBox(const Volume &volume, const std::array<std::size_t, 3> &inBox);
 
 /// The value above which a smoothed map counts as density: 15 % of the way from the lowest tenth of its
 /// voxels `inBox` to their maximum.

@@ -1,8 +1,11 @@
 #include "placement/Filter.h"
 
 #include "placement/Constants.h"
+#include "placement/Parallel.h"
 
 #include <numbers>
+#include <numeric>
+#include <span>
 
 namespace placement {
 
@@ -53,15 +56,23 @@ RadialCurve GaussianFilter(double sigma, double end) {
     return Sample(end, end / samples, [&](double k) { return k < end ? Gaussian(sigma * sigma, k) : 0.0; });
 }
 
-void ScaleToUnitPower(Volume &volume) {
-    double squares = 0;
-    for (const float value : volume.values)
-        squares += double(value) * double(value);
-    if (squares == 0)
+void ScaleToUnitPower(Volume &volume, unsigned threads) {
+    // Sums of sections, so that the order in which they are added does not depend on the threads.
+    const std::size_t size = volume.count[0] * volume.count[1];
+    const auto section = [&](std::size_t k) { return std::span(volume.values).subspan(k * size, size); };
+    std::vector<double> squares(volume.count[2]);
+    ForEach(squares.size(), threads, [&](std::size_t k, unsigned) {
+        for (const float value : section(k))
+            squares[k] += double(value) * double(value);
+    });
+    const double sum = std::accumulate(squares.begin(), squares.end(), 0.0);
+    if (sum == 0)
         return;
-    const auto scale = float(std::sqrt(double(volume.values.size()) / squares));
-    for (float &value : volume.values)
-        value *= scale;
+    const auto scale = float(std::sqrt(double(volume.values.size()) / sum));
+    ForEach(squares.size(), threads, [&](std::size_t k, unsigned) {
+        for (float &value : section(k))
+            value *= scale;
+    });
 }
 
 } // namespace placement

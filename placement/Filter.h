@@ -36,6 +36,6 @@ RadialCurve LevelFilter(const Spectrum &spectrum, double sigma);
 RadialCurve GaussianFilter(double sigma, double end);
 
 /// Scales the values so that their mean square is 1; all zeros stay.
-void ScaleToUnitPower(Volume &volume);
+void ScaleToUnitPower(Volume &volume, unsigned threads);
 
 } // namespace placement

@@ -89,8 +89,8 @@ bool SeemsInverted(const Volume &smoothed, const std::array<std::size_t, 3> &inB
     std::vector<float> values = ValuesInBox(smoothed, inBox);
     const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
-    const auto [lowest, highest] = std::ranges::minmax_element(values);
-    return *middle - *lowest > invertedRatio * (*highest - *middle);
+    const auto [lowest, highest] = RangeInBox(smoothed, inBox);
+    return *middle - lowest > invertedRatio * (highest - *middle);
 }
 
 void CheckResolution(const PlacementParameters &parameters) {
@@ -294,7 +294,7 @@ private:
 
     Volume MakeFinest(const RadialCurve &filter) const {
         Volume finest = MakeLevel(filter, finestVoxel * finestWidth * m_parameters.resolution);
-        ScaleToUnitPower(finest);
+        ScaleToUnitPower(finest, m_parameters.threads);
         return finest;
     }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <numbers>
+#include <optional>
 
 namespace placement {
 
@@ -31,6 +32,16 @@ std::size_t BandOf(double length, std::size_t count, double cutOff) {
 std::size_t SampleOf(std::size_t row, const Waves &waves, std::size_t axis,
                      const std::array<std::size_t, 3> &count) {
     return row > waves.band[axis] ? row + count[axis] - waves.Rows(axis) : row;
+}
+
+/// The frequency that a sample along an axis stands for; none beyond the band.
+std::optional<long> FrequencyOf(std::size_t sample, const Waves &waves, std::size_t axis,
+                                const std::array<std::size_t, 3> &count) {
+    if (sample <= waves.band[axis])
+        return long(sample);
+    if (sample + waves.band[axis] >= count[axis])
+        return long(sample) - long(count[axis]);
+    return std::nullopt;
 }
 
 /// Transforms one section, all rows (j, k) of one k, along x and y; only the waves of the band are kept. All
@@ -80,6 +91,9 @@ public:
     /// The waves of row (j, l), samples along y and z.
     Complex *Row(std::size_t j, std::size_t l) { return Data() + m_row * j + m_plane * l; }
 
+    /// Sets the waves of section l to 0.
+    void Clear(std::size_t l) { std::fill_n(Row(0, l), m_plane, Complex()); }
+
     /// Transforms the first `columns` waves of row j of all sections along z.
     void AlongZ(std::size_t j, std::size_t columns) {
         const pocketfft::stride_t strides{complexBytes * std::ptrdiff_t(m_plane), complexBytes};
@@ -88,38 +102,36 @@ public:
     }
 
     /// Transforms section k along y, of which only the first `columns` waves of a row are not 0, and along x.
+    /// Its rows are closed up.
     void Section(std::size_t k, std::size_t columns) {
         const pocketfft::stride_t waves{complexBytes * std::ptrdiff_t(m_row), complexBytes};
         const pocketfft::stride_t values{complexBytes * std::ptrdiff_t(m_row), sizeof(float)};
         pocketfft::c2c({m_count[1], columns}, waves, waves, {0}, pocketfft::BACKWARD, Row(0, k), Row(0, k),
                        1.0f);
-        pocketfft::c2r({m_count[1], m_count[0]}, waves, values, 1, pocketfft::BACKWARD, Row(0, k),
-                       m_values.data() + 2 * m_plane * k, 1.0f);
+        float *section = m_values.data() + 2 * m_plane * k;
+        pocketfft::c2r({m_count[1], m_count[0]}, waves, values, 1, pocketfft::BACKWARD, Row(0, k), section,
+                       1.0f);
+        for (std::size_t j = 1; j < m_count[1]; ++j)
+            std::copy_n(section + 2 * m_row * j, m_count[0], section + m_count[0] * j);
     }
 
-    /// The values, rows closed up.
-    std::vector<float> Take() {
-        const std::size_t rows = m_count[1] * m_count[2];
-        for (std::size_t row = 1; row < rows; ++row)
-            CloseUp(row);
-        m_values.resize(m_count[0] * rows);
+    /// The values, sections closed up.
+    LargeVector<float> Take() {
+        const std::size_t section = m_count[0] * m_count[1];
+        for (std::size_t k = 1; k < m_count[2]; ++k)
+            std::copy_n(m_values.begin() + std::ptrdiff_t(2 * m_plane * k), section,
+                        m_values.begin() + std::ptrdiff_t(section * k));
+        m_values.resize(section * m_count[2]);
         return std::move(m_values);
     }
 
 private:
-    /// Moves a row towards the front; its places may overlap.
-    void CloseUp(std::size_t row) {
-        const auto from = m_values.begin() + std::ptrdiff_t(2 * m_row * row);
-        std::copy(from, from + std::ptrdiff_t(m_count[0]),
-                  m_values.begin() + std::ptrdiff_t(m_count[0] * row));
-    }
-
     /// A complex number is laid out as two of its components.
     Complex *Data() { return reinterpret_cast<Complex *>(m_values.data()); }
 
     std::array<std::size_t, 3> m_count;
     std::size_t m_row, m_plane; ///< waves
-    std::vector<float> m_values;
+    LargeVector<float> m_values;
 };
 
 /// sinc² of the wave of frequency f among `count` samples: what linear interpolation leaves of it.
@@ -128,8 +140,37 @@ float LinearLoss(std::size_t f, std::size_t count) {
     return f > 0 ? float(std::pow(std::sin(x) / x, 2)) : 1.0f;
 }
 
+/// Multiplies rows of waves by a curve, and by what makes good for linear interpolation.
+class WaveFilter {
+public:
+    WaveFilter(const Waves &waves, const RadialCurve &weight, const std::array<std::size_t, 3> &count,
+               Between between)
+        : m_waves(waves)
+        , m_weight(weight) {
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            for (std::size_t f = 0; f <= waves.band[axis]; ++f)
+                m_losses[axis].push_back(between == Between::Linear ? LinearLoss(f, count[axis]) : 1.0f);
+    }
+
+    /// The row of the frequencies j and l.
+    void Apply(const Complex *in, long j, long l, Complex *out) const {
+        const double ky = double(j) / m_waves.length[1], kz = double(l) / m_waves.length[2];
+        const float loss = m_losses[1][std::size_t(std::abs(j))] * m_losses[2][std::size_t(std::abs(l))];
+        for (std::size_t h = 0; h <= m_waves.band[0]; ++h) {
+            const double kx = double(h) / m_waves.length[0];
+            out[h] = in[h] *
+                     (float(m_weight.At(std::sqrt(kx * kx + ky * ky + kz * kz))) / (loss * m_losses[0][h]));
+        }
+    }
+
+private:
+    const Waves &m_waves;
+    const RadialCurve &m_weight;
+    std::array<std::vector<float>, 3> m_losses;
+};
+
 /// Transforms all columns along z of `sections` planes of `plane` values forward, in place.
-void AlongZ(std::vector<Complex> &values, std::size_t sections, std::size_t plane, unsigned threads) {
+void AlongZ(LargeVector<Complex> &values, std::size_t sections, std::size_t plane, unsigned threads) {
     const pocketfft::stride_t strides{complexBytes * std::ptrdiff_t(plane), complexBytes};
     ForEach((plane + columnBlock - 1) / columnBlock, threads, [&](std::size_t block, unsigned) {
         Complex *first = values.data() + block * columnBlock;
@@ -190,29 +231,19 @@ Volume Synthesise(const Waves &waves, const RadialCurve &weight, double voxel, u
             std::min(waves.band[axis], BandOf(waves.length[axis], volume.count[axis], weight.End()));
     }
     volume.origin = waves.origin;
-    std::array<std::vector<float>, 3> factors;
-    for (std::size_t axis = 0; axis < 3; ++axis)
-        for (std::size_t f = 0; f <= part.band[axis]; ++f)
-            factors[axis].push_back(between == Between::Linear ? LinearLoss(f, volume.count[axis]) : 1.0f);
+    const WaveFilter filter(part, weight, volume.count, between);
     const std::size_t columns = part.band[0] + 1;
     InPlaceBox box(volume.count);
-    ForEach(part.Rows(2), threads, [&](std::size_t section, unsigned) {
-        const long l = part.Frequency(section, 2);
-        const double kz = double(l) / part.length[2];
-        for (std::size_t row = 0; row < part.Rows(1); ++row) {
-            const long j = part.Frequency(row, 1);
-            const double ky = double(j) / part.length[1];
-            const float loss = factors[1][std::size_t(std::abs(j))] * factors[2][std::size_t(std::abs(l))];
-            const Complex *in = waves.values.data() +
-                                (waves.band[0] + 1) * (waves.Row(j, 1) + waves.Rows(1) * waves.Row(l, 2));
-            Complex *out =
-                box.Row(SampleOf(row, part, 1, volume.count), SampleOf(section, part, 2, volume.count));
-            for (std::size_t h = 0; h < columns; ++h) {
-                const double kx = double(h) / part.length[0];
-                out[h] = in[h] *
-                         (float(weight.At(std::sqrt(kx * kx + ky * ky + kz * kz))) / (loss * factors[0][h]));
+    ForEach(volume.count[2], threads, [&](std::size_t section, unsigned) {
+        box.Clear(section);
+        if (const std::optional<long> l = FrequencyOf(section, part, 2, volume.count))
+            for (std::size_t row = 0; row < part.Rows(1); ++row) {
+                const long j = part.Frequency(row, 1);
+                const Complex *in =
+                    waves.values.data() +
+                    (waves.band[0] + 1) * (waves.Row(j, 1) + waves.Rows(1) * waves.Row(*l, 2));
+                filter.Apply(in, j, *l, box.Row(SampleOf(row, part, 1, volume.count), section));
             }
-        }
     });
     ForEach(part.Rows(1), threads,
             [&](std::size_t row, unsigned) { box.AlongZ(SampleOf(row, part, 1, volume.count), columns); });

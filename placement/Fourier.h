@@ -15,7 +15,7 @@ struct Waves {
     std::array<std::size_t, 3> band{};
     std::array<double, 3> length{}; ///< Å
     Point origin;
-    std::vector<std::complex<float>> values;
+    LargeVector<std::complex<float>> values;
 
     /// Where frequency f of axis 1 or 2 stands, -band <= f <= band: negative ones lie behind the others.
     std::size_t Row(long f, std::size_t axis) const {
@@ -28,21 +28,27 @@ struct Waves {
     std::size_t Rows(std::size_t axis) const { return 2 * band[axis] + 1; }
 };
 
-/// Calls visit(k, index, weight) for each wave that is held, k being its wavenumber in 1/Å and the index that
-/// of `values`. A wave that stands for its conjugate too has the weight 2, others 1.
+/// Calls visit(k, index, weight) for each wave that is held in a section, the waves of one row of axis 2; k
+/// is the wavenumber in 1/Å and the index that of `values`. A wave that stands for its conjugate too has the
+/// weight 2, others 1.
 template <class Visit>
-void ForEachWave(const Waves &waves, Visit visit) {
-    std::size_t index = 0;
-    for (std::size_t section = 0; section < waves.Rows(2); ++section) {
-        const double kz = double(waves.Frequency(section, 2)) / waves.length[2];
-        for (std::size_t row = 0; row < waves.Rows(1); ++row) {
-            const double ky = double(waves.Frequency(row, 1)) / waves.length[1];
-            for (std::size_t h = 0; h <= waves.band[0]; ++h) {
-                const double kx = double(h) / waves.length[0];
-                visit(std::sqrt(kx * kx + ky * ky + kz * kz), index++, h > 0 ? 2.0 : 1.0);
-            }
+void ForEachWaveIn(const Waves &waves, std::size_t section, Visit visit) {
+    std::size_t index = (waves.band[0] + 1) * waves.Rows(1) * section;
+    const double kz = double(waves.Frequency(section, 2)) / waves.length[2];
+    for (std::size_t row = 0; row < waves.Rows(1); ++row) {
+        const double ky = double(waves.Frequency(row, 1)) / waves.length[1];
+        for (std::size_t h = 0; h <= waves.band[0]; ++h) {
+            const double kx = double(h) / waves.length[0];
+            visit(std::sqrt(kx * kx + ky * ky + kz * kz), index++, h > 0 ? 2.0 : 1.0);
         }
     }
+}
+
+/// Likewise for each wave of all sections.
+template <class Visit>
+void ForEachWave(const Waves &waves, Visit visit) {
+    for (std::size_t section = 0; section < waves.Rows(2); ++section)
+        ForEachWaveIn(waves, section, visit);
 }
 
 /// The smallest number of samples, at least `minimum`, that is even and has no prime factor above 7.

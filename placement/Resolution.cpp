@@ -13,7 +13,7 @@ double EstimateResolution(const VolumeView &map, const PointModel &model, unsign
         std::min(1 / finestEstimate, 0.5 * usableNyquist / *std::ranges::max_element(map.spacing));
     const Waves waves = TransformPadded(Trimmed(map, model, resolutionGuess, threads),
                                         padding * resolutionGuess, end, threads);
-    const RadialCurve power = RadialPower(waves, end);
+    const RadialCurve power = RadialPower(waves, end, threads);
     const RadialCurve modelPower = DebyePower(model, end, power.step);
     const auto perPoint = [&](std::size_t shell) {
         return power.values[shell] / modelPower.At(double(shell) * power.step);

@@ -1,9 +1,11 @@
 #include "placement/Spectrum.h"
 
 #include "placement/Constants.h"
+#include "placement/Parallel.h"
 
 #include <algorithm>
 #include <numbers>
+#include <numeric>
 
 namespace placement {
 
@@ -24,53 +26,93 @@ RowSource RowsOf(const VolumeView &volume) {
     return [&volume](std::size_t j, std::size_t k, float *row) { std::ranges::copy(volume.Row(j, k), row); };
 }
 
-template <class Visit>
-void ForEachValue(const VolumeView &map, Visit visit) {
-    for (std::size_t k = 0; k < map.count[2]; ++k)
-        for (std::size_t j = 0; j < map.count[1]; ++j)
-            for (const float value : map.Row(j, k))
-                visit(value);
-}
-
 double NumberOf(const VolumeView &map) {
     return double(map.count[0]) * double(map.count[1]) * double(map.count[2]);
 }
 
+/// The sum of term(section) over sections. Each is a sum of its own, so that the total does not depend on the
+/// threads.
+template <class Term>
+auto SumOverSections(std::size_t sections, unsigned threads, Term term) {
+    std::vector<decltype(term(sections))> terms(sections);
+    ForEach(sections, threads, [&](std::size_t section, unsigned) { terms[section] = term(section); });
+    return std::accumulate(terms.begin(), terms.end(), decltype(term(sections)){});
+}
+
+/// The sum of term(value) over all values.
+template <class Term>
+double SumOverValues(const VolumeView &map, unsigned threads, Term term) {
+    return SumOverSections(map.count[2], threads, [&](std::size_t k) {
+        double sum = 0;
+        for (std::size_t j = 0; j < map.count[1]; ++j)
+            for (const float value : map.Row(j, k))
+                sum += term(double(value));
+        return sum;
+    });
+}
+
 /// Mean square of the values about their mean.
-double Variance(const VolumeView &map) {
-    double mean = 0, squares = 0;
-    ForEachValue(map, [&](float value) { mean += double(value); });
-    mean /= NumberOf(map);
-    ForEachValue(map, [&](float value) { squares += Squared(double(value) - mean); });
-    return squares / NumberOf(map);
+double Variance(const VolumeView &map, unsigned threads) {
+    const double mean = SumOverValues(map, threads, [](double value) { return value; }) / NumberOf(map);
+    return SumOverValues(map, threads, [&](double value) { return Squared(value - mean); }) / NumberOf(map);
 }
 
 bool IsConstant(const VolumeView &map) {
-    bool constant = true;
-    const float first = map.values.front();
-    ForEachValue(map, [&](float value) { constant &= value == first; });
-    return constant;
+    for (std::size_t k = 0; k < map.count[2]; ++k)
+        for (std::size_t j = 0; j < map.count[1]; ++j)
+            for (const float value : map.Row(j, k))
+                if (value != map.values.front())
+                    return false;
+    return true;
+}
+
+/// How many waves there are in some part of reciprocal space, and their power.
+struct Power {
+    double waves = 0, sum = 0;
+
+    void Add(double number, double power) {
+        waves += number;
+        sum += power;
+    }
+    friend Power operator+(Power a, const Power &b) {
+        a.Add(b.waves, b.sum);
+        return a;
+    }
+};
+
+/// The power of the waves below a wavenumber and in a band that begins there.
+struct BandPower {
+    Power below, band;
+
+    friend BandPower operator+(const BandPower &a, const BandPower &b) {
+        return {a.below + b.below, a.band + b.band};
+    }
+};
+
+/// The wave at k = 0, the map's mean, is left out.
+BandPower PowerAbout(const Waves &waves, double begin, double end, unsigned threads) {
+    return SumOverSections(waves.Rows(2), threads, [&](std::size_t section) {
+        BandPower power;
+        ForEachWaveIn(waves, section, [&](double k, std::size_t index, double weight) {
+            if (k > 0 && k <= end)
+                (k > begin ? power.band : power.below)
+                    .Add(weight, weight * double(std::norm(waves.values[index])));
+        });
+        return power;
+    });
 }
 
 /// Tells how much of the map's power lies beyond the filter's end, and how strong a wave is there.
-void MeasureSharpness(const Waves &waves, const VolumeView &map, Spectrum &spectrum) {
-    const double all = Variance(map), number = NumberOf(map);
+void MeasureSharpness(const Waves &waves, const VolumeView &map, Spectrum &spectrum, unsigned threads) {
     const double begin = cutBegin / spectrum.resolution, end = cutEnd / spectrum.resolution;
-    double within = 0, wavesWithin = 0, band = 0, wavesInBand = 0;
-    ForEachWave(waves, [&](double k, std::size_t index, double weight) {
-        if (k == 0 || k > end)
-            return;
-        const auto power = double(std::norm(waves.values[index]));
-        within += weight * power;
-        wavesWithin += weight;
-        band += k > begin ? weight * power : 0;
-        wavesInBand += k > begin ? weight : 0;
-    });
-    if (!(all > 0 && band > 0 && number > wavesWithin + 1))
+    const auto [below, band] = PowerAbout(waves, begin, end, threads);
+    const Power within = below + band;
+    const double all = Variance(map, threads), number = NumberOf(map);
+    if (!(all > 0 && band.sum > 0 && number > within.waves + 1))
         return;
-    const double beyond = std::max(0.0, all - within);
+    const double beyond = std::max(0.0, all - within.sum);
     spectrum.sharpShare = beyond / all;
-    spectrum.sharpness = beyond / (number - 1 - wavesWithin) / (band / wavesInBand);
+    spectrum.sharpness = beyond / (number - 1 - within.waves) / (band.sum / band.waves);
 }
 
 /// Mean of the values on the six faces.
@@ -162,19 +204,22 @@ Waves TransformPadded(const VolumeView &map, double pad, double cutOff, unsigned
                            cutOff, threads);
 }
 
-RadialCurve RadialPower(const Waves &waves, double end) {
+RadialCurve RadialPower(const Waves &waves, double end, unsigned threads) {
     RadialCurve power{1 / Smallest(waves.length), {}};
-    power.values.resize(std::size_t(end / power.step) + 3);
-    std::vector<double> weights(power.values.size());
-    ForEachWave(waves, [&](double k, std::size_t index, double weight) {
-        const auto shell = std::size_t(std::lround(k / power.step));
-        if (shell < weights.size()) {
-            power.values[shell] += weight * double(std::norm(waves.values[index]));
-            weights[shell] += weight;
-        }
+    const std::size_t shells = std::size_t(end / power.step) + 3;
+    std::vector<std::vector<Power>> sections(waves.Rows(2), std::vector<Power>(shells));
+    ForEach(sections.size(), threads, [&](std::size_t section, unsigned) {
+        ForEachWaveIn(waves, section, [&](double k, std::size_t index, double weight) {
+            if (const auto shell = std::size_t(k / power.step + 0.5); shell < shells)
+                sections[section][shell].Add(weight, weight * double(std::norm(waves.values[index])));
+        });
     });
-    for (std::size_t i = 0; i < weights.size(); ++i)
-        power.values[i] = weights[i] > 0 ? power.values[i] / weights[i] : i > 0 ? power.values[i - 1] : 0;
+    for (std::size_t shell = 0; shell < shells; ++shell) {
+        Power all;
+        for (const std::vector<Power> &section : sections)
+            all = all + section[shell];
+        power.values.push_back(all.waves > 0 ? all.sum / all.waves : shell > 0 ? power.values.back() : 0);
+    }
     Smooth(power.values);
     Smooth(power.values);
     return power;
@@ -189,7 +234,7 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
     const bool holdsMore = 0.5 / Smallest(map.spacing) > bandBegin / resolution;
     if (holdsMore) {
         Waves own = Transform(map.count, map.spacing, map.origin, RowsOf(map), bandEnd / resolution, threads);
-        MeasureSharpness(own, map, spectrum);
+        MeasureSharpness(own, map, spectrum, threads);
         const RadialCurve band = Sample(bandEnd / resolution, 0.01 / resolution, [&](double k) {
             return LetDown(k * resolution, bandBegin, bandEnd);
         });
@@ -202,7 +247,7 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
         spectrum.lattice = {map.count, map.spacing, map.origin};
         spectrum.waves = TransformPadded(map, padding * resolution, bandEnd / resolution, threads);
     }
-    spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution);
+    spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution, threads);
     // Rounding leaves waves of a constant map that are not quite 0.
     if (!IsConstant(map))
         spectrum.strongest = *std::ranges::max_element(spectrum.power.values);

@@ -40,6 +40,6 @@ Waves TransformPadded(const VolumeView &map, double pad, double cutOff, unsigned
 
 /// S(k) of some waves: the mean of |F|² over shells of 1/(shortest edge), smoothed twice by [1 2 1]/4 in the
 /// logarithm.
-RadialCurve RadialPower(const Waves &waves, double end);
+RadialCurve RadialPower(const Waves &waves, double end, unsigned threads);
 
 } // namespace placement

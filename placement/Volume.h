@@ -3,10 +3,31 @@
 #include "placement/Geometry.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace placement {
+
+/// Leaves memory as it comes where a vector grows by resize(n): whoever fills it in is the first to touch it,
+/// each thread its own part.
+template <class Value>
+struct UnfilledMemory : std::allocator<Value> {
+    template <class Other>
+    struct rebind {
+        using other = UnfilledMemory<Other>;
+    };
+    template <class Other>
+    void construct(Other *) noexcept {}
+    template <class Other, class... Arguments>
+    void construct(Other *at, Arguments &&...arguments) {
+        std::construct_at(at, std::forward<Arguments>(arguments)...);
+    }
+};
+
+/// Many numbers; resize(n) does not fill them in.
+template <class Number>
+using LargeVector = std::vector<Number, UnfilledMemory<Number>>;
 
 /// Values on an orthogonal lattice: value (i, j, k) stands at index i + nx·(j + ny·k) and at the position
 /// origin + (i·sx, j·sy, k·sz) in Å, model frame.
@@ -14,7 +35,7 @@ struct Volume {
     std::array<std::size_t, 3> count{}; ///< nx, ny, nz
     std::array<double, 3> spacing{};    ///< sx, sy, sz in Å
     Point origin;
-    std::vector<float> values;
+    LargeVector<float> values;
 
     std::size_t Index(std::size_t i, std::size_t j, std::size_t k) const {
         return i + count[0] * (j + count[1] * k);

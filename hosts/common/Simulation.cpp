@@ -135,7 +135,7 @@ double MoleculeVoxels(std::span<const Scatterer> scatterers, double voxel) {
 /// three times the map's.
 double ResolutionNoise(const placement::Volume &map, double resolution, double voxels) {
     const placement::Waves waves = WavesOf(map);
-    const double power = placement::RadialPower(waves, 1.1 / resolution).At(1 / resolution);
+    const double power = placement::RadialPower(waves, 1.1 / resolution, 1).At(1 / resolution);
     double all = 1; // voxels, padding included
     for (unsigned axis = 0; axis < 3; ++axis)
         all *= std::round(waves.length[axis] / map.spacing[axis]);

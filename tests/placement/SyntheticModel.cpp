@@ -54,7 +54,7 @@ Volume DensityOf(const std::vector<ModelAtom> &atoms, double resolution, const s
     const Point edge = high - low + Point{2 * margin, 2 * margin, 2 * margin};
     map.count = {std::size_t(edge.x / voxel[0]) + 1, std::size_t(edge.y / voxel[1]) + 1,
                  std::size_t(edge.z / voxel[2]) + 1};
-    map.values.resize(map.count[0] * map.count[1] * map.count[2]);
+    map.values.assign(map.count[0] * map.count[1] * map.count[2], 0);
     AddDensity(atoms, resolution, map);
     return map;
 }

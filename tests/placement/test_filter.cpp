@@ -2,6 +2,7 @@
 
 #include "placement/Constants.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -59,10 +60,10 @@ TEST(Filter, WavesThatVoxelsCannotHoldAreLeftOut) {
 }
 
 TEST(Filter, UnitPowerIsOfTheMeanSquare) {
-    Volume volume{{2, 1, 1}, {1, 1, 1}, {}, {3, -4}};
-    ScaleToUnitPower(volume);
+    Volume volume{{1, 1, 2}, {1, 1, 1}, {}, {3, -4}};
+    ScaleToUnitPower(volume, 2);
     EXPECT_NEAR(volume.values[0] * volume.values[0] + volume.values[1] * volume.values[1], 2, 1e-6);
     Volume zero{{2, 1, 1}, {1, 1, 1}, {}, {0, 0}};
-    ScaleToUnitPower(zero);
-    EXPECT_EQ(zero.values, (std::vector<float>{0, 0}));
+    ScaleToUnitPower(zero, 1);
+    EXPECT_THAT(zero.values, testing::ElementsAre(0, 0));
 }

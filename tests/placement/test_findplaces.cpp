@@ -162,14 +162,14 @@ TEST(FindPlaces, WhereAllIsKnownNothingIsPlaced) {
 }
 
 TEST(FindPlaces, AConstantMapHasNoPlace) {
-    const Volume map{{30, 30, 30}, {2, 2, 2}, {}, std::vector<float>(27000, 1.5f)};
+    const Volume map{{30, 30, 30}, {2, 2, 2}, {}, LargeVector<float>(27000, 1.5f)};
     const PlacementResult result = Find(map, RandomModel(50, 1), 8);
     EXPECT_EQ(result.verdict, Verdict::NoDensity);
     EXPECT_TRUE(result.places.empty());
 }
 
 TEST(FindPlaces, NoiseAloneIsNoPlace) {
-    Volume map{{36, 36, 36}, {2, 2, 2}, {}, std::vector<float>(46656)};
+    Volume map{{36, 36, 36}, {2, 2, 2}, {}, LargeVector<float>(46656)};
     std::mt19937 random(1);
     std::normal_distribution<float> normal;
     for (float &value : map.values)
@@ -352,12 +352,12 @@ TEST(RefinePlace, OneAtomAModelOutsideOfTheMapAndAConstantMapAreNoError) {
     EXPECT_TRUE(RefinePlace(map, outside, parameters, silent).places.empty());
     const Point inside = complex.placed.front().position;
     EXPECT_EQ(RefinePlace(map, {{inside, 6, 0, 0, true}}, parameters, silent).places.size(), 1u);
-    const Volume constant{{8, 8, 8}, {2, 2, 2}, {}, std::vector<float>(512, 1)};
+    const Volume constant{{8, 8, 8}, {2, 2, 2}, {}, LargeVector<float>(512, 1)};
     EXPECT_EQ(RefinePlace(constant, complex.model, parameters, silent).verdict, Verdict::NoDensity);
 }
 
 TEST(FindPlaces, RefusesWhatHasNoMeaning) {
-    const Volume map{{4, 4, 4}, {2, 2, 2}, {}, std::vector<float>(64)};
+    const Volume map{{4, 4, 4}, {2, 2, 2}, {}, LargeVector<float>(64)};
     EXPECT_THROW(Find(map, {}, 8), std::invalid_argument);
     EXPECT_THROW(Find(map, RandomModel(5, 1), 0), std::invalid_argument);
     EXPECT_THROW(Find(map, RandomModel(5, 1), NAN), std::invalid_argument);

@@ -61,7 +61,7 @@ double PowerLeft(const Volume &map, const std::vector<ModelAtom> &neighbours) {
 }
 
 Volume Ones() {
-    return {{20, 20, 20}, {1.5, 2, 1}, {-3, 4, 5}, std::vector<float>(8000, 1)};
+    return {{20, 20, 20}, {1.5, 2, 1}, {-3, 4, 5}, LargeVector<float>(8000, 1)};
 }
 
 } // namespace

@@ -29,7 +29,7 @@ TEST(Refinement, ComesBackFromADisplacedPose) {
 
 TEST(Refinement, EndsAtOnceWhereThereIsNoSlope) {
     const PointModel model = MakePointModel(RandomModel(10, 1));
-    const Volume map{{4, 4, 4}, {50, 50, 50}, {-100, -100, -100}, std::vector<float>(64, 2)};
+    const Volume map{{4, 4, 4}, {50, 50, 50}, {-100, -100, -100}, LargeVector<float>(64, 2)};
     const ScoredPose found =
         Refine(map, WeightedPoints(model.points, model.weights), model.gyration, {}, {20, 1, 3});
     EXPECT_EQ(Length(found.pose.centre), 0);

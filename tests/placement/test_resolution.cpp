@@ -55,7 +55,7 @@ TEST(EstimateResolution, DoesNotDependOnScaleOffsetAndThreads) {
 }
 
 TEST(EstimateResolution, AConstantMapAndATinyOneGiveSomeNumber) {
-    Volume map{{20, 20, 20}, {2, 2, 2}, {}, std::vector<float>(8000, 3)};
+    Volume map{{20, 20, 20}, {2, 2, 2}, {}, LargeVector<float>(8000, 3)};
     EXPECT_GE(Estimate(map), 2);
     EXPECT_LE(Estimate(map), 60);
     const Volume tiny{{1, 2, 3}, {2, 2, 2}, {}, {0, 1, 2, 3, 4, 5}};

@@ -12,7 +12,7 @@ namespace {
 
 /// White noise on a lattice of 1 Å.
 Volume Noise(std::size_t edge) {
-    Volume map{{edge, edge, edge}, {1, 1, 1}, {}, std::vector<float>(edge * edge * edge)};
+    Volume map{{edge, edge, edge}, {1, 1, 1}, {}, LargeVector<float>(edge * edge * edge)};
     std::mt19937 random(7);
     std::normal_distribution<float> normal;
     for (float &value : map.values)
@@ -61,14 +61,14 @@ TEST(Spectrum, DensityThatTheBoxCutsMakesNoEdge) {
 }
 
 TEST(Spectrum, AConstantMapHasNone) {
-    const Volume map{{20, 20, 20}, {2, 2, 2}, {}, std::vector<float>(8000, 3.5f)};
+    const Volume map{{20, 20, 20}, {2, 2, 2}, {}, LargeVector<float>(8000, 3.5f)};
     EXPECT_EQ(TransformMap(map, 10, 1).strongest, 0);
 }
 
 TEST(Spectrum, ItIsThatOfTheWaves) {
     const Volume map = DensityOf(RandomModel(60, 3), 8, {2, 1.6, 1.8}, 10);
     const Spectrum spectrum = TransformMap(map, 8, 1);
-    const RadialCurve power = RadialPower(spectrum.waves, 0.2);
+    const RadialCurve power = RadialPower(spectrum.waves, 0.2, 2);
     EXPECT_EQ(power.At(0.1), spectrum.power.At(0.1));
     EXPECT_NEAR(power.step, 1 / *std::ranges::min_element(spectrum.waves.length), 1e-12);
 }
