@@ -190,7 +190,7 @@ private:
     }
 
     RadialCurve Smoothing(double width) const {
-        return GaussianFilter(width, bandEnd / m_parameters.resolution);
+        return GaussianFilter(width, cutEnd / m_parameters.resolution);
     }
 
     /// Voxels of about `wanted` Å, or as coarse as the map's shortest waves allow.

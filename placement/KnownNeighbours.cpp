@@ -160,7 +160,7 @@ void KnownNeighbours::SubtractFrom(Spectrum &spectrum, unsigned threads) const {
         if (k > 0)
             spectrum.waves.values[index] -= float(amplitude.At(k)) * own.values[index];
     });
-    spectrum.power = RadialPower(spectrum.waves, bandEnd / spectrum.resolution, threads);
+    spectrum.power = RadialPower(spectrum.waves, cutEnd / spectrum.resolution, threads);
 }
 
 void KnownNeighbours::KeepFree(Volume &filtered) const {

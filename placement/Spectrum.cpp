@@ -242,12 +242,12 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
         const Volume limited = Synthesise(own, band, voxel, threads);
         own = {};
         spectrum.lattice = {limited.count, limited.spacing, limited.origin};
-        spectrum.waves = TransformPadded(limited, padding * resolution, bandEnd / resolution, threads);
+        spectrum.waves = TransformPadded(limited, padding * resolution, cutEnd / resolution, threads);
     } else {
         spectrum.lattice = {map.count, map.spacing, map.origin};
-        spectrum.waves = TransformPadded(map, padding * resolution, bandEnd / resolution, threads);
+        spectrum.waves = TransformPadded(map, padding * resolution, cutEnd / resolution, threads);
     }
-    spectrum.power = RadialPower(spectrum.waves, bandEnd / resolution, threads);
+    spectrum.power = RadialPower(spectrum.waves, cutEnd / resolution, threads);
     // Rounding leaves waves of a constant map that are not quite 0.
     if (!IsConstant(map))
         spectrum.strongest = *std::ranges::max_element(spectrum.power.values);
@@ -257,7 +257,7 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
 Waves TransformLike(const Spectrum &spectrum, const RowSource &rows, unsigned threads) {
     // A constant, which the border's mean is, would change the wave at k = 0 alone.
     return TransformPadded(spectrum.lattice, rows, 0, padding * spectrum.resolution,
-                           bandEnd / spectrum.resolution, threads);
+                           cutEnd / spectrum.resolution, threads);
 }
 
 } // namespace placement

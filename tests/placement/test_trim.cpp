@@ -55,6 +55,6 @@ TEST(Trimmed, ASearchFindsTheModelInThePart) {
 TEST(Trimmed, AFullBoxAndAConstantOneStayWhole) {
     const Volume full = DensityOf(Atoms(), 8, {2, 2, 2}, 6);
     EXPECT_EQ(Trimmed(full, MakePointModel(Atoms()), 8, 1).count, full.count);
-    const Volume constant{{40, 40, 40}, {2, 2, 2}, {}, std::vector<float>(64000, 1)};
+    const Volume constant{{40, 40, 40}, {2, 2, 2}, {}, LargeVector<float>(64000, 1)};
     EXPECT_EQ(Trimmed(constant, MakePointModel(Atoms()), 8, 1).count, constant.count);
 }
