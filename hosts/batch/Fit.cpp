@@ -1,7 +1,5 @@
 #include "Commands.h"
 
-#include "base/Words.h"
-
 #include "CommonOptions.h"
 #include "FitArguments.h"
 #include "FitProgress.h"
@@ -13,10 +11,6 @@
 #include "hosts/common/FitOutput.h"
 #include "hosts/common/ParameterError.h"
 
-#include "RunFit.h"
-#include "formats/files/FileError.h"
-#include "solutions/TopList.h"
-
 using namespace cli;
 using namespace hosts;
 
@@ -24,35 +18,12 @@ namespace batch {
 
 namespace {
 
-/// Runs the search; the record then holds what came of it. False where a signal stopped it.
-bool Search(const fit::FitParameters &parameters, std::list<SolutionScore> &solutions, FitRecord &record) {
-    FitProgress progress(record, record.options.quiet);
-    const bool finished =
-        RunFit(parameters, solutions, progress, &record.poses,
-               {.anyNumberOfPoses = record.options.force, .threads = unsigned(record.options.threads)});
-    if (!progress.LogError().isEmpty())
-        throw formats::FileError(*record.options.log, "",
-                                 "cannot be written: " + progress.LogError().toStdString() +
-                                     "; the fit was stopped");
-    if (!finished && StopSignal() == 0)
-        throw std::runtime_error("the fit did not start");
-    if (!finished)
-        weed(solutions, parameters.keep);
-    record.solutions = RankByScore(solutions);
-    return finished;
-}
-
 /// The files come first: whoever reads standard output may have gone away. False where a file failed.
 bool Deliver(const FitRecord &record, const std::list<SolutionScore> &solutions, const FitInput &input,
              const std::string &outOfReach) {
     const auto [written, errors] = WriteFitOutputs(record, solutions, input.target, input.targetFormat);
-    if (!outOfReach.empty())
-        Warn(outOfReach);
-    if (record.poses.accepted == 0)
-        Warn("no pose was accepted: the target clashes with the fixed chains everywhere");
-    if (std::size_t(record.options.models) > record.solutions.size())
-        Warn(base::Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
-             base::Counted(record.solutions.size(), "solution") + " kept");
+    for (const std::string &warning : WarningsOf(record, outOfReach))
+        Warn(warning);
     ReportSolutions(record, written);
     for (const std::string &error : errors)
         ReportError(error);
@@ -76,7 +47,10 @@ int FitChain(const Arguments &arguments) {
         ReportInput(options, input, parameters, survey);
     StopSignals stopSignals("the current axis");
     std::list<SolutionScore> solutions;
-    const bool finished = Search(parameters, solutions, record);
+    const bool finished = [&] {
+        FitProgress progress(record, options.quiet);
+        return SearchFit(parameters, survey, solutions, progress);
+    }();
     if (!finished)
         Warn("stopped by " + SignalName(StopSignal()) + " after " + std::to_string(record.axesDone) + " of " +
              std::to_string(record.axes) + " axes; what was found by then is written");

@@ -1,7 +1,5 @@
 #include "Commands.h"
 
-#include "base/Words.h"
-
 #include "CommonOptions.h"
 #include "PlaceArguments.h"
 #include "PlaceProgress.h"
@@ -21,9 +19,8 @@ namespace {
 /// The files come first: whoever reads standard output may have gone away. False where a file failed.
 bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
     const auto [written, errors] = WritePlaceOutputs(record, input);
-    if (std::size_t(record.options.models) > record.result.places.size())
-        Warn(base::Counted(std::size_t(record.options.models), "model") + " were asked for, only " +
-             base::Counted(record.result.places.size(), "place") + " found");
+    for (const std::string &warning : WarningsOf(record))
+        Warn(warning);
     ReportPlaces(record, input, written);
     for (const std::string &error : errors)
         ReportError(error);
@@ -46,9 +43,6 @@ int PlaceAsTold(const Arguments &arguments) {
     if (record.result.cancelled)
         Warn("stopped by " + SignalName(StopSignal()) +
              "; what was found by then is written, and the verdict is that of an unfinished search");
-    if (record.result.seemsInverted)
-        Warn(
-            "the map's extremes lie below its background. If its density is dark, search again with --invert");
     stopSignals.EnterStep("the writing of what was found");
     if (!Deliver(record, input))
         return Failed;

@@ -33,4 +33,8 @@ struct FitRecord {
     std::vector<RankedSolution> solutions;
 };
 
+/// What is remarkable in what came of a fit, for the user: a warning each. `outOfReach` is what there is to
+/// be warned of before it, see FitChecks.h; it may be empty.
+std::vector<std::string> WarningsOf(const FitRecord &record, const std::string &outOfReach);
+
 } // namespace hosts

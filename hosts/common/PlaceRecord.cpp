@@ -1,6 +1,7 @@
 #include "hosts/common/PlaceRecord.h"
 
 #include "base/Numbers.h"
+#include "base/Words.h"
 
 #include "placement/Forecast.h"
 
@@ -294,6 +295,18 @@ std::string ForecastText(double predictedSignal) {
         return "a model of this size at this resolution is nearly always found" + figure;
     }
     return {};
+}
+
+std::vector<std::string> WarningsOf(const PlaceRecord &record) {
+    std::vector<std::string> warnings;
+    if (record.result.seemsInverted)
+        warnings.push_back(
+            "the map's extremes lie below its background. If its density is dark, search again with --invert");
+    if (std::size_t(record.options.models) > record.result.places.size())
+        warnings.push_back(base::Counted(std::size_t(record.options.models), "model") +
+                           " were asked for, only " + base::Counted(record.result.places.size(), "place") +
+                           " found");
+    return warnings;
 }
 
 void WritePlaceJson(std::ostream &out, const PlaceRecord &record) {

@@ -56,6 +56,9 @@ std::string HandText(const HandVerdict &hand);
 /// What was to be expected before the search, in a sentence without the last full stop.
 std::string ForecastText(double predictedSignal);
 
+/// What is remarkable in what came of a search, for the user: a warning each.
+std::vector<std::string> WarningsOf(const PlaceRecord &record);
+
 /// Writes the record: numbers in full precision, the best place first.
 void WritePlaceJson(std::ostream &out, const PlaceRecord &record);
 
