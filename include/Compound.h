@@ -61,6 +61,8 @@ private:
 
     /// Takes the node over as the last one below this one.
     void Adopt(std::unique_ptr<Compound> node);
+    /// Takes the node over as the one at that place of the sequence, the last one where it is shorter.
+    void AdoptAt(std::size_t place, std::unique_ptr<Compound> node);
     /// Gives the node back to the caller, who then owns it; null when it is not directly below this one.
     std::unique_ptr<Compound> Release(Compound *node);
 

@@ -31,6 +31,8 @@ public:
                               float alpha, float beta, float gamma);
     /// A grid that was filled beforehand, as readers do that may still fail halfway.
     static Grid *addGrid(Compound *parent, std::unique_ptr<Grid> grid);
+    /// A clump that was filled outside of the tree, below the root; it and all that it holds are announced.
+    static Clump *addClump(std::unique_ptr<Clump> clump);
 
 private:
     static Compound *Add(Compound *parent, std::unique_ptr<Compound> node);

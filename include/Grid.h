@@ -2,6 +2,7 @@
 
 #include "Compound.h"
 
+#include <memory>
 #include <span>
 
 namespace VARNO {
@@ -34,11 +35,19 @@ public:
     const Vector<float, 3> &Angles() const { return m_angles; }
 
     /// All values in the order of the index formula.
-    std::span<const float> Values() const { return m_values; }
-    std::span<float> Values() { return m_values; }
+    std::span<const float> Values() const { return {m_values.get(), m_size}; }
+    std::span<float> Values() { return {m_values.get(), m_size}; }
+
+    /// A grid outside of the tree with the same values, not a copy of them: they live as long as any of the
+    /// two, so that a thread may read them while this grid leaves the model.
+    std::unique_ptr<Grid> Share() const;
 
 private:
     friend class Space;
+
+    /// Without any voxel.
+    explicit Grid(std::string name)
+        : m_name(std::move(name)) {}
 
     std::size_t Index(unsigned i, unsigned j, unsigned k) const {
         return i + std::size_t(m_dimensions[0]) * (j + std::size_t(m_dimensions[1]) * k);
@@ -49,7 +58,8 @@ private:
     std::string m_name;
     Vector<unsigned, 3> m_dimensions;
     Vector<float, 3> m_origin, m_spacing, m_angles;
-    std::vector<float> m_values;
+    std::shared_ptr<float[]> m_values;
+    std::size_t m_size = 0;
 };
 
 } // namespace VARNO

@@ -59,6 +59,13 @@ void Compound::Adopt(std::unique_ptr<Compound> node) {
     m_below.back() = node.release();
 }
 
+void Compound::AdoptAt(std::size_t place, std::unique_ptr<Compound> node) {
+    const auto at = m_below.begin() + std::ptrdiff_t(std::min(place, m_below.size()));
+    const auto room = m_below.insert(at, nullptr);
+    node->m_parent = this;
+    *room = node.release();
+}
+
 std::unique_ptr<Compound> Compound::Release(Compound *node) {
     const auto place = std::ranges::find(m_below, node);
     if (!node || place == m_below.end())

@@ -4,6 +4,19 @@
 
 namespace VARNO {
 
+namespace {
+
+void AnnounceWithAllBelow(Compound *node) {
+    Space::instance()->Changes().Announce(node, Publisher::Addition);
+    const bool composite = dynamic_cast<Composite *>(node) != nullptr;
+    const auto end = composite ? node->ChildEnd() : node->PartEnd();
+    for (auto it = composite ? node->ChildBegin() : node->PartBegin(); it != end; ++it)
+        if (*it)
+            AnnounceWithAllBelow(*it);
+}
+
+} // namespace
+
 Compound *DataMaker::Add(Compound *parent, std::unique_ptr<Compound> node) {
     Compound *const added = node.get();
     (parent ? parent : Space::instance())->Adopt(std::move(node));
@@ -51,6 +64,13 @@ Compound *DataMaker::makeGrid(Compound *parent, const std::string &name, unsigne
 Grid *DataMaker::addGrid(Compound *parent, std::unique_ptr<Grid> grid) {
     Grid *const added = grid.get();
     Add(parent, std::move(grid));
+    return added;
+}
+
+Clump *DataMaker::addClump(std::unique_ptr<Clump> clump) {
+    Clump *const added = clump.get();
+    Space::instance()->Adopt(std::move(clump));
+    AnnounceWithAllBelow(added);
     return added;
 }
 

@@ -22,7 +22,19 @@ Grid::Grid(std::string name, const Vector<unsigned, 3> &dimensions, const Vector
     , m_origin(origin)
     , m_spacing(spacing)
     , m_angles(angles)
-    , m_values(VoxelCount(dimensions)) {}
+    , m_values(new float[VoxelCount(dimensions)]())
+    , m_size(VoxelCount(dimensions)) {}
+
+std::unique_ptr<Grid> Grid::Share() const {
+    std::unique_ptr<Grid> grid(new Grid(m_name));
+    grid->m_dimensions = m_dimensions;
+    grid->m_origin = m_origin;
+    grid->m_spacing = m_spacing;
+    grid->m_angles = m_angles;
+    grid->m_values = m_values;
+    grid->m_size = m_size;
+    return grid;
+}
 
 Vertex Grid::GetPoint(unsigned i, unsigned j, unsigned k) const {
     return Vertex(m_origin[0] + float(i) * m_spacing[0], m_origin[1] + float(j) * m_spacing[1],
@@ -32,6 +44,7 @@ Vertex Grid::GetPoint(unsigned i, unsigned j, unsigned k) const {
 void Grid::Discard() {
     m_dimensions = {};
     m_values = {};
+    m_size = 0;
 }
 
 } // namespace VARNO

@@ -46,7 +46,9 @@ ByteSource::ByteSource(const std::string &name, std::span<const char> bytes)
     , m_decoder(MakeDecoder(m_compression)) {}
 
 ByteSource ByteSource::Again() const {
-    return m_handle ? ByteSource(m_name) : ByteSource(m_name, m_memory);
+    ByteSource again = m_handle ? ByteSource(m_name) : ByteSource(m_name, m_memory);
+    again.SetWatcher(m_watcher);
+    return again;
 }
 
 std::size_t ByteSource::Read(std::span<char> buffer) {
@@ -92,6 +94,8 @@ void ByteSource::Refill() {
                         std::string("cannot be read: ") + std::strerror(errno));
     m_input = {m_buffer.data(), found};
     m_loaded += found;
+    if (m_watcher)
+        m_watcher(m_loaded);
 }
 
 std::size_t ByteSource::ReadOn(std::span<char> buffer) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,10 @@ public:
     explicit ByteSource(const std::string &file);
     /// `bytes` must outlive the source; `name` stands for the file in errors.
     ByteSource(const std::string &name, std::span<const char> bytes);
+
+    /// Hears from now on how many bytes of the file were taken, each time there are more, on the reading
+    /// thread; `Again` hands it on. What it throws stops the reading and passes through.
+    void SetWatcher(std::function<void(std::uint64_t)> watcher) { m_watcher = std::move(watcher); }
 
     const std::string &Name() const { return m_name; }
     Compression GetCompression() const { return m_compression; }
@@ -63,6 +68,7 @@ private:
     std::vector<char> m_buffer;
     std::span<const char> m_input; ///< bytes taken from the file or the memory and not yet used
     std::uint64_t m_loaded = 0;    ///< number of bytes taken so far
+    std::function<void(std::uint64_t)> m_watcher;
     Compression m_compression = Compression::None;
     std::unique_ptr<Decoder> m_decoder;
     bool m_ended = false;         ///< the last compressed stream has ended

@@ -190,6 +190,12 @@ std::unique_ptr<Grid> ReadFreeMap(ByteSource &source, MapReport *report) {
     });
 }
 
+bool IsMap(ByteSource &source) {
+    return std::ranges::any_of(source.Peek(MapHeader::size), [](char c) {
+        return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r');
+    });
+}
+
 void WriteMap(const std::string &file, const Grid &grid, const std::string &title) {
     const MapHeader header = HeaderOf(grid, title);
     std::vector<std::string> ignored;

@@ -35,6 +35,10 @@ VARNO::Grid *ReadMapFrom(ByteSource &source, MapReport *report = nullptr);
 /// The same as a grid of its own, which is added to no model.
 std::unique_ptr<VARNO::Grid> ReadFreeMap(ByteSource &source, MapReport *report = nullptr);
 
+/// Whether the source, of which nothing has been read yet, is a map: that begins with a header of numbers, so
+/// that bytes occur that no text has. A structure file is text.
+bool IsMap(ByteSource &source);
+
 /// Writes the grid as an MRC2014 map: mode 2, little-endian, x fastest, the origin in the ORIGIN words, the
 /// cell the dimensions times the spacing. `title` becomes the first label (at most 80 characters are kept).
 /// The file is replaced as a whole at the end. Throws FileError, also for a grid that `ReadMap` would refuse.

@@ -202,4 +202,13 @@ std::unique_ptr<Clump> ReadFreeStructure(ByteSource &source, StructureReport *re
     });
 }
 
+std::unique_ptr<Clump> ReadDetachedStructure(ByteSource &source, StructureReport *report) {
+    return WithMemory(source.Name(), [&] {
+        Contents contents = ReadContents(source);
+        auto clump = std::make_unique<Clump>(NodeName(source.Name()));
+        BuildBelow(clump.get(), contents, report);
+        return clump;
+    });
+}
+
 } // namespace formats

@@ -46,6 +46,8 @@ VARNO::Clump *ReadStructure(const std::string &file, StructureReport *report = n
 VARNO::Clump *ReadStructureFrom(ByteSource &source, StructureReport *report = nullptr);
 /// The same as a model of its own, which the caller keeps and any thread may read; see FreeClump.h.
 std::unique_ptr<VARNO::Clump> ReadFreeStructure(ByteSource &source, StructureReport *report = nullptr);
+/// The same outside of the model tree, on any thread, for `DataMaker::addClump` to add.
+std::unique_ptr<VARNO::Clump> ReadDetachedStructure(ByteSource &source, StructureReport *report = nullptr);
 
 enum class StructureFormat { Pdb, Mmcif };
 

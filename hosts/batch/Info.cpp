@@ -9,7 +9,6 @@
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 
-#include <algorithm>
 #include <iostream>
 
 using namespace cli;
@@ -19,13 +18,6 @@ using formats::ByteSource;
 namespace batch {
 
 namespace {
-
-/// A map begins with a header of numbers, so that bytes occur that no text has; a structure file is text.
-bool IsMap(ByteSource &source) {
-    return std::ranges::any_of(source.Peek(1024), [](char c) {
-        return static_cast<unsigned char>(c) < ' ' && !(c >= '\t' && c <= '\r');
-    });
-}
 
 void Line(const std::string &label, const QString &text) {
     std::cout << "  " << QString::fromStdString(label).leftJustified(10).toStdString()
@@ -108,7 +100,7 @@ void PrintStructure(ByteSource &source) {
 
 int Run(const Arguments &arguments) {
     ByteSource source(arguments.operand);
-    if (IsMap(source))
+    if (formats::IsMap(source))
         PrintMap(source);
     else
         PrintStructure(source);

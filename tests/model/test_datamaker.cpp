@@ -1,3 +1,4 @@
+#include "DataAdder.h"
 #include "DataMaker.h"
 #include "Listener.h"
 #include "ModelGuard.h"
@@ -134,4 +135,20 @@ TEST_F(DataMakerTest, SaysNothingOfNodesBelowARemovedOne) {
     Listener listener;
     EXPECT_EQ(DataMaker::makeMolecule(clump, "A")->GetParent(), clump);
     EXPECT_THAT(listener.notices, IsEmpty());
+}
+
+TEST_F(DataMakerTest, AddsAClumpThatWasFilledOutsideOfTheTree) {
+    Listener listener;
+    auto clump = std::make_unique<Clump>("clump");
+    Compound *molecule = DataMaker::makeMolecule(clump.get(), "A");
+    Compound *residue = DataMaker::makeGroup(molecule, "ALA", "1");
+    EXPECT_THAT(listener.notices, IsEmpty());
+    {
+        const DataAdder<Space> batch(space);
+        Clump *added = DataMaker::addClump(std::move(clump));
+        EXPECT_EQ(LastOfRoot(), added);
+    }
+    EXPECT_TRUE(residue->IsAttached());
+    ASSERT_EQ(listener.notices.size(), 1u);
+    EXPECT_THAT(listener.notices[0].nodes, ElementsAre(LastOfRoot(), molecule, residue));
 }

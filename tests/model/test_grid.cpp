@@ -1,5 +1,6 @@
 #include "DataMaker.h"
 #include "ModelGuard.h"
+#include "Space.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -71,4 +72,22 @@ TEST(Grid, ThrowsBadAllocWhereItsSizeOverflows) {
     EXPECT_THROW(MakeGrid({1u << 31, 1u << 31, 4}, {}, {1, 1, 1}), std::bad_alloc);
     EXPECT_THROW(MakeGrid({1u << 31, 1u << 31, 1}, {}, {1, 1, 1}), std::bad_alloc);
     EXPECT_THROW(MakeGrid({~0u, ~0u, ~0u}, {}, {1, 1, 1}), std::bad_alloc);
+}
+
+TEST(Grid, SharesItsValuesWithOneThatOutlivesThem) {
+    const ModelGuard guard;
+    auto *grid =
+        dynamic_cast<Grid *>(DataMaker::makeGrid(nullptr, "map", 2, 2, 2, 1, 2, 3, 4, 5, 6, 90, 91, 92));
+    grid->SetValue(1, 1, 1, 7);
+    const std::unique_ptr<Grid> shared = grid->Share();
+    EXPECT_EQ(shared->Values().data(), grid->Values().data());
+    EXPECT_FALSE(shared->IsAttached());
+    Space::instance()->Remove(grid);
+    EXPECT_TRUE(grid->Values().empty());
+    EXPECT_EQ(shared->GetValue(1, 1, 1), 7);
+    EXPECT_EQ(shared->Dimensions(), (Vector<unsigned, 3>(2, 2, 2)));
+    EXPECT_EQ(shared->Origin(), (Vector<float, 3>(1, 2, 3)));
+    EXPECT_EQ(shared->Spacing(), (Vector<float, 3>(4, 5, 6)));
+    EXPECT_EQ(shared->Angles(), (Vector<float, 3>(90, 91, 92)));
+    EXPECT_EQ(shared->GetName(), "map");
 }

@@ -153,3 +153,60 @@ TEST_F(SpaceTest, RemovesWhileABatchIsOpenAndTellsAtOnce) {
     space->Changes().Close(&batch);
     EXPECT_EQ(listener.notices.size(), 1u);
 }
+
+TEST_F(SpaceTest, PutsBackWhatWasTakenOutInItsFormerPlaceWithItsValues) {
+    Compound *grid = MakeGrid(clump);
+    space->TakeOut(clump);
+    EXPECT_FALSE(residue->IsAttached());
+    EXPECT_EQ(ValuesOf(grid), 8u);
+    listener.notices.clear();
+    EXPECT_TRUE(space->PutBack(clump));
+    EXPECT_THAT(std::vector<Compound *>(space->PartBegin(), space->PartEnd()), ElementsAre(clump, kept));
+    EXPECT_TRUE(residue->IsAttached());
+    ASSERT_EQ(listener.notices.size(), 1u);
+    EXPECT_EQ(listener.notices[0].action, Publisher::Addition);
+    EXPECT_THAT(listener.notices[0].nodes, ElementsAre(clump));
+}
+
+TEST_F(SpaceTest, PutsBackAtTheEndWhereTheFormerPlaceIsGone) {
+    space->TakeOut(kept);
+    space->Remove(clump);
+    EXPECT_TRUE(space->PutBack(kept));
+    EXPECT_THAT(std::vector<Compound *>(space->PartBegin(), space->PartEnd()), ElementsAre(kept));
+}
+
+TEST_F(SpaceTest, PutsBackNothingElse) {
+    space->Remove(clump);
+    space->TakeOut(kept);
+    space->Forget(kept);
+    for (Compound *node : {clump, kept, residue, static_cast<Compound *>(nullptr)})
+        EXPECT_FALSE(space->PutBack(node));
+    EXPECT_EQ(space->PartBegin(), space->PartEnd());
+}
+
+TEST_F(SpaceTest, PutsNothingBackBelowAParentThatHasLeft) {
+    space->TakeOut(residue);
+    space->TakeOut(clump);
+    EXPECT_FALSE(space->PutBack(residue));
+    EXPECT_TRUE(space->PutBack(clump));
+    EXPECT_TRUE(space->PutBack(residue));
+    EXPECT_TRUE(residue->IsAttached());
+}
+
+TEST_F(SpaceTest, CallsOffARemovalThatWaits) {
+    {
+        const RemovalHold hold;
+        space->TakeOut(clump);
+        EXPECT_TRUE(space->PutBack(clump));
+    }
+    EXPECT_TRUE(clump->IsAttached());
+    EXPECT_THAT(listener.notices, IsEmpty());
+}
+
+TEST_F(SpaceTest, FreesTheValuesOfGridsThatAreForgotten) {
+    Compound *grid = MakeGrid(clump);
+    space->TakeOut(clump);
+    space->Forget(clump);
+    EXPECT_EQ(ValuesOf(grid), 0u);
+    EXPECT_EQ(clump->GetLabel(), "clump");
+}

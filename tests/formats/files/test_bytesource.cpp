@@ -187,3 +187,23 @@ TEST(ByteSource, RefusesAFileWithoutReadPermission) {
     std::filesystem::permissions(path, std::filesystem::perms::none);
     EXPECT_EQ(ErrorOf([&] { ByteSource{path}; }), path + ": cannot be read: Permission denied");
 }
+
+TEST(ByteSource, TellsAWatcherHowManyBytesWereTaken) {
+    TemporaryFolder folder;
+    ByteSource source(folder.Write("a", std::string(200'000, 'x')));
+    std::vector<std::uint64_t> seen;
+    source.SetWatcher([&](std::uint64_t bytes) { seen.push_back(bytes); });
+    EXPECT_EQ(source.Skip(300'000), 200'000u);
+    EXPECT_GE(seen.size(), 3u);
+    EXPECT_TRUE(std::ranges::is_sorted(seen));
+    EXPECT_EQ(seen.back(), 200'000u);
+}
+
+TEST(ByteSource, IsStoppedByItsWatcherAlsoWhenItIsReadAgain) {
+    struct Stop {};
+    TemporaryFolder folder;
+    ByteSource source(folder.Write("a", std::string(200'000, 'x')));
+    source.SetWatcher([](std::uint64_t) { throw Stop(); });
+    EXPECT_THROW(source.Skip(200'000), Stop);
+    EXPECT_THROW(source.Again().Skip(200'000), Stop);
+}

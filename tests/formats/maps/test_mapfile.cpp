@@ -614,3 +614,16 @@ TEST_F(MapFile, SaysWhenTheDiskIsFull) {
     EXPECT_EQ(ErrorIn("/dev/full", [] { WriteMap("/dev/full", NoisyGrid(), ""); }),
               "cannot be written: No space left on device");
 }
+
+TEST_F(MapFile, IsReadWithoutTheModelOnAnotherThread) {
+    const std::string path = m_folder.Write("map", SmallMap());
+    std::unique_ptr<Grid> grid;
+    std::thread([&] {
+        ByteSource source(path);
+        EXPECT_TRUE(IsMap(source));
+        grid = ReadFreeMap(source);
+    }).join();
+    EXPECT_EQ(Space::instance()->PartBegin(), Space::instance()->PartEnd());
+    EXPECT_EQ(grid->GetName(), "map");
+    EXPECT_FALSE(grid->Values().empty());
+}

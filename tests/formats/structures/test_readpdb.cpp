@@ -5,12 +5,14 @@
 #include "StructureFixture.h"
 #include "TestData.h"
 #include "formats/files/FileError.h"
+#include "formats/maps/MapFile.h"
 
 #include <nlohmann/json.hpp>
 #include <zlib.h>
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -90,6 +92,19 @@ TEST_F(ReadPdb, TellsSubscribersOnceAndOnlyOfAWholeFile) {
     Space::instance()->Changes().Unsubscribe(&counter);
     EXPECT_EQ(counter.notices, 1u);
     EXPECT_EQ(counter.nodes, 8u);
+}
+
+TEST_F(ReadPdb, HappensWithoutTheModelOnAnotherThread) {
+    const std::string path = m_folder.Write("model.pdb", dipeptide);
+    std::unique_ptr<Clump> clump;
+    std::thread([&] {
+        formats::ByteSource source(path);
+        EXPECT_FALSE(formats::IsMap(source));
+        clump = formats::ReadDetachedStructure(source, &m_report);
+    }).join();
+    EXPECT_EQ(Space::instance()->PartBegin(), Space::instance()->PartEnd());
+    EXPECT_EQ(Outline(clump->FindChild("model")), "A: ALA1(N CA) GLY2(CA)");
+    EXPECT_EQ(m_report.format, "PDB");
 }
 
 TEST_F(ReadPdb, IsRefusedWhileTheModelTakesNoAdditions) {
