@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -72,5 +73,16 @@ void WriteStructure(const std::string &file, StructureFormat format,
 using Displacement = std::function<VARNO::Vertex(const VARNO::Vertex &)>;
 void WriteStructure(const std::string &file, StructureFormat format,
                     const std::vector<const VARNO::Compound *> &nodes, const Displacement &displace);
+
+/// A polymer chain in one of its places.
+struct PlacedChain {
+    const VARNO::Chain *chain = nullptr;
+    VARNO::Transform pose;
+    std::string name; ///< the author's identifier in the file
+};
+
+/// Writes chains, each as often as it is given, into one mmCIF file as WriteStructure does; copies of a chain
+/// are one entity. Throws FileError as it does.
+void WriteAssembly(const std::string &file, std::span<const PlacedChain> chains);
 
 } // namespace formats

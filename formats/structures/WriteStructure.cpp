@@ -33,6 +33,9 @@ struct WrittenChain {
     const Compound *node;
     Entity entity;
     std::vector<const Residue *> residues;
+    std::string name = {}; ///< the author's identifier
+    Displacement displace = {};
+    std::size_t entityNumber = 0; ///< counted from 1; copies of a chain have the same
 
     bool IsPolymer() const { return entity == Entity::Polymer; }
 };
@@ -87,10 +90,9 @@ struct SequenceId {
 /// What both formats share: the walk over the atoms, and the checks.
 class Writer {
 public:
-    Writer(const std::string &file, const Displacement &displace, std::ostream &out)
+    Writer(const std::string &file, std::ostream &out)
         : m_out(out)
-        , m_file(file)
-        , m_displace(displace) {}
+        , m_file(file) {}
     virtual ~Writer() = default;
 
     void Write(const std::vector<WrittenChain> &chains) {
@@ -146,7 +148,7 @@ private:
         m_residue = &residue;
         ++m_residueNumber;
         for (const Atom *atom : Children<Atom>(&residue)) {
-            const Vertex position = m_displace(atom->GetPosition());
+            const Vertex position = m_chain.displace(atom->GetPosition());
             for (const unsigned i : {0, 1, 2})
                 if (!std::isfinite(position[i]))
                     Refuse("the coordinate " + std::to_string(position[i]) + " of atom " +
@@ -156,7 +158,6 @@ private:
         }
     }
 
-    const Displacement &m_displace;
     const Residue *m_residue = nullptr;
 };
 
@@ -192,7 +193,7 @@ private:
             Advise("more than 99999 atoms and ends of chains");
         Put(line, 11, 5, std::to_string(m_serial), "serial number");
         Put(line, 20, 3, Name(CurrentResidue().GetName()), "residue name");
-        Put(line, 22, 1, Name(m_chain.node->GetName()), "chain identifier");
+        Put(line, 22, 1, Name(m_chain.name), "chain identifier");
         Put(line, 26, 4, id.number, "residue number");
         Put(line, 27, 1, id.insertion, "insertion code");
     }
@@ -273,9 +274,9 @@ std::string PolymerType(const WrittenChain &chain) {
     return most == counts.end() ? "other" : most->first;
 }
 
-/// mmCIF: the entities (one for each chain), the kinds of residues, the chains and the atoms. Chains and
-/// residues have the names of the model tree as the author's; label_asym_id and label_seq_id count chains and
-/// residues.
+/// mmCIF: the entities (one for each chain, however many copies of it there are), the kinds of residues, the
+/// chains and the atoms. Chains and residues have the names of the model tree as the author's; label_asym_id
+/// and label_seq_id count chains and residues.
 class MmcifWriter : public Writer {
 public:
     using Writer::Writer;
@@ -284,13 +285,13 @@ private:
     void Begin(const std::vector<WrittenChain> &chains) override {
         m_out << "data_" << BlockName() << "\n#\n_entry.id " << Value(BlockName())
               << "\n#\nloop_\n_entity.id\n_entity.type\n";
-        for (std::size_t i = 0; i < chains.size(); ++i)
-            m_out << i + 1 << ' ' << EntityType(chains[i].entity) << '\n';
+        for (const WrittenChain *chain : FirstCopies(chains))
+            m_out << chain->entityNumber << ' ' << EntityType(chain->entity) << '\n';
         WritePolymers(chains);
         WriteComponents(chains);
         m_out << "#\nloop_\n_struct_asym.id\n_struct_asym.entity_id\n";
         for (std::size_t i = 0; i < chains.size(); ++i)
-            m_out << Letters(i + 1) << ' ' << i + 1 << '\n';
+            m_out << Letters(i + 1) << ' ' << chains[i].entityNumber << '\n';
         m_out << "#\nloop_\n";
         for (const char *tag : {"group_PDB",         "id",
                                 "type_symbol",       "label_atom_id",
@@ -306,13 +307,22 @@ private:
             m_out << "_atom_site." << tag << '\n';
     }
 
+    /// One chain of each entity.
+    static std::vector<const WrittenChain *> FirstCopies(const std::vector<WrittenChain> &chains) {
+        std::vector<const WrittenChain *> first;
+        for (const WrittenChain &chain : chains)
+            if (chain.entityNumber > first.size())
+                first.push_back(&chain);
+        return first;
+    }
+
     void WritePolymers(const std::vector<WrittenChain> &chains) {
         if (std::ranges::none_of(chains, &WrittenChain::IsPolymer))
             return;
         m_out << "#\nloop_\n_entity_poly.entity_id\n_entity_poly.type\n";
-        for (std::size_t i = 0; i < chains.size(); ++i)
-            if (chains[i].IsPolymer())
-                m_out << i + 1 << ' ' << gemmi::cif::quote(PolymerType(chains[i])) << '\n';
+        for (const WrittenChain *chain : FirstCopies(chains))
+            if (chain->IsPolymer())
+                m_out << chain->entityNumber << ' ' << gemmi::cif::quote(PolymerType(*chain)) << '\n';
     }
 
     /// Readers that look up every residue's name stop where this table is missing.
@@ -330,15 +340,14 @@ private:
         const SequenceId id = Sequence();
         const std::string name = Value(atom.GetName()), residue = Value(CurrentResidue().GetName());
         m_out << RecordName() << ' ' << m_atomNumber << ' ' << Value(atom.GetLabel()) << ' ' << name << " . "
-              << residue << ' ' << Letters(m_chainNumber) << ' ' << m_chainNumber << ' '
+              << residue << ' ' << Letters(m_chainNumber) << ' ' << m_chain.entityNumber << ' '
               << (m_chain.IsPolymer() ? std::to_string(m_residueNumber) : ".") << ' '
               << (id.insertion.empty() ? "?" : Value(id.insertion));
         for (const unsigned i : {0, 1, 2})
             m_out << ' ' << base::PlainFixed(double(position[i]), 3);
         const float bFactor = std::isfinite(atom.GetBFactor()) ? atom.GetBFactor() : 0;
         m_out << " 1.00 " << base::PlainFixed(double(bFactor), 2) << ' ' << std::lround(atom.GetCharge())
-              << ' ' << id.number << ' ' << residue << ' ' << Value(m_chain.node->GetName()) << ' ' << name
-              << " 1\n";
+              << ' ' << id.number << ' ' << residue << ' ' << Value(m_chain.name) << ' ' << name << " 1\n";
     }
 
     void EndChain() override {}
@@ -397,12 +406,36 @@ void WriteStructure(const std::string &file, StructureFormat format,
     std::erase_if(chains, [](const WrittenChain &chain) { return !HasAtoms(chain); });
     if (chains.empty())
         throw FileError(file, "", "nothing to write: no chain with atoms in " + labels);
+    for (WrittenChain &chain : chains) {
+        chain.name = chain.node->GetName();
+        chain.displace = displace;
+        chain.entityNumber = std::size_t(&chain - chains.data()) + 1;
+    }
     ReplaceFile(file, [&](std::ostream &out) {
         if (format == StructureFormat::Pdb)
-            PdbWriter(file, displace, out).Write(chains);
+            PdbWriter(file, out).Write(chains);
         else
-            MmcifWriter(file, displace, out).Write(chains);
+            MmcifWriter(file, out).Write(chains);
     });
+}
+
+void WriteAssembly(const std::string &file, std::span<const PlacedChain> placed) {
+    std::vector<WrittenChain> chains;
+    std::map<const Compound *, std::size_t> entities;
+    for (const PlacedChain &copy : placed) {
+        std::vector<WrittenChain> written;
+        CollectChains(copy.chain, written);
+        std::erase_if(written, [](const WrittenChain &chain) { return !HasAtoms(chain); });
+        for (WrittenChain &chain : written) {
+            chain.name = copy.name;
+            chain.displace = [pose = copy.pose](const Vertex &position) { return pose * position; };
+            chain.entityNumber = entities.emplace(chain.node, entities.size() + 1).first->second;
+            chains.push_back(std::move(chain));
+        }
+    }
+    if (chains.empty())
+        throw FileError(file, "", "nothing to write: no chain with atoms");
+    ReplaceFile(file, [&](std::ostream &out) { MmcifWriter(file, out).Write(chains); });
 }
 
 } // namespace formats

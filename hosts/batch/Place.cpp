@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Assemble.h"
 #include "CommonOptions.h"
 #include "PlaceArguments.h"
 #include "PlaceProgress.h"
@@ -29,6 +30,8 @@ bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
 
 int PlaceAsTold(const Arguments &arguments) {
     const PlaceOptions options = ReadPlaceOptions(arguments);
+    if (!options.parts.empty())
+        return Assemble(options);
     const PlaceInput input = ReadPlaceInput(options, Warn);
     CheckPlaceOutputs(options, input.format);
     PlaceRecord record = MakePlaceRecord(options, input);

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 using namespace cli;
+using hosts::PartOptions;
 using hosts::PlaceOptions;
 using hosts::PlaceScope;
 
@@ -58,6 +60,51 @@ void CheckTogether(const Arguments &arguments, const std::string &option, const 
         throw UsageError(option + " is given without " + other);
 }
 
+/// "auto", or a number of copies. `text` stands in the value of the option.
+std::optional<std::size_t> CopiesOf(const std::string &option, const std::string &value,
+                                    const std::string &text) {
+    constexpr int maxCopies = 1000;
+    if (text == "auto")
+        return std::nullopt;
+    const std::optional<int> number = base::ReadInteger(text);
+    if (!number || *number < 1 || *number > maxCopies)
+        Refuse(option, value,
+               "a whole number of copies from 1 to " + std::to_string(maxCopies) + ", or auto");
+    return std::size_t(*number);
+}
+
+/// FILE, FILE=N or FILE=auto. A file may have such a name itself.
+PartOptions Part(const std::string &value, const std::optional<std::size_t> &copies) {
+    const std::size_t equals = value.rfind('=');
+    if (equals == std::string::npos || std::filesystem::exists(value))
+        return {value, copies};
+    return {value.substr(0, equals), CopiesOf("--model", value, value.substr(equals + 1))};
+}
+
+/// The parts of an assembly, where one is asked for.
+std::vector<PartOptions> Parts(const Arguments &arguments) {
+    const std::string text = arguments.Text("--copies");
+    const std::optional<std::size_t> copies =
+        arguments.Has("--copies") ? CopiesOf("--copies", text, text) : std::optional<std::size_t>(1);
+    std::vector<PartOptions> parts;
+    for (const std::string &value : arguments.Texts("--model"))
+        parts.push_back(Part(value, copies));
+    const bool isCounted = parts.front().file != arguments.Texts("--model").front();
+    if (parts.size() == 1 && !isCounted && !arguments.Has("--copies") && !arguments.Has("--assembly"))
+        return {};
+    for (const char *option :
+         {"--near", "--refine", "--region", "--hands", "--results", "--models", "--model-prefix"})
+        if (arguments.Has(option))
+            throw std::runtime_error(std::string(option) +
+                                     " is of the places of one model, and not for copies or several models");
+    for (auto part = parts.begin(); part != parts.end(); ++part)
+        if (std::any_of(parts.begin(), part,
+                        [&](const PartOptions &other) { return other.file == part->file; }))
+            throw std::runtime_error("--model: " + part->file + " is given twice; " + part->file +
+                                     "=2 places two copies");
+    return parts;
+}
+
 } // namespace
 
 std::vector<Option> PlaceOptionTable() {
@@ -68,8 +115,17 @@ std::vector<Option> PlaceOptionTable() {
          .valueName = "FILE",
          .help =
              "The structure to be placed, PDB or mmCIF, coordinates in Å, plain or compressed by gzip. Where "
-             "it stands does not matter",
-         .required = true},
+             "it stands does not matter. Several models are placed together, without clashes; FILE=N places "
+             "up to N copies of one, FILE=auto as many as are found",
+         .required = true,
+         .repeatable = true},
+        {.name = "--copies",
+         .value = Value::Text,
+         .valueName = "N",
+         .help =
+             "Place up to N copies of each model that does not say so itself, or \"auto\", as many as are "
+             "found",
+         .defaultText = "1 of each of several models; of one model every place is listed"},
         {.name = "--resolution",
          .value = Value::Number,
          .valueName = "A",
@@ -124,6 +180,12 @@ std::vector<Option> PlaceOptionTable() {
             "Output",
             JsonOption("Write the verdict, every place in full precision, the best first, and the score of "
                        "each residue at the first one")),
+        {.name = "--assembly",
+         .value = Value::File,
+         .valueName = "FILE",
+         .help = "Write all placed copies of --copies or of several models as one mmCIF file; chains keep "
+                 "their names where these are free",
+         .defaultText = "no file"},
         ResultsOption("the places"),
         ModelsOption("Write the model at the N best places, the chains with all their atoms, "
                      "in the model file's format"),
@@ -144,7 +206,9 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     CheckTogether(arguments, "--mirrored-map", "--hands");
     PlaceOptions options;
     options.map = arguments.Text("--map");
-    options.model = arguments.Text("--model");
+    options.model = arguments.Texts("--model").front();
+    options.parts = Parts(arguments);
+    options.assembly = arguments.GivenText("--assembly");
     options.resolution = Resolution(arguments);
     options.chains = arguments.List("--chain");
     if (arguments.Has("--min-plddt"))

@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 #include "base/Words.h"
 
+#include "Printing.h"
 #include "hosts/common/Chains.h"
 
 #include "placement/Forecast.h"
@@ -20,33 +21,14 @@ namespace {
 
 constexpr std::size_t rowsShown = 10;
 
-void Print(const QString &line) {
-    std::cout << line.toStdString() << '\n';
-}
-
-/// A line of the first part; an empty label goes on with the line before.
-void PrintItem(const QString &label, const QString &text) {
-    Print(label.leftJustified(12) + text);
-}
-
-QString Text(const std::string &text) {
-    return QString::fromStdString(text);
-}
-
 QString Percent(double share) {
     return base::FixedNumber(100 * share, 0, 0) + " %";
 }
 
-/// A column of the table.
-struct Column {
-    QString head;
-    int width;
-    std::function<QString(const Place &)> cell;
-};
-
 /// Of a refined place no probability is known.
-std::vector<Column> Columns(bool judged, bool hasFixed) {
-    std::vector<Column> columns = {
+std::vector<Column<Place>> Columns(const std::vector<Place> &places, bool judged, bool hasFixed) {
+    std::vector<Column<Place>> columns = {
+        {"Place", 5, [&places](const Place &place) { return QString::number(&place - places.data() + 1); }},
         {"Score", 10, [](const Place &place) { return base::FixedNumber(place.score, 0, 1); }},
         {"Probability", 13,
          [judged](const Place &place) {
@@ -55,27 +37,23 @@ std::vector<Column> Columns(bool judged, bool hasFixed) {
         {"In density", 12, [](const Place &place) { return Percent(place.inDensity); }}};
     if (hasFixed)
         columns.push_back({"Overlap", 9, [](const Place &place) { return Percent(place.overlap); }});
-    columns.push_back({"Centre, Å", 28, [](const Place &place) {
-                           const Point &c = place.pose.centre;
-                           return base::FixedNumber(c.x, 9, 2) + base::FixedNumber(c.y, 9, 2) +
-                                  base::FixedNumber(c.z, 9, 2);
-                       }});
+    columns.push_back({"Centre, Å", 28, [](const Place &place) { return PositionText(place.pose.centre); }});
     return columns;
 }
 
-void PrintTable(const PlacementResult &result, bool hasFixed) {
-    const std::vector<Place> &places = result.places;
-    const std::vector<Column> columns = Columns(result.verdict != Verdict::Refined, hasFixed);
-    QString head = "Place";
-    for (const Column &column : columns)
-        head += column.head.rightJustified(column.width);
-    Print(head);
-    for (std::size_t i = 0; i < std::min(rowsShown, places.size()); ++i) {
-        QString row = QString::number(i + 1).rightJustified(5);
-        for (const Column &column : columns)
-            row += column.cell(places[i]).rightJustified(column.width);
-        Print(row);
-    }
+void PrintBest(const PlacementResult &result, bool hasFixed) {
+    const std::span<const Place> places(result.places);
+    PrintTable<Place>(Columns(result.places, result.verdict != Verdict::Refined, hasFixed),
+                      places.first(std::min(rowsShown, places.size())));
+}
+
+void PrintModel(const PlaceModel &model, const std::string &file) {
+    PrintItem("Model", Text(file));
+    PrintItem("", Text((model.chains.size() == 1 ? "chain " : "chains ") + ChainNames(model.chains) + ", " +
+                       base::Counted(model.residues.size(), "residue")));
+    if (model.lowConfidence > 0)
+        PrintItem("", Text(base::Counted(model.lowConfidence, "residue") +
+                           " of low confidence left out of the search"));
 }
 
 } // namespace
@@ -95,17 +73,15 @@ void ReportPlaceInput(const PlaceOptions &options, const PlaceInput &input) {
                        options.resolution
                            ? base::GeneralNumber(input.resolution) + " Å"
                            : base::FixedNumber(input.resolution, 0, 1) + " Å, estimated from the map"));
-    PrintItem("Model", Text(options.model));
-    PrintItem("", Text((input.chains.size() == 1 ? "chain " : "chains ") + ChainNames(input.chains) + ", " +
-                       base::Counted(input.residues.size(), "residue")));
-    if (input.lowConfidence > 0)
-        PrintItem("", Text(base::Counted(input.lowConfidence, "residue") +
-                           " of low confidence left out of the search"));
+    if (options.parts.empty())
+        PrintModel(input, options.model);
+    for (const PlaceModel &part : input.parts)
+        PrintModel(part, part.file);
     for (const SolidFile &fixed : input.fixed) {
         PrintItem(&fixed == &input.fixed.front() ? "Fixed" : "", Text(fixed.file));
         PrintItem("", Text((fixed.chains.size() == 1 ? "chain " : "chains ") + ChainNames(fixed.chains)));
     }
-    if (options.scope != PlaceScope::Refine)
+    if (options.parts.empty() && options.scope != PlaceScope::Refine)
         PrintItem("Forecast", Text(ForecastText(PredictedSignal(input.atoms.size(), input.resolution))));
     Print("");
     std::cout << std::flush;
@@ -135,10 +111,9 @@ void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");
-        PrintTable(record.result, !record.fixed.empty());
+        PrintBest(record.result, !record.fixed.empty());
     }
-    for (const std::string &line : written)
-        Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));
+    PrintWritten(written);
 }
 
 } // namespace batch

@@ -76,6 +76,13 @@ std::vector<Chain *> ChooseChains(const std::string &file, const Clump *clump,
     return chains;
 }
 
+std::vector<std::string> NamesOf(const std::vector<Chain *> &chains) {
+    std::vector<std::string> names;
+    for (const Chain *chain : chains)
+        names.push_back(chain->GetName());
+    return names;
+}
+
 std::string ChainNames(const std::vector<Chain *> &chains) {
     QStringList names;
     for (const Chain *chain : chains)

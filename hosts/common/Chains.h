@@ -25,6 +25,9 @@ VARNO::Chain *ChooseChain(const std::string &file, const VARNO::Clump *clump,
 std::vector<VARNO::Chain *> ChooseChains(const std::string &file, const VARNO::Clump *clump,
                                          const std::optional<std::vector<std::string>> &identifiers);
 
+/// The chains' identifiers as they are.
+std::vector<std::string> NamesOf(const std::vector<VARNO::Chain *> &chains);
+
 /// The identifiers for people, "A, B"; a blank one is shown as ' '.
 std::string ChainNames(const std::vector<VARNO::Chain *> &chains);
 

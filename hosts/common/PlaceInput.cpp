@@ -97,23 +97,66 @@ void CollectNeighbours(PlaceInput &input, const WarningSink &warn) {
     }
 }
 
+/// Reads a model; also gives the clump that it stands in.
+PlaceModel ReadModel(const std::string &file, const PlaceOptions &options, const WarningSink &warn,
+                     InputSource &source, const Clump *&clump) {
+    PlaceModel model;
+    model.file = file;
+    formats::StructureReport report;
+    clump = LoadStructure(file, warn, &report, source);
+    model.chains = ChooseChains(file, clump, options.chains);
+    model.format = report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
+    CollectModelAtoms(model, options.minPlddt);
+    if (model.atoms.empty())
+        throw formats::FileError(file, "chains " + ChainNames(model.chains),
+                                 model.lowConfidence > 0 ? "no residue reaches the confidence asked for"
+                                                         : "there is no atom that a map could show");
+    return model;
+}
+
+/// Reads the model, or the parts of an assembly; tells what of them is no part of what stays.
+MovingPart ReadModels(const PlaceOptions &options, const WarningSink &warn, InputSource &source,
+                      PlaceInput &input) {
+    MovingPart moving{options.model, nullptr, {}};
+    if (options.parts.empty()) {
+        static_cast<PlaceModel &>(input) = ReadModel(options.model, options, warn, source, moving.clump);
+        moving.chains = input.chains;
+    }
+    for (const PartOptions &part : options.parts) {
+        const Clump *clump = nullptr;
+        input.parts.push_back(ReadModel(part.file, options, warn, source, clump));
+        const bool isFixedToo = std::ranges::find(options.fixed, part.file) != options.fixed.end();
+        if (input.parts.size() == 1 || isFixedToo)
+            moving = {part.file, clump, input.parts.back().chains};
+    }
+    return moving;
+}
+
+/// The atoms of the model, or of the largest part, whose power the map's resembles the most.
+const std::vector<placement::ModelAtom> &TypicalAtoms(const PlaceInput &input) {
+    if (input.parts.empty())
+        return input.atoms;
+    return std::ranges::max_element(input.parts, {}, [](const PlaceModel &part) { return part.atoms.size(); })
+        ->atoms;
+}
+
 } // namespace
 
-void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor) {
-    for (unsigned chain = 0; chain < input.chains.size(); ++chain) {
+void CollectModelAtoms(PlaceModel &model, std::optional<double> minBFactor) {
+    for (unsigned chain = 0; chain < model.chains.size(); ++chain) {
         std::vector<Compound *> residues;
-        GetResidues(input.chains[chain], residues, true);
+        GetResidues(model.chains[chain], residues, true);
         for (Compound *residue : residues) {
             std::vector<Compound *> atoms;
             GetAtoms(residue, atoms, true);
             if (minBFactor && MeanBFactor(atoms) < *minBFactor) {
-                ++input.lowConfidence;
+                ++model.lowConfidence;
                 continue;
             }
-            const std::size_t before = input.atoms.size();
-            AppendAtoms(atoms, unsigned(input.residues.size()), chain, input.atoms);
-            if (input.atoms.size() > before)
-                input.residues.push_back({input.chains[chain]->GetName(), residue->GetLabel()});
+            const std::size_t before = model.atoms.size();
+            AppendAtoms(atoms, unsigned(model.residues.size()), chain, model.atoms);
+            if (model.atoms.size() > before)
+                model.residues.push_back({model.chains[chain]->GetName(), residue->GetLabel()});
         }
     }
 }
@@ -130,25 +173,17 @@ placement::VolumeView ViewOf(const Grid &map) {
 
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn, InputSource &source) {
     PlaceInput input;
-    formats::StructureReport report;
-    const Clump *clump = LoadStructure(options.model, warn, &report, source);
-    input.chains = ChooseChains(options.model, clump, options.chains);
-    input.format = report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
-    CollectModelAtoms(input, options.minPlddt);
-    if (input.atoms.empty())
-        throw formats::FileError(options.model, "chains " + ChainNames(input.chains),
-                                 input.lowConfidence > 0 ? "no residue reaches the confidence asked for"
-                                                         : "there is no atom that a map could show");
-    input.fixed = ReadSolidFiles(options.fixed, options.fixedChains, {options.model, clump, input.chains},
+    const MovingPart moving = ReadModels(options, warn, source, input);
+    input.fixed = ReadSolidFiles(options.fixed, options.fixedChains, moving,
                                  {"fixed chains", "fixed file", "fixed part"}, warn, source);
     input.map = LoadMap(options.map, warn, &input.mapReport, source);
     if (options.invert)
         std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
-    input.resolution =
-        options.resolution
-            ? *options.resolution
-            : placement::EstimateResolution(ViewOf(*input.map), placement::MakePointModel(input.atoms),
-                                            unsigned(options.threads));
+    input.resolution = options.resolution
+                           ? *options.resolution
+                           : placement::EstimateResolution(ViewOf(*input.map),
+                                                           placement::MakePointModel(TypicalAtoms(input)),
+                                                           unsigned(options.threads));
     CollectNeighbours(input, warn);
     return input;
 }

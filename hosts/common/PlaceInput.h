@@ -17,23 +17,29 @@ struct PlacedResidue {
     std::string chain, label; ///< "A", "ALA12"
 };
 
-/// The files of a placement, read into the model.
-struct PlaceInput {
-    VARNO::Grid *map = nullptr;
-    formats::MapReport mapReport;
-    double resolution = 0;              ///< Å, as given or as estimated
+/// A model that is to be placed.
+struct PlaceModel {
+    std::string file;
     std::vector<VARNO::Chain *> chains; ///< that move together
     formats::StructureFormat format = formats::StructureFormat::Pdb;
-    std::vector<placement::ModelAtom> atoms;      ///< of those chains, without hydrogens
-    std::vector<PlacedResidue> residues;          ///< by the atoms' residue numbers
-    std::size_t lowConfidence = 0;                ///< residues left out for it
+    std::vector<placement::ModelAtom> atoms; ///< of those chains, without hydrogens
+    std::vector<PlacedResidue> residues;     ///< by the atoms' residue numbers
+    std::size_t lowConfidence = 0;           ///< residues left out for it
+};
+
+/// The files of a placement, read into the model: of one model, or of the parts of an assembly.
+struct PlaceInput : PlaceModel {
+    std::vector<PlaceModel> parts; ///< of an assembly
+    VARNO::Grid *map = nullptr;
+    formats::MapReport mapReport;
+    double resolution = 0;                        ///< Å, as given or as estimated
     std::vector<SolidFile> fixed;                 ///< what is already in place
     std::vector<placement::ModelAtom> neighbours; ///< the atoms of its chains, without hydrogens
 };
 
-/// Reads the map, the model and what is already in place. `warn` hears what the readers took
-/// differently from how it stands, and of fixed residues that lie outside of the map. Throws FileError, also
-/// where no atom is left to be placed, and ParameterError for a chain that no fixed file has.
+/// Reads the map, the model or the parts of an assembly, and what is already in place. `warn` hears what the
+/// readers took differently from how it stands, and of fixed residues that lie outside of the map. Throws
+/// FileError, also where no atom is left to be placed, and ParameterError for a chain that no fixed file has.
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn,
                           InputSource &source = InputFiles());
 
@@ -42,6 +48,6 @@ placement::VolumeView ViewOf(const VARNO::Grid &map);
 
 /// The chains' atoms for a search. Hydrogens, atoms of unknown elements and residues whose mean B factor lies
 /// below `minBFactor` are left out; the last are counted.
-void CollectModelAtoms(PlaceInput &input, std::optional<double> minBFactor);
+void CollectModelAtoms(PlaceModel &model, std::optional<double> minBFactor);
 
 } // namespace hosts

@@ -15,11 +15,18 @@ enum class PlaceScope {
     Refine, ///< the best place next to where it is now
 };
 
+/// A model of which copies are placed.
+struct PartOptions {
+    std::string file;
+    std::optional<std::size_t> copies; ///< not set: as many as are found
+};
+
 /// What `place` is asked to do.
 struct PlaceOptions {
     std::string map;
     std::string model;
-    std::optional<double> resolution;               ///< Å; not set: estimated from the map
+    std::vector<PartOptions> parts;   ///< of an assembly; none: the places of one model are looked for
+    std::optional<double> resolution; ///< Å; not set: estimated from the map
     std::optional<std::vector<std::string>> chains; ///< identifiers; not set: all polymer chains
     std::optional<double> minPlddt; ///< residues of less confidence are left out of the search
     bool invert = false;            ///< the map's density is dark: its values change their sign
@@ -32,6 +39,7 @@ struct PlaceOptions {
     std::optional<std::string> results;
     std::optional<std::string> json;
     std::optional<std::string> mirroredMap; ///< is written where the places lie in it
+    std::optional<std::string> assembly;    ///< all placed copies, mmCIF
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;

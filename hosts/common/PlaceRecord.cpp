@@ -3,9 +3,10 @@
 #include "base/Numbers.h"
 #include "base/Words.h"
 
-#include "placement/Forecast.h"
+#include "hosts/common/Chains.h"
+#include "hosts/common/JsonText.h"
 
-#include <nlohmann/json.hpp>
+#include "placement/Forecast.h"
 
 #include <numbers>
 #include <ostream>
@@ -15,17 +16,6 @@ using namespace placement;
 namespace hosts {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-/// File names need not be UTF-8, the file has to be.
-std::string Dump(const Json &json, int indent = -1) {
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
-}
-
-Json PointOf(const Point &p) {
-    return {p.x, p.y, p.z};
-}
 
 std::string ProspectName(double predictedSignal) {
     switch (ProspectOf(predictedSignal)) {
@@ -137,7 +127,6 @@ Json Head(const PlaceRecord &record) {
 }
 
 Json Entry(const Place &place, std::size_t rank, bool judged) {
-    const UnitQuaternion q = QuaternionOf(place.pose.rotation);
     return {{"rank", rank},
             {"score", place.score},
             {"probability", judged ? Json(place.probability) : Json(nullptr)},
@@ -146,30 +135,14 @@ Json Entry(const Place &place, std::size_t rank, bool judged) {
             {"inDensity", place.inDensity},
             {"overlap", place.overlap},
             {"centre", PointOf(place.pose.centre)},
-            {"rotation", {q.w, q.x, q.y, q.z}},
+            {"rotation", RotationOf(place.pose.rotation)},
             {"translation", PointOf(place.translation)}};
-}
-
-/// Writes the entries of a list, each on a line of its own.
-template <class EntryAt>
-void WriteList(std::ostream &out, const std::string &name, std::size_t size, EntryAt entryAt) {
-    out << ",\n  \"" << name << "\": [";
-    for (std::size_t i = 0; i < size; ++i)
-        out << (i > 0 ? ",\n    " : "\n    ") << Dump(entryAt(i));
-    out << "\n  ]";
 }
 
 PlacementResult SearchOneHand(const PlaceInput &input, const PlacementParameters &parameters,
                               PlaceScope scope, Monitor &monitor) {
     return scope == PlaceScope::Refine ? RefinePlace(ViewOf(*input.map), input.atoms, parameters, monitor)
                                        : FindPlaces(ViewOf(*input.map), input.atoms, parameters, monitor);
-}
-
-std::vector<std::string> NamesOf(const std::vector<VARNO::Chain *> &chains) {
-    std::vector<std::string> names;
-    for (const VARNO::Chain *chain : chains)
-        names.push_back(chain->GetName());
-    return names;
 }
 
 } // namespace
@@ -310,9 +283,7 @@ std::vector<std::string> WarningsOf(const PlaceRecord &record) {
 }
 
 void WritePlaceJson(std::ostream &out, const PlaceRecord &record) {
-    std::string head = Dump(Head(record), 2);
-    head.resize(head.size() - std::string("\n}").size());
-    out << head;
+    WriteHead(out, Head(record));
     const PlacementResult &result = record.result;
     WriteList(out, "places", result.places.size(), [&](std::size_t i) {
         return Entry(result.places[i], i + 1, result.verdict != Verdict::Refined);

@@ -145,6 +145,26 @@ ATOM 7 C "C4'" . G D 4 1 ? 0.000 -0.001 0.001 1.00 0.00 0 1234 G ' ' "C4'" 1
 )");
 }
 
+TEST_F(WriteStructureTest, CopiesOfAChainAreOneEntityUnderTheirOwnNames) {
+    Clump *clump = Read(pdb);
+    std::vector<Compound *> chains;
+    GetPeptides(clump, chains, true);
+    const auto *first = dynamic_cast<const Chain *>(chains.at(0));
+    const auto *last = dynamic_cast<const Chain *>(chains.at(1));
+    const Transform still({}, {}), moved({}, Vertex(10, 0, 0, false));
+    WriteAssembly(m_folder.File("out.cif"),
+                  std::vector<PlacedChain>{{first, still, "A"}, {last, still, "Z"}, {first, moved, "A2"}});
+    const std::string text = ReadFile(m_folder.File("out.cif"));
+    EXPECT_THAT(text, HasSubstr("_entity.type\n1 polymer\n2 polymer\n#"));
+    EXPECT_THAT(text, HasSubstr("_entity_poly.type\n1 polypeptide(L)\n2 polyribonucleotide\n#"));
+    EXPECT_THAT(text, HasSubstr("_struct_asym.entity_id\nA 1\nB 2\nC 1\n#"));
+    EXPECT_THAT(text, HasSubstr("ATOM 1 N N . ALA A 1 1 A 11.104 6.134 -6.504 1.00 12.50 1 -5 ALA A N 1\n"));
+    EXPECT_THAT(text, HasSubstr(" G B 2 1 ? 0.000 -0.001 0.001 1.00 0.00 0 1234 G Z "));
+    EXPECT_THAT(text, HasSubstr(" N N . ALA C 1 1 A 21.104 6.134 -6.504 1.00 12.50 1 -5 ALA A2 N 1\n"));
+    EXPECT_EQ(Outline(ReadStructure(m_folder.File("out.cif"))),
+              "A: ALA-5A(N CA) VAL6(HG11) MSE7(SE); Z: G1234(C4'); A2: ALA-5A(N CA) VAL6(HG11) MSE7(SE)");
+}
+
 TEST_F(WriteStructureTest, WaterStandsBehindTheLigandsOfItsChain) {
     const std::string text =
         Written(StructureFormat::Mmcif,

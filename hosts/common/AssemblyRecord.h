@@ -1,0 +1,52 @@
+#pragma once
+
+#include "hosts/common/PlaceRecord.h"
+
+#include "placement/Assembly.h"
+
+namespace hosts {
+
+/// A part of an assembly, as its record tells it.
+struct PartRecord {
+    std::string file;
+    std::string name;                  ///< of the file without folder and extensions
+    std::optional<std::size_t> copies; ///< that are wanted; not set: as many as are found
+    std::vector<std::string> chains;   ///< identifiers
+    std::size_t residues = 0;          ///< that take part in the search
+};
+
+/// What an assembly was asked for and what came of it, as the JSON file tells it.
+struct AssemblyRecord {
+    PlaceOptions options;
+    double resolution = 0; ///< Å, as given or as estimated
+    std::vector<PartRecord> parts;
+    std::vector<FixedPart> fixed; ///< what was already in place
+    placement::AssemblyResult result;
+    /// Of each placed copy the names of its chains in the file of the assembly: the author's where they are
+    /// free, else with the first number from 2 on that makes them so, "A2".
+    std::vector<std::vector<std::string>> chainNames;
+    double seconds = 0;
+};
+
+/// The record of an assembly that is still to be placed.
+AssemblyRecord MakeAssemblyRecord(const PlaceOptions &options, const PlaceInput &input);
+
+/// Places the parts.
+void FindAssemblyOf(const PlaceInput &input, AssemblyRecord &record, placement::Monitor &monitor);
+
+/// Whether every copy that was asked for is placed, and at least one of each part.
+bool IsComplete(const AssemblyRecord &record);
+
+/// "1 copy", "3 copies".
+std::string CopiesText(std::size_t number);
+
+/// How much of the assembly is placed, a sentence for people without the last full stop.
+std::string AssemblyText(const AssemblyRecord &record);
+
+/// What came of a part, likewise: "2 of 3 copies are placed; no further place stands out (probability 0.02)".
+std::string PartText(const AssemblyRecord &record, std::size_t part);
+
+/// Writes the record: numbers in full precision.
+void WriteAssemblyJson(std::ostream &out, const AssemblyRecord &record);
+
+} // namespace hosts

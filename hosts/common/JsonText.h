@@ -1,0 +1,44 @@
+#pragma once
+
+#include "placement/Geometry.h"
+
+#include <nlohmann/json.hpp>
+
+#include <ostream>
+#include <string>
+
+namespace hosts {
+
+/// What the JSON files of placements share.
+using Json = nlohmann::ordered_json;
+
+/// File names need not be UTF-8, the file has to be.
+inline std::string Dump(const Json &json, int indent = -1) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+inline Json PointOf(const placement::Point &p) {
+    return {p.x, p.y, p.z};
+}
+
+inline Json RotationOf(const placement::Matrix &rotation) {
+    const placement::UnitQuaternion q = placement::QuaternionOf(rotation);
+    return {q.w, q.x, q.y, q.z};
+}
+
+/// Begins a file with the members of an object, which is still to be closed.
+inline void WriteHead(std::ostream &out, const Json &head) {
+    const std::string text = Dump(head, 2);
+    out << text.substr(0, text.size() - std::string("\n}").size());
+}
+
+/// Writes the entries of a list, each on a line of its own.
+template <class EntryAt>
+void WriteList(std::ostream &out, const std::string &name, std::size_t size, EntryAt entryAt) {
+    out << ",\n  \"" << name << "\": [";
+    for (std::size_t i = 0; i < size; ++i)
+        out << (i > 0 ? ",\n    " : "\n    ") << Dump(entryAt(i));
+    out << "\n  ]";
+}
+
+} // namespace hosts

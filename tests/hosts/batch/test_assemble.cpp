@@ -1,0 +1,211 @@
+#include "CommandFixture.h"
+
+#include "Collect.h"
+#include "TestData.h"
+#include "formats/structures/StructureFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+using namespace VARNO;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+std::string Example(const std::string &file) {
+    return SourceFolder() + "/examples/" + file;
+}
+
+/// The map of a toxin, and its chains as files of their own: A, C, and five copies of B, from D to H.
+class Assemble : public CommandFixture {
+protected:
+    std::vector<std::string> Words(const std::vector<std::string> &more) const {
+        std::vector<std::string> words{"place",        "--map", Example("1tii_8A.mrc"),
+                                       "--resolution", "8",     "--quiet"};
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+
+    nlohmann::json JsonOf(const std::vector<std::string> &more) {
+        std::vector<std::string> words = Words(more);
+        words.insert(words.end(), {"--json", m_folder.File("assembly.json")});
+        OutputOf(words);
+        return nlohmann::json::parse(ReadFile(m_folder.File("assembly.json")));
+    }
+
+    /// A chain of the complex, turned by half a turn about z and moved.
+    std::string ChainFile(char chain) {
+        std::istringstream complex(ReadFile(Example("1tii.pdb")));
+        std::string lines;
+        for (std::string line; std::getline(complex, line);)
+            if (line.starts_with("ATOM") && line[21] == chain)
+                lines += line + '\n';
+        const std::string name = std::string("chain-") + chain + ".pdb";
+        m_folder.Write("own.pdb", lines);
+        OutputOf({"build", "--target", m_folder.File("own.pdb"), "--results",
+                  m_folder.Write("turn.txt", "0.00 0.00 0.00 1.00 9.00 8.00 7.00 1.00\n"), "--rank", "1",
+                  "--out", m_folder.File(name)});
+        return m_folder.File(name);
+    }
+
+    const std::string m_model = Example("1tii_D_displaced.pdb");
+};
+
+std::vector<Vertex> PositionsOf(Compound *node) {
+    std::vector<Compound *> residues;
+    GetResidues(node, residues, true);
+    std::vector<Vertex> positions;
+    for (const Compound *residue : residues)
+        positions.push_back(residue->GetPosition());
+    return positions;
+}
+
+std::vector<Chain *> ChainsOf(const std::string &file) {
+    std::vector<Compound *> nodes;
+    GetPeptides(formats::ReadStructure(file), nodes, true);
+    std::vector<Chain *> chains;
+    for (Compound *node : nodes)
+        chains.push_back(dynamic_cast<Chain *>(node));
+    return chains;
+}
+
+std::string NamesOf(const std::vector<Chain *> &chains) {
+    std::string names;
+    for (const Chain *chain : chains)
+        names += (names.empty() ? "" : " ") + chain->GetName();
+    return names;
+}
+
+double Rmsd(const std::vector<Vertex> &a, const std::vector<Vertex> &b) {
+    double squares = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        squares += double((a[i] - b[i]).SquaredLength());
+    return std::sqrt(squares / double(a.size()));
+}
+
+/// For each chain of a file the chain of the complex that it stands upon (within 1 Å), "-" where there is
+/// none.
+std::string StandsUpon(const std::vector<Chain *> &placed) {
+    const std::vector<Chain *> complex = ChainsOf(Example("1tii.pdb"));
+    std::string names;
+    for (Chain *chain : placed) {
+        const std::vector<Vertex> positions = PositionsOf(chain);
+        const auto found = std::ranges::find_if(complex, [&](Chain *true_) {
+            const std::vector<Vertex> there = PositionsOf(true_);
+            return there.size() == positions.size() && Rmsd(there, positions) < 1;
+        });
+        names += found == complex.end() ? "-" : (*found)->GetName();
+    }
+    return names;
+}
+
+std::string Sorted(std::string text) {
+    std::ranges::sort(text);
+    return text;
+}
+
+} // namespace
+
+TEST_F(Assemble, AsManyCopiesAsThereAreAreFound) {
+    const std::string file = m_folder.File("placed.cif");
+    const nlohmann::json json = JsonOf({"--model", m_model, "--copies", "auto", "--assembly", file});
+    const std::vector<Chain *> placed = ChainsOf(file);
+    EXPECT_EQ(NamesOf(placed), "D D2 D3 D4 D5");
+    EXPECT_EQ(Sorted(StandsUpon(placed)), "DEFGH");
+    EXPECT_EQ(json.at("format"), "morvanex assembly");
+    EXPECT_EQ(json.at("complete"), true);
+    EXPECT_EQ(json.at("copies").size(), 5u);
+    EXPECT_EQ(json["copies"][1]["copy"], 2);
+    EXPECT_EQ(json["copies"][1]["chains"], (nlohmann::json{{{"chain", "D"}, {"name", "D2"}}}));
+    EXPECT_GT(json["copies"][4]["probability"], 0.99);
+    EXPECT_EQ(json["parts"][0]["wanted"], nullptr);
+    EXPECT_EQ(json["parts"][0]["placed"], 5);
+    EXPECT_EQ(json["parts"][0]["left"], "nothing-found");
+    EXPECT_THAT(ReadFile(file), HasSubstr("_entity.type\n1 polymer\n#"));
+}
+
+TEST_F(Assemble, TheTableTellsThePartsAndTheCopies) {
+    std::vector<std::string> words = Words({"--model", m_model, "--copies", "6"});
+    std::erase(words, "--quiet");
+    EXPECT_THAT(OutputOf(words),
+                AllOf(HasSubstr("chain D, 98 residues\n"), HasSubstr("Assembly    5 copies placed\n"),
+                      HasSubstr("1tii_D_displaced: 5 of 6 copies placed: no further place stands out"),
+                      HasSubstr("Part              Copy  Chains  Probability  Contacts  Clashes"),
+                      HasSubstr("1tii_D_displaced     5      D5        1.000")));
+}
+
+TEST_F(Assemble, ModelsThatStartAnywhereMakeTheComplex) {
+    const std::string file = m_folder.File("placed.cif"), a = ChainFile('A'), c = ChainFile('C');
+    const nlohmann::json json =
+        JsonOf({"--model", c, "--model", m_model + "=5", "--model", a, "--assembly", file});
+    EXPECT_EQ(json.at("complete"), true);
+    const std::vector<Chain *> placed = ChainsOf(file);
+    EXPECT_EQ(NamesOf(placed), "C D D2 D3 D4 D5 A");
+    const std::string upon = StandsUpon(placed);
+    EXPECT_EQ(upon.front(), 'C');
+    EXPECT_EQ(upon.back(), 'A');
+    EXPECT_EQ(Sorted(upon), "ACDEFGH");
+}
+
+TEST_F(Assemble, APartThatIsNotInTheMapIsNamedAndNotForced) {
+    REQUIRE_TEST_DATA();
+    const std::string foreign = TestDataFolder() + "/models/A0A1D1V2B2.pdb.gz";
+    const nlohmann::json json = JsonOf({"--model", foreign, "--model", m_model});
+    EXPECT_EQ(json.at("complete"), false);
+    EXPECT_EQ(json.at("statement"), "1 copy placed, of 1 of 2 models");
+    EXPECT_EQ(json["parts"][0]["placed"], 0);
+    EXPECT_THAT(json["parts"][0]["statement"].get<std::string>(),
+                HasSubstr("not placed: no place stands out"));
+    EXPECT_EQ(json["parts"][1]["left"], "nothing");
+}
+
+TEST_F(Assemble, WhereNothingIsPlacedNoFileIsWritten) {
+    const Outcome outcome = Run(Words({"--model", m_model, "--copies", "auto", "--fixed", Example("1tii.pdb"),
+                                       "--assembly", m_folder.File("placed.cif")}));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("1tii_D_displaced: not placed: no place stands out"));
+    EXPECT_THAT(outcome.errors, HasSubstr("placed.cif is not written, since nothing is placed"));
+    EXPECT_THAT(FilesOfFolder(), testing::IsEmpty());
+}
+
+TEST_F(Assemble, ChainsOfFixedPartsKeepTheirNames) {
+    const nlohmann::json json = JsonOf(
+        {"--model", m_model, "--copies", "auto", "--fixed", Example("1tii.pdb"), "--fixed-chains", "D,E,A"});
+    ASSERT_EQ(json["copies"].size(), 3u);
+    EXPECT_EQ(json["copies"][0]["chains"], (nlohmann::json{{{"chain", "D"}, {"name", "D2"}}}));
+    EXPECT_EQ(json["copies"][2]["chains"], (nlohmann::json{{{"chain", "D"}, {"name", "D4"}}}));
+}
+
+TEST_F(Assemble, ThreadsGiveTheSameFiles) {
+    const auto filesOf = [&](const std::string &threads) {
+        OutputOf(Words({"--model", m_model, "--copies", "3", "--threads", threads, "--assembly",
+                        m_folder.File("placed.cif")}));
+        return ReadFile(m_folder.File("placed.cif"));
+    };
+    EXPECT_EQ(filesOf("1"), filesOf("3"));
+}
+
+TEST_F(Assemble, RefusesWhatMakesNoAssembly) {
+    const auto errorOf = [&](const std::vector<std::string> &more) { return ErrorOf(Words(more)); };
+    EXPECT_EQ(errorOf({"--model", "a.pdb", "--copies", "0"}),
+              "--copies: 0 is not a whole number of copies from 1 to 1000, or auto\n");
+    EXPECT_EQ(errorOf({"--model", "a.pdb=many"}),
+              "--model: a.pdb=many is not a whole number of copies from 1 to 1000, or auto\n");
+    EXPECT_EQ(errorOf({"--model", "a.pdb", "--model", "a.pdb=3"}),
+              "--model: a.pdb is given twice; a.pdb=2 places two copies\n");
+    EXPECT_THAT(errorOf({"--model", "a.pdb=2", "--hands"}), HasSubstr("--hands is"));
+    EXPECT_THAT(errorOf({"--model", "none.pdb=2"}), HasSubstr("none.pdb"));
+    EXPECT_THAT(errorOf({"--model", m_model + "=2", "--assembly", m_model}),
+                HasSubstr("1tii_D_displaced.pdb"));
+}
+
+TEST_F(Assemble, AFileMayHaveAnEqualsSignInItsName) {
+    const std::string file = m_folder.Write("chain=2.pdb", ReadFile(m_model));
+    EXPECT_EQ(JsonOf({"--model", file + "=1"})["copies"].size(), 1u);
+    EXPECT_EQ(JsonOf({"--model", file, "--copies", "2"})["copies"].size(), 2u);
+}
