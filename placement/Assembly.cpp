@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace placement {
 
@@ -122,29 +123,38 @@ private:
         return chosen;
     }
 
-    /// Searches for every copy beside all others, and takes out those that are not sure there; returns their
-    /// number. The others have the place and the probability of this search.
+    /// Searches for every copy beside all others, and takes out those that are not found again; returns their
+    /// number.
     std::size_t DropDoubtful() {
         std::vector<Claim> kept;
         for (std::size_t i = 0; i < m_placed.size(); ++i) {
-            const Claim &claim = m_placed[i];
-            const JudgedPlaces found = Search(claim.part, NeighboursBut(i));
-            if (found.cancelled) {
-                kept.push_back(claim);
-                continue;
-            }
-            const auto again = std::ranges::find_if(found.places, [&](const JudgedPlace &judged) {
-                const double same = samePlace * m_parameters.resolution;
-                return SquaredRmsd(m_models[claim.part], judged.place.pose, claim.judged.place.pose) <
-                       same * same;
-            });
-            if (again != found.places.end() && again->confidence.probability >= declared)
-                kept.push_back({claim.part, *again, ResiduesAt(m_models[claim.part], again->place.pose)});
+            const JudgedPlaces found = Search(m_placed[i].part, NeighboursBut(i));
+            if (const std::optional<Claim> again = FoundAgain(m_placed[i], found))
+                kept.push_back(*again);
             else
-                m_result.parts[claim.part].left = Left::Doubtful;
+                m_result.parts[m_placed[i].part].left = Left::Doubtful;
         }
         std::swap(m_placed, kept);
         return kept.size() - m_placed.size();
+    }
+
+    /// The copy as a search beside all others finds it, where it still is the best place, or a sure one. What
+    /// the others hide of it may make it less sure than it was: the greater probability counts.
+    std::optional<Claim> FoundAgain(const Claim &claim, const JudgedPlaces &found) const {
+        if (found.cancelled)
+            return claim;
+        const double same = samePlace * m_parameters.resolution;
+        const auto again = std::ranges::find_if(found.places, [&](const JudgedPlace &judged) {
+            return SquaredRmsd(m_models[claim.part], judged.place.pose, claim.judged.place.pose) <
+                   same * same;
+        });
+        if (again == found.places.end() ||
+            (again != found.places.begin() && again->confidence.probability < declared))
+            return std::nullopt;
+        Claim better{claim.part, *again, ResiduesAt(m_models[claim.part], again->place.pose)};
+        if (claim.judged.confidence.probability > better.judged.confidence.probability)
+            better.judged.confidence = claim.judged.confidence;
+        return better;
     }
 
     JudgedPlaces Search(std::size_t part, const std::vector<ModelAtom> &neighbours) {

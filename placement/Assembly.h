@@ -65,9 +65,9 @@ struct AssemblyResult {
 /// Each model is searched for by itself, and places that are sure compete: of all sets of them that do not
 /// clash the most probable one is placed, the product of the odds being the measure (CompatibleSet.h). With
 /// those as known neighbours the others are searched for, and so on until nothing more stands out. Then every
-/// copy is searched for once more beside all others: the probability that it is given is that of this search,
-/// and one that it no longer finds, or that is not sure beside them, is taken out. Nothing is placed that is
-/// not sure.
+/// copy is searched for once more beside all others, and taken out where that does not find it again as the
+/// best place that is left. Its probability is the greater one of both searches: what others hide of it, and
+/// its own density as a background, may make the second one less sure. Nothing is placed that is not sure.
 ///
 /// Throws as FindPlaces does.
 AssemblyResult FindAssembly(const VolumeView &map, std::span<const AssemblyPart> parts,
