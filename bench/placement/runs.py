@@ -40,6 +40,15 @@ class Program:
         words = ["simulate", "--model", model, "--out", out, "--resolution", resolution, "--voxel", voxel]
         return self.run(*words, *as_words(options))
 
+    def assemble(self, map_file, models, resolution, threads=1, **options):
+        """The JSON file of several models as a value, and what the process took."""
+        json_file = self.file("assembly.json")
+        words = [word for model in models for word in ("--model", model)]
+        run = self.run("place", "--map", map_file, *words, "--resolution", resolution, "--threads", threads, "--quiet",
+                       "--json", json_file, *as_words(options))
+        with open(json_file) as file:
+            return json.load(file), run
+
     def place(self, map_file, model, resolution, threads=1, **options):
         """The JSON file as a value, and what the process took."""
         json_file = self.file("places.json")
