@@ -163,6 +163,43 @@ constexpr double gaussianEnd = 0.68, trimVoxel = 0.7;
 /// A map is trimmed to the part that matters where that is less than this share of it.
 constexpr double maxTrimmedShare = 0.67;
 
+// A map's own symmetry
+
+/// Density lies where the map, smoothed by this many resolutions, stands out.
+constexpr double selfMaskWidth = 0.3;
+/// Points that a map is laid upon itself by, at most about, and those that the scan sums.
+constexpr double selfPoints = 2500;
+constexpr std::size_t selfScanPoints = 300;
+/// Poses that are refined: the best of the scan, and even ones, which show what chance does.
+constexpr std::size_t selfPoses = 500, selfSpread = 300;
+/// Motions that remain: those of the largest group, and as many wrong ones as a tail is fitted to.
+constexpr std::size_t selfMotions = 60 + 150;
+/// The best motions that lead to guesses.
+constexpr std::size_t guessingMotions = 40;
+/// The highest fold and the longest way along a helix that are guessed from one motion.
+constexpr unsigned maxGuessedFold = 24;
+constexpr int maxGuessedSteps = 4;
+/// How far an angle may be from that of an operator, radians.
+constexpr double maxGuessAngle = 0.2;
+/// A guess is worth a look where its operators' mean score is this part of the best motion's.
+constexpr double minSupport = 0.5;
+/// Guesses of one kind that are refined.
+constexpr std::size_t guessesOfKind = 3;
+/// The weakest operator of a group is at least this strong, of its strongest one: those of a group are equal
+/// but for noise, and a group that is too large has some that are none.
+constexpr double weakestOperator = 0.75;
+/// Correlations above this are equal: what is left is noise and the lattice.
+constexpr double surelyEqual = 0.9;
+/// A map is correlated with itself over at least this part of it.
+constexpr double minOverlap = 0.5;
+/// A helix climbs at least this much in a turn, resolutions.
+constexpr double minPitch = 0.5;
+/// How far an axis that was found may be from one that is held, radians, and its twist, degrees; the step of
+/// turns about a held one.
+constexpr double heldAxis = 0.17, heldTwist = 8, heldStep = 0.05;
+/// Steps along a helix that are correlated, to either side.
+constexpr int helixReach = 2;
+
 // The confidence
 
 /// Distinct places that the tail of the wrong ones is fitted to: all that are refined to the end but the

@@ -51,6 +51,12 @@ RadialCurve LevelFilter(const Spectrum &spectrum, double sigma) {
     return WhitenedSignal(spectrum, [&](double k) { return k * Gaussian(variance, k); });
 }
 
+RadialCurve WhiteFilter(const Spectrum &spectrum, double sigma) {
+    const double finest = finestWidth * spectrum.resolution;
+    const double variance = sigma * sigma - finest * finest;
+    return WhitenedSignal(spectrum, [&](double k) { return Gaussian(variance, k); });
+}
+
 RadialCurve GaussianFilter(double sigma, double end) {
     constexpr double samples = 500;
     return Sample(end, end / samples, [&](double k) { return k < end ? Gaussian(sigma * sigma, k) : 0.0; });

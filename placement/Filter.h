@@ -31,6 +31,9 @@ RadialCurve MatchedFilter(const Spectrum &spectrum, const RadialCurve &modelPowe
 /// the width sigma (Å) it is narrowed by exp(-(sigma² - sigma0²)·(2πk)²/2), sigma0 = 0.3 resolutions.
 RadialCurve LevelFilter(const Spectrum &spectrum, double sigma);
 
+/// The form in which every wave is as strong as its share of signal, sqrt(C/S), narrowed likewise: under it a
+/// map is laid upon itself.
+RadialCurve WhiteFilter(const Spectrum &spectrum, double sigma);
 /// exp(-sigma²·(2πk)²/2): a Gaussian of the width sigma (Å), up to the wavenumber `end` (1/Å) and 0 from
 /// there.
 RadialCurve GaussianFilter(double sigma, double end);

@@ -48,6 +48,8 @@ public:
             sum.rise += op.steps * Dot(axis, g.byShift);
             sum.twist += op.steps * Dot(axis, g.byRotation + Cross(copy.centre - at.frame.centre, g.byShift));
         }
+        if (!m_job.freedom.axis)
+            sum.frameTurn = Dot(axis, sum.frameTurn) * axis;
         state.gradient = AsLengths(sum);
         state.at.score = state.score;
         return state;
@@ -92,10 +94,9 @@ private:
             set(0, sum.poseShift, 1);
             set(3, sum.poseTurn, m_gyration);
         }
-        if (m_job.freedom.frame) {
+        if (m_job.freedom.centre)
             set(6, sum.frameShift, 1);
-            set(9, sum.frameTurn, m_distance);
-        }
+        set(9, sum.frameTurn, m_distance);
         if (m_job.freedom.helix) {
             gradient[12] = sum.rise / m_steps;
             gradient[13] = sum.twist / (m_steps * m_distance);

@@ -97,13 +97,15 @@ TEST(SymmetricRefinement, WhatMayNotMoveStays) {
     SymmetricPose start = assembly.Truth();
     start.pose.centre = start.pose.centre + Point{2, 1, 1};
     SymmetricJob job = assembly.Job(points);
-    job.freedom = {.pose = true, .frame = false, .helix = false};
+    job.freedom = {.pose = true, .axis = false, .centre = false, .helix = false};
     SymmetricPose end = RefineSymmetric(job, start, {50, 0.5, 2});
     EXPECT_EQ(end.symmetry.rise, 22);
     EXPECT_EQ(end.symmetry.twist, -50);
     EXPECT_EQ(Length(end.frame.centre - start.frame.centre), 0);
+    const Point axis{0, 0, 1};
+    EXPECT_LT(AngleBetween(end.frame.rotation * axis, start.frame.rotation * axis), 1e-6);
     EXPECT_GT(Length(end.pose.centre - start.pose.centre), 1);
-    job.freedom = {.pose = false, .frame = true, .helix = true};
+    job.freedom = {.pose = false};
     end = RefineSymmetric(job, start, {50, 0.5, 2});
     EXPECT_EQ(Length(end.pose.centre - start.pose.centre), 0);
     EXPECT_NE(end.symmetry.rise, 22);
@@ -120,7 +122,7 @@ TEST(SymmetricRefinement, TheGradientIsThatOfTheScore) {
         SymmetricPose start = truth;
         start.frame.rotation = RotationBy(turn) * start.frame.rotation;
         SymmetricJob job = assembly.Job(points);
-        job.freedom = {.pose = false, .frame = true, .helix = false};
+        job.freedom = {.pose = false, .helix = false};
         EXPECT_GT(RefineSymmetric(job, start, {60, 0.3, 2}).score, 0.995 * best);
     }
 }
