@@ -106,7 +106,8 @@ private:
             const Point across = Cross(main, Unit(axis));
             if (Length(across) > std::sin(heldAxis) || OperatorsOf(guess.symmetry, 1).size() < 2)
                 return false;
-            guess.frame.rotation = RotationBy(std::asin(Length(across)) * Unit(across)) * guess.frame.rotation;
+            guess.frame.rotation =
+                RotationBy(std::asin(Length(across)) * Unit(across)) * guess.frame.rotation;
         }
         if (m_request.centre) {
             const Point off = *m_request.centre - guess.frame.centre;
@@ -144,21 +145,21 @@ private:
         std::vector<SymmetryOperator> operators =
             OperatorsOf(symmetry, symmetry.IsHelical() ? helixReach : 0);
         operators.erase(operators.begin());
-        return {m_map.fine, m_points, m_map.body.gyration, std::move(operators),
+        return {m_map.fine,
+                m_points,
+                m_map.body.gyration,
+                std::move(operators),
                 {.pose = false, .axis = !m_request.axis, .centre = !m_request.centre}};
     }
 
     MapSymmetry Judged(const SymmetryGuess &guess) const {
         const SymmetricJob job = JobOf(guess.symmetry);
         const SymmetricPose start{{RotationBy({}), m_map.body.centre}, guess.symmetry, guess.frame, 0};
-        const SymmetricPose end =
-            RefineSymmetric(job, start,
-                            {finalSteps, firstFinalStep * m_map.resolution,
-                             longestFinalStep * m_map.resolution});
+        const SymmetricPose end = RefineSymmetric(
+            job, start, {finalSteps, firstFinalStep * m_map.resolution, longestFinalStep * m_map.resolution});
         std::vector<double> correlations;
         for (const SymmetryOperator &op : job.operators)
-            correlations.push_back(
-                m_map.Correlation(Moved(MotionOf(op, end.symmetry, end.frame), end.pose)));
+            correlations.push_back(m_map.Correlation(Moved(MotionOf(op, end.symmetry, end.frame), end.pose)));
         return WithEvidence(end, correlations);
     }
 
@@ -170,16 +171,18 @@ private:
         judged.weakest = *weakest;
         const std::vector<double> wrong = WrongScores(at);
         judged.wrong = wrong.empty() ? 0 : wrong.front();
-        for (const Motion &between : MotionsBetween(at.symmetry, at.frame))
-            judged.wrong = std::max(judged.wrong, m_map.Correlation(Moved(between, at.pose)));
+        double between = 0;
+        for (const Motion &motion : MotionsBetween(at.symmetry, at.frame))
+            between = std::max(between, m_map.Correlation(Moved(motion, at.pose)));
         std::vector<double> strengths;
         for (const double correlation : wrong)
             strengths.push_back(StrengthOf(correlation));
         const WrongTail tail = FitWrongTail(strengths);
         judged.logExpected = tail.LogExpected(StrengthOf(judged.correlation));
         judged.probability = tail.Probability(StrengthOf(judged.correlation));
-        judged.found = judged.probability >= declared && HasPitch(at.symmetry) && *weakest > judged.wrong &&
-                       StrengthOf(*weakest) >= weakestOperator * StrengthOf(std::min(*strongest, surelyEqual));
+        judged.found =
+            judged.probability >= declared && HasPitch(at.symmetry) && *weakest > between &&
+            StrengthOf(*weakest) >= weakestOperator * StrengthOf(std::min(*strongest, surelyEqual));
         return judged;
     }
 
@@ -207,12 +210,12 @@ private:
         return scores;
     }
 
-    /// The larger of two symmetries that were found; of those that were not the one that is less improbable.
+    /// The larger of two symmetries that were found; of those that were not the one that correlates better.
     bool IsBetter(const MapSymmetry &a, const MapSymmetry &b) const {
         if (a.found != b.found)
             return a.found;
         if (!a.found)
-            return b.symmetry.IsNone() || a.logExpected < b.logExpected;
+            return a.correlation > b.correlation;
         const double numberA = NumberOfOperators(a.symmetry, m_map.body.gyration);
         const double numberB = NumberOfOperators(b.symmetry, m_map.body.gyration);
         return numberA != numberB ? numberA > numberB : a.correlation > b.correlation;

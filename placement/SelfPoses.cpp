@@ -60,14 +60,13 @@ PointModel BodyOf(const Density &density, const std::array<double, 3> &box, doub
     return atoms.empty() ? PointModel{} : MakePointModel(atoms);
 }
 
-/// A volume at the body's points.
-std::vector<double> ValuesAt(const Volume &volume, const PointModel &body) {
+/// A volume at the body's points in a pose.
+std::vector<double> ValuesAt(const Volume &volume, const PointModel &body, const Pose &pose) {
     std::vector<double> values;
     values.reserve(body.points.size());
     const double one = 1;
     for (const Point &p : body.points)
-        values.push_back(
-            ScorePose(volume, WeightedPoints({&p, 1}, {&one, 1}), {RotationBy({}), body.centre}).score);
+        values.push_back(ScorePose(volume, WeightedPoints({&p, 1}, {&one, 1}), pose).score);
     return values;
 }
 
@@ -114,20 +113,20 @@ std::vector<ScoredPose> RefinedAll(std::vector<ScoredPose> poses, const Volume &
 } // namespace
 
 double SelfMap::Correlation(const Pose &pose) const {
-    const std::vector<double> ones(body.points.size(), 1);
-    double squares = 0, within = 0;
+    const std::vector<double> there = ValuesAt(fine, body, pose);
     const Point end = fine.origin + Point{box[0], box[1], box[2]};
+    double all = 0, within = 0, moved = 0, product = 0;
     for (std::size_t i = 0; i < body.points.size(); ++i) {
         const Point p = pose.rotation * body.points[i] + pose.centre, from = p - fine.origin, to = end - p;
         const double square = fineWeights[i] * fineWeights[i];
         const bool isWithin = std::min({from.x, from.y, from.z, to.x, to.y, to.z}) >= 0;
-        squares += square;
+        all += square;
         within += isWithin ? square : 0;
+        moved += there[i] * there[i];
+        product += fineWeights[i] * there[i];
     }
-    const double least = minOverlap * squares;
-    const double moved = ScorePose(fineSquares, WeightedPoints(body.points, ones), pose).score;
-    return ScorePose(fine, WeightedPoints(body.points, fineWeights), pose).score /
-           std::sqrt(std::max(within, least) * std::max(moved, least));
+    const double least = minOverlap * all;
+    return product / std::sqrt(std::max(within, least) * std::max(moved, least));
 }
 
 SelfMap MakeSelfMap(const VolumeView &map, double resolution, unsigned threads) {
@@ -147,12 +146,10 @@ SelfMap MakeSelfMap(const VolumeView &map, double resolution, unsigned threads) 
                              coarseVoxel * self.scanResolution, threads, Between::Linear);
     self.fine = Synthesise(spectrum.waves, WhiteFilter(spectrum, finest), finestVoxel * finest, threads,
                            Between::Linear);
-    self.fineSquares = self.fine;
-    for (float &value : self.fineSquares.values)
-        value *= value;
     self.strongest = StrongestOf(density, self.coarse, self.body.centre);
-    self.coarseWeights = ValuesAt(self.coarse, self.body);
-    self.fineWeights = ValuesAt(self.fine, self.body);
+    const Pose atRest{RotationBy({}), self.body.centre};
+    self.coarseWeights = ValuesAt(self.coarse, self.body, atRest);
+    self.fineWeights = ValuesAt(self.fine, self.body, atRest);
     return self;
 }
 
@@ -187,8 +184,7 @@ std::vector<ScoredPose> FindSelfPoses(const SelfMap &map, unsigned threads, Moni
                        {levelSteps, firstLevelStep * width, longestLevelStep * width}, threads);
     poses = DistinctBest(map.body, std::move(poses), same, 2 * selfMotions);
     poses = RefinedAll(std::move(poses), map.fine, map, map.fineWeights,
-                       {finalSteps, firstLevelStep * width, longestLevelStep * width},
-                       threads);
+                       {finalSteps, firstLevelStep * width, longestLevelStep * width}, threads);
     std::erase_if(poses, [&](const ScoredPose &pose) { return hardlyMoves(pose.pose); });
     for (ScoredPose &pose : poses)
         pose.score = map.Correlation(pose.pose);

@@ -15,9 +15,8 @@ namespace placement {
 struct SelfMap {
     double resolution = 0;     ///< Å
     double scanResolution = 0; ///< of the coarse map, Å
-    Volume coarse, fine;   ///< the map, every wave of it as strong as its share of signal; coarse is smoother
-    Volume fineSquares;    ///< squares of the fine map's values
-    PointModel body;       ///< where there is density; its centre and spread
+    Volume coarse, fine; ///< the map, every wave of it as strong as its share of signal; coarse is smoother
+    PointModel body;     ///< where there is density; its centre and spread
     std::vector<double> coarseWeights, fineWeights; ///< the filtered maps at the body's points
     std::vector<Point> strongest;                   ///< of the coarse map, about the body's centre
     std::array<double, 3> box{};                    ///< lengths of the map itself, Å
@@ -33,9 +32,9 @@ struct SelfMap {
 SelfMap MakeSelfMap(const VolumeView &map, double resolution, unsigned threads);
 
 /// The motions that lay a map upon itself better than those next to them, best first, at most 210 and
-/// without those that hardly move it: a symmetric map has its symmetry's operators among them. Found as places
-/// of a model are: a scan over all rotations and shifts up to the radius of gyration, refined. The poses are
-/// those of the body, the score is the correlation. A cancelled search returns none.
+/// without those that hardly move it: a symmetric map has its symmetry's operators among them. Found as
+/// places of a model are: a scan over all rotations and shifts up to the radius of gyration, refined. The
+/// poses are those of the body, the score is the correlation. A cancelled search returns none.
 std::vector<ScoredPose> FindSelfPoses(const SelfMap &map, unsigned threads, Monitor &monitor);
 
 } // namespace placement

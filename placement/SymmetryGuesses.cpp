@@ -83,13 +83,13 @@ public:
                 GuessCyclic(screw);
             else
                 GuessHelices(screw);
-        std::vector<Symmetry> groups{{SymmetryKind::Tetrahedral, 3},
-                                     {SymmetryKind::Octahedral, 4},
-                                     {SymmetryKind::Icosahedral, 5}};
+        std::vector<Symmetry> groups{
+            {SymmetryKind::Tetrahedral, 3}, {SymmetryKind::Octahedral, 4}, {SymmetryKind::Icosahedral, 5}};
         for (const unsigned fold : m_folds)
             groups.push_back({SymmetryKind::Dihedral, fold});
         for (const Symmetry &group : groups)
             GuessFromPairs(group);
+        GuessHelicesWithFolds();
         std::ranges::stable_sort(m_guesses, std::ranges::greater(), &SymmetryGuess::support);
         return std::move(m_guesses);
     }
@@ -122,6 +122,23 @@ private:
             }
     }
 
+    /// Helices about an axis that has a fold of its own.
+    void GuessHelicesWithFolds() {
+        const std::vector<SymmetryGuess> guesses = m_guesses;
+        for (const SymmetryGuess &helix : guesses)
+            for (const SymmetryGuess &cyclic : guesses) {
+                const Point axis = helix.frame.rotation * Point{0, 0, 1};
+                const Point other = cyclic.frame.rotation * Point{0, 0, 1};
+                const Point apart = Cross(cyclic.frame.centre - helix.frame.centre, axis);
+                if (!helix.symmetry.IsHelical() || cyclic.symmetry.kind != SymmetryKind::Cyclic ||
+                    Length(Cross(axis, other)) > m_angle || Length(apart) > m_tolerance)
+                    continue;
+                SymmetryGuess both = helix;
+                both.symmetry.fold = cyclic.symmetry.fold;
+                Add(both, 1);
+            }
+    }
+
     void GuessFromPairs(const Symmetry &group) {
         const std::vector<SymmetryOperator> operators = OperatorsOf(group);
         const std::vector<Turn> classes = ClassesOf(operators), turns = TurnsOf(operators);
@@ -151,8 +168,8 @@ private:
         const Point across = Unit(Cross(a.axis, b.axis)), between = b.point - a.point;
         if (std::abs(Dot(between, across)) > 2 * m_tolerance)
             return;
-        const Point onA = a.point + Dot(between, Cross(b.axis, across)) /
-                                        Dot(a.axis, Cross(b.axis, across)) * a.axis;
+        const Point onA =
+            a.point + Dot(between, Cross(b.axis, across)) / Dot(a.axis, Cross(b.axis, across)) * a.axis;
         Add({group,
              {FrameOf(a.axis, b.axis) * Transposed(FrameOf(first.axis, second.axis)),
               onA + 0.5 * Dot(between, across) * across},
