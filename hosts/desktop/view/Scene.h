@@ -1,0 +1,66 @@
+#pragma once
+
+#include "document/Document.h"
+
+#include <vtkActor.h>
+#include <vtkNew.h>
+#include <vtkRenderer.h>
+
+#include <QObject>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace desktop {
+
+class DrawnNode;
+
+/// What of the document is drawn, as VTK's actors in a renderer. Only what is shown has actors.
+class Scene : public QObject {
+    Q_OBJECT
+
+public:
+    Scene(Document &document, vtkRenderer &renderer);
+    ~Scene() override;
+
+    /// The box around all that is shown, or around that of these nodes which is shown: least and greatest x,
+    /// y, z, Å. Not set where nothing is.
+    std::optional<std::array<double, 6>> BoxOf(const Document::Nodes &nodes) const;
+    std::optional<std::array<double, 6>> Box() const { return BoxOf(m_document.Tops()); }
+    bool IsEmpty() const { return m_drawn.empty(); }
+    /// Whether every surface is the one of its map's level.
+    bool IsUpToDate() const;
+
+    /// The residue or atom of a shown chain next to a pixel of a picture of that size, counted from its upper
+    /// left corner; null where there is none within `reach` pixels. What lies in front wins.
+    VARNO::Compound *At(double x, double y, int width, int height, double reach) const;
+
+    /// Draws a line between two positions; none where `from` and `to` are null.
+    void ShowDistance(const VARNO::Compound *from, const VARNO::Compound *to);
+
+    /// Draws chains moved by a 4 x 4 matrix, rows first; nothing where there are none.
+    void ShowGhost(const Document::Nodes &chains, const std::array<double, 16> &matrix);
+
+signals:
+    void changed();
+
+private:
+    void TakeIn(const Document::Nodes &nodes);
+    void LetGo(VARNO::Compound *node);
+    /// Makes or removes what is drawn of a node, as the document says.
+    void Update(VARNO::Compound *drawn);
+    /// Draws those chains anew that have gained or lost residues.
+    void UpdateChains();
+    void UpdateSelection();
+
+    Document &m_document;
+    vtkRenderer &m_renderer;
+    std::unordered_map<VARNO::Compound *, std::unique_ptr<DrawnNode>> m_drawn;
+    vtkNew<vtkActor> m_distance;
+    std::vector<vtkSmartPointer<vtkActor>> m_ghosts;
+};
+
+} // namespace desktop
