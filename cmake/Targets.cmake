@@ -71,12 +71,14 @@ if(MORVANEX_SANITIZE)
     set(morvanex_test_optimisation -O0)
 endif()
 
-# morvanex_test(name SOURCES ... LINK ... [LEAKS file] [THREADS]): one GoogleTest program; each of its tests is one test
+# morvanex_test(name SOURCES ... LINK ... [LEAKS file] [THREADS] [DESKTOP]): one GoogleTest program; each of its tests is one test
 # of ctest. LEAKS is the file of LeakSanitizer's suppressions; THREADS says that the program runs threads, so that it
-# belongs under ThreadSanitizer: into the target and under the label "threads".
+# belongs under ThreadSanitizer: into the target and under the label "threads". DESKTOP says likewise that it needs the
+# desktop application.
 add_custom_target(threads)
+add_custom_target(desktop)
 function(morvanex_test name)
-    cmake_parse_arguments(ARG "THREADS" "LEAKS" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "THREADS;DESKTOP" "LEAKS" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_compile_options(${name} PRIVATE ${morvanex_test_optimisation})
     target_link_libraries(${name} PRIVATE morvanex_flags morvanex_test_support ${ARG_LINK} GTest::gmock
@@ -88,6 +90,10 @@ function(morvanex_test name)
     if(ARG_THREADS)
         list(APPEND properties LABELS threads)
         add_dependencies(threads ${name})
+    endif()
+    if(ARG_DESKTOP)
+        list(APPEND properties LABELS desktop)
+        add_dependencies(desktop ${name})
     endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()

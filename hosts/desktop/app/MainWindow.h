@@ -1,0 +1,87 @@
+#pragma once
+
+#include "document/Document.h"
+#include "document/FileReading.h"
+#include "plugins/Plugin.h"
+
+#include <QMainWindow>
+#include <QSettings>
+
+class QAction;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QPushButton;
+
+namespace desktop {
+
+class MessagePanel;
+class ModelPanel;
+class PlacePanel;
+class SceneView;
+
+/// The application's window: the model in three dimensions, and panels around it.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    MainWindow();
+    ~MainWindow() override;
+
+    /// Reads files into the model, one after the other, while the window stays alive.
+    void Open(const QStringList &files);
+    bool IsReading() const { return m_reading.IsReading(); }
+    Document &GetDocument() { return m_document; }
+    SceneView &View() { return *m_view; }
+
+signals:
+    /// All files that were to be read have been, or have failed.
+    void opened();
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void MakeFileMenu();
+    void MakeEditMenu();
+    void MakeViewMenu();
+    void MakePlaceMenu();
+    void MakePluginsMenu();
+    void MakeHelpMenu();
+    void MakeDocks();
+    QDockWidget *MakeDock(const QString &title, const char *name, QWidget *content, Qt::DockWidgetArea area);
+    void MakeReadingBar();
+
+    void AskForFiles();
+    void TakeFile(const std::shared_ptr<FileContent> &file);
+    void ShowErrors();
+    void Remember(const QString &file);
+    void UpdateRecentFiles();
+    void Save();
+    void SavePicture();
+    bool MayClose();
+    void Start(Plugin &plugin);
+    void ShowAdded(const std::vector<VARNO::Compound *> &nodes);
+    void ShowAbout();
+    void FollowTheme();
+
+    QSettings m_settings;
+    Document m_document;
+    FileReading m_reading;
+    std::vector<std::unique_ptr<Plugin>> m_plugins;
+    QStringList m_errors; ///< of the files that are being read
+    SceneView *m_view;
+    ModelPanel *m_model;
+    PlacePanel *m_place;
+    MessagePanel *m_messages;
+    QDockWidget *m_placeDock, *m_messagesDock;
+    QMenu *m_recent;
+    QWidget *m_readingBar;
+    QLabel *m_readingName;
+    QProgressBar *m_readingProgress;
+};
+
+} // namespace desktop

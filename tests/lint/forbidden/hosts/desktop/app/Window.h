@@ -1,0 +1,3 @@
+#include <vtkActor.h>
+#include "Dialog.h"
+#include "view/Scene.h"

@@ -1,0 +1,2 @@
+#include <vtkActor.h>
+#include "fast/FastSearch.h"
