@@ -4,6 +4,10 @@
 #include "placement/Constants.h"
 #include "placement/Contacts.h"
 #include "placement/DistinctPlaces.h"
+#include "placement/Explained.h"
+#include "placement/JointRefinement.h"
+#include "placement/KnownNeighbours.h"
+#include "placement/Trim.h"
 
 #include <algorithm>
 #include <limits>
@@ -19,6 +23,15 @@ struct Claim {
     JudgedPlace judged;
     std::vector<Point> residues;
 
+    /// Of the part's coordinates as they were given.
+    Motion OwnMotion() const { return {judged.place.pose.rotation, judged.place.translation}; }
+
+    void MoveTo(const Pose &pose, const PointModel &model) {
+        judged.place.pose = pose;
+        judged.place.translation = pose.centre - pose.rotation * model.centre;
+        residues = ResiduesAt(model, pose);
+    }
+
     /// ln of the odds that it is right.
     double LogOdds() const {
         const double p = judged.confidence.probability;
@@ -28,13 +41,11 @@ struct Claim {
     }
 };
 
-/// The atoms of a model in a place.
-void AppendMoved(const std::vector<ModelAtom> &atoms, const Pose &pose, const Point &translation,
-                 std::vector<ModelAtom> &to) {
-    // Residues of different copies stay apart.
+/// The atoms of a model after a motion; residues of different copies stay apart.
+void AppendMoved(const std::vector<ModelAtom> &atoms, const Motion &motion, std::vector<ModelAtom> &to) {
     const unsigned first = to.empty() ? 0 : to.back().residue + 1;
     for (ModelAtom atom : atoms) {
-        atom.position = pose.rotation * atom.position + translation;
+        atom.position = motion * atom.position;
         atom.residue += first;
         atom.chain = 0;
         to.push_back(atom);
@@ -52,6 +63,10 @@ public:
         for (const AssemblyPart &part : parts)
             m_models.push_back(MakePointModel(part.atoms));
         m_result.parts.resize(parts.size());
+        if (!parameters.neighbours.empty()) {
+            const PointModel standing = MakePointModel(parameters.neighbours);
+            m_standing = ResiduesAt(standing, {RotationBy({}), standing.centre});
+        }
     }
 
     AssemblyResult Run() {
@@ -59,8 +74,8 @@ public:
         if (!m_monitor.IsCancelled() && DropDoubtful() > 0)
             Grow();
         m_result.cancelled = m_monitor.IsCancelled();
-        m_monitor.Advance(1);
         Finish();
+        m_monitor.Advance(1);
         return std::move(m_result);
     }
 
@@ -177,8 +192,7 @@ private:
         std::vector<ModelAtom> atoms = m_parameters.neighbours;
         for (std::size_t i = 0; i < m_placed.size(); ++i)
             if (const Claim &claim = m_placed[i]; i != leftOut)
-                AppendMoved(m_parts[claim.part].atoms, claim.judged.place.pose,
-                            claim.judged.place.translation, atoms);
+                AppendMoved(m_parts[claim.part].atoms, claim.OwnMotion(), atoms);
         return atoms;
     }
 
@@ -203,10 +217,62 @@ private:
             outcome.left = Left::NothingFound;
     }
 
+    /// Refines all copies together, and tells what each of them explains of the map.
+    void Refine() {
+        const unsigned threads = m_parameters.threads;
+        const PointModel &largest = *std::ranges::max_element(m_models, {}, &PointModel::radius);
+        const Spectrum map = TransformMap(Trimmed(m_map, largest, m_parameters.resolution, threads),
+                                          m_parameters.resolution, threads);
+        RefineIn(map);
+        std::vector<std::vector<Scatterer>> densities;
+        for (const Claim &claim : m_placed)
+            densities.push_back(ScatterersOf(m_parts[claim.part].atoms, claim.OwnMotion()));
+        densities.push_back(ScatterersOf(m_parameters.neighbours));
+        const std::vector<double> shares = ExplainedShares(map, densities, threads);
+        for (std::size_t i = 0; i < m_placed.size(); ++i)
+            m_result.copies[i].explained = shares[i];
+        for (const double share : shares)
+            m_result.explained += share;
+    }
+
+    void RefineIn(Spectrum map) {
+        KnownNeighbours(m_parameters.neighbours).SubtractFrom(map, m_parameters.threads);
+        std::vector<Body> bodies;
+        for (const Claim &claim : m_placed)
+            bodies.push_back({m_parts[claim.part].atoms, &m_models[claim.part], claim.judged.place.pose});
+        PartMonitor monitor(m_monitor, m_share, 1);
+        const std::vector<Pose> poses =
+            RefineTogether(map, bodies, m_standing, m_parameters.threads, monitor);
+        for (std::size_t i = 0; i < m_placed.size(); ++i) {
+            Claim &claim = m_placed[i];
+            const PointModel &model = m_models[claim.part];
+            m_result.copies[i].moved = std::sqrt(SquaredRmsd(model, poses[i], claim.judged.place.pose));
+            claim.MoveTo(poses[i], model);
+        }
+    }
+
+    /// Counts contacts and clashes of every copy with all others and what stood already.
+    void CountContacts() {
+        for (std::size_t i = 0; i < m_placed.size(); ++i) {
+            std::vector<Point> others = m_standing;
+            for (std::size_t j = 0; j < m_placed.size(); ++j)
+                if (j != i)
+                    others.insert(others.end(), m_placed[j].residues.begin(), m_placed[j].residues.end());
+            const Contacts contacts = StandingResidues(others).ContactsOf(m_placed[i].residues);
+            m_result.copies[i].contacts = contacts.contacts;
+            m_result.copies[i].clashes = contacts.clashes;
+        }
+    }
+
     void Finish() {
         std::ranges::stable_sort(m_placed, std::ranges::less(), &Claim::part);
-        for (const Claim &claim : m_placed) {
-            PlacedCopy copy;
+        m_result.copies.resize(m_placed.size());
+        if (!m_placed.empty())
+            Refine();
+        CountContacts();
+        for (std::size_t i = 0; i < m_placed.size(); ++i) {
+            const Claim &claim = m_placed[i];
+            PlacedCopy &copy = m_result.copies[i];
             copy.part = claim.part;
             copy.copy = m_result.parts[claim.part].placed++;
             copy.pose = claim.judged.place.pose;
@@ -214,7 +280,7 @@ private:
             copy.score = claim.judged.place.score;
             copy.probability = claim.judged.confidence.probability;
             copy.logExpected = claim.judged.confidence.logExpected;
-            m_result.copies.push_back(std::move(copy));
+            copy.residues = claim.residues.size();
         }
     }
 
@@ -223,6 +289,7 @@ private:
     const AssemblyParameters &m_parameters;
     Monitor &m_monitor;
     std::vector<PointModel> m_models;
+    std::vector<Point> m_standing; ///< residues of what is in place already
     std::vector<Claim> m_placed;
     double m_share = 0; ///< of the work that is done
     AssemblyResult m_result;

@@ -29,7 +29,8 @@ struct PlacedCopy {
     double logExpected =
         0; ///< ln of the number of wrong places that are expected to score as well beside them
     std::size_t residues = 0, contacts = 0, clashes = 0; ///< of it with all others, see Contacts.h
-    double explained = 0;            ///< part of the map's power up to its resolution that it explains
+    double explained = 0; ///< part of the map's power up to its resolution that it explains, see Explained.h
+    double moved = 0;     ///< RMSD by which the joint refinement moved it, Å
     std::vector<std::size_t> rivals; ///< other parts that fit the place equally well
 };
 
@@ -55,7 +56,7 @@ struct PartOutcome {
 struct AssemblyResult {
     std::vector<PlacedCopy> copies; ///< part by part, the surest first
     std::vector<PartOutcome> parts; ///< of each part as given
-    double explained = 0;           ///< part of the map's power up to its resolution that all of them explain
+    double explained = 0;           ///< likewise, by all of them and what stood already
     std::size_t searches = 0;       ///< of the whole map, for one model each
     bool cancelled = false;
 };
@@ -67,7 +68,8 @@ struct AssemblyResult {
 /// those as known neighbours the others are searched for, and so on until nothing more stands out. Then every
 /// copy is searched for once more beside all others, and taken out where that does not find it again as the
 /// best place that is left. Its probability is the greater one of both searches: what others hide of it, and
-/// its own density as a background, may make the second one less sure. Nothing is placed that is not sure.
+/// its own density as a background, may make the second one less sure. Nothing is placed that is not sure. In
+/// the end all are refined together (JointRefinement.h).
 ///
 /// Throws as FindPlaces does.
 AssemblyResult FindAssembly(const VolumeView &map, std::span<const AssemblyPart> parts,

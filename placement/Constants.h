@@ -129,6 +129,12 @@ constexpr double contactDistance = 8, clashDistance = 3;
 /// placed 1 Å off, or bent by 1.5 Å, have a few percent, of two models in one place half the residues clash.
 constexpr double maxClashShare = 0.1;
 
+/// Residues nearer than this to one of another body are pushed apart while bodies are refined together, Å, by
+/// a penalty of this many standard deviations of the filtered map at each of their electrons where they meet.
+constexpr double softDistance = 4, clashStrength = 30;
+/// How often each body is refined among the others.
+constexpr std::size_t jointSweeps = 2;
+
 // A model that stands nearly right
 
 /// How far from its own place other starts are tried: Å (or half the model's radius) and degrees.

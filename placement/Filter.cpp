@@ -62,6 +62,11 @@ RadialCurve GaussianFilter(double sigma, double end) {
     return Sample(end, end / samples, [&](double k) { return k < end ? Gaussian(sigma * sigma, k) : 0.0; });
 }
 
+double LevelVoxel(const Spectrum &spectrum, double wanted) {
+    const double end = std::min(cutEnd / spectrum.resolution, usableNyquist * spectrum.nyquist);
+    return std::max(wanted, voxelPerWave / end);
+}
+
 void ScaleToUnitPower(Volume &volume, unsigned threads) {
     // Sums of sections, so that the order in which they are added does not depend on the threads.
     const std::size_t size = volume.count[0] * volume.count[1];

@@ -38,6 +38,9 @@ RadialCurve WhiteFilter(const Spectrum &spectrum, double sigma);
 /// there.
 RadialCurve GaussianFilter(double sigma, double end);
 
+/// Voxels of about `wanted` Å, or as coarse as the shortest waves of a filtered map allow.
+double LevelVoxel(const Spectrum &spectrum, double wanted);
+
 /// Scales the values so that their mean square is 1; all zeros stay.
 void ScaleToUnitPower(Volume &volume, unsigned threads);
 

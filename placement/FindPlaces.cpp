@@ -193,20 +193,15 @@ private:
         return GaussianFilter(width, cutEnd / m_parameters.resolution);
     }
 
-    /// Voxels of about `wanted` Å, or as coarse as the map's shortest waves allow.
-    double Voxel(double wanted) const {
-        const double end = std::min(cutEnd / m_parameters.resolution, usableNyquist * m_spectrum.nyquist);
-        return std::max(wanted, voxelPerWave / end);
-    }
-
     /// Density smoothed by a filter.
     Volume MakeDensity(const RadialCurve &filter, double voxel) const {
-        return Synthesise(m_spectrum.waves, filter, Voxel(voxel), m_parameters.threads);
+        return Synthesise(m_spectrum.waves, filter, LevelVoxel(m_spectrum, voxel), m_parameters.threads);
     }
 
     /// The map under which poses are scored.
     Volume MakeLevel(const RadialCurve &filter, double voxel, Between between = Between::Linear) const {
-        Volume level = Synthesise(m_spectrum.waves, filter, Voxel(voxel), m_parameters.threads, between);
+        Volume level = Synthesise(m_spectrum.waves, filter, LevelVoxel(m_spectrum, voxel),
+                                  m_parameters.threads, between);
         m_neighbours.KeepFree(level);
         return level;
     }

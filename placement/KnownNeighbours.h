@@ -1,8 +1,7 @@
 #pragma once
 
 #include "placement/Cells.h"
-#include "placement/PointModel.h"
-#include "placement/Spectrum.h"
+#include "placement/ModelDensity.h"
 
 #include <span>
 
@@ -15,20 +14,10 @@ namespace placement {
 /// touches them gains nothing by that, and is not forbidden: a true one often does.
 class KnownNeighbours {
 public:
-    struct Scatterer {
-        Point position;
-        double electrons;
-    };
-
     /// Atoms of one residue stand one after another. There may be none.
     explicit KnownNeighbours(std::span<const ModelAtom> atoms);
 
-    /// Subtracts their density from a map and takes its power anew. The density is that of their atoms as
-    /// Gaussians, with an amplitude for each wavenumber that explains the most of the map, least squares:
-    ///
-    ///     A(k) = Re<F·conj(Fs)> / <|Fs|²>,   means over shells, smoothed,
-    ///
-    /// and never below 0. What lies outside the map's box does not take part.
+    /// Takes their density out of a map, with the amplitude that explains the most of it (ModelDensity.h).
     void SubtractFrom(Spectrum &spectrum, unsigned threads) const;
 
     /// Sets a filtered map to min(f, 0) within 4 Å of their residues.
