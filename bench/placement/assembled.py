@@ -8,6 +8,7 @@ import structures
 import tables
 
 RESOLUTION, NUMBER = 8, 20
+FAR = float("inf")
 SIZES = (4, 5, 6, 7, 8)
 
 
@@ -23,19 +24,19 @@ def alphas_in(start, place):
     return [structures.move(rotation, place["translation"], p) for p in start.alpha_positions()]
 
 
-def is_right(start, place, true):
-    return structures.rmsd(alphas_in(start, place), true.alpha_positions()) <= max(3, RESOLUTION / 2)
-
-
 class Count:
-    """Of parts that are in the map: placed rightly, and called so; of all: called wrongly. CPU seconds."""
+    """Of parts that are in the map: placed rightly, and called so; of all: called wrongly. RMSD of the right ones, clashes
+    and CPU seconds."""
 
     def __init__(self):
-        self.first = self.called = self.wrong = 0
-        self.cpu = 0.0
+        self.first = self.called = self.wrong = self.clashes = 0
+        self.rmsd = self.cpu = 0.0
 
     def add(self, start, places, called, true):
-        right = bool(places) and true is not None and is_right(start, places[0], true)
+        distance = structures.rmsd(alphas_in(start, places[0]), true.alpha_positions()) if places and true else FAR
+        right = distance <= max(3, RESOLUTION / 2)
+        self.rmsd += distance if right else 0
+        self.clashes += places[0].get("clashes", 0) if places else 0
         self.first += right
         self.called += called and right
         self.wrong += called and not right
@@ -63,8 +64,8 @@ def together(program, starts, truths):
 def assemblies(program, data, write, number=NUMBER):
     """Each in a map at 8 Å of models bent by 1.5 Å, with the noise that this resolution states."""
     write(f"{number} assemblies of predicted models, bent by 1.5 Å, {RESOLUTION} Å, each with a model that is not there")
-    write(f"{'':8}{'parts':>8}{'alone: right':>16}{'called':>16}{'wrong':>7}{'CPU s':>7}"
-          f"{'together: called':>20}{'wrong':>7}{'CPU s':>7}")
+    write(f"{'':6}{'alone: right':>22}{'RMSD':>7}{'called':>20}{'wrong':>6}{'CPU s':>7}"
+          f"{'together: called':>22}{'RMSD':>7}{'wrong':>6}{'clashes':>9}{'CPU s':>7}")
     maps = made.MadeMaps(program, program.file("assemblies.csv"))
     sums = {}
     for index in range(number):
@@ -87,6 +88,7 @@ def assemblies(program, data, write, number=NUMBER):
                     setattr(count, name, getattr(count, name) + value)
     for key in sorted(sums, key=str):
         runs, parts, one, all_parts = sums[key]
-        write(f"{key!s:>8}{parts:8d}{tables.share(one.first, parts):>20}{tables.share(one.called, parts):>20}"
-              f"{one.wrong:5d}{one.cpu / runs:8.2f}{tables.share(all_parts.called, parts):>20}"
-              f"{all_parts.wrong:5d}{all_parts.cpu / runs:8.2f}")
+        write(f"{key!s:>6}{tables.share(one.first, parts):>22}{one.rmsd / max(one.first, 1):7.2f}"
+              f"{tables.share(one.called, parts):>20}{one.wrong:6d}{one.cpu / runs:7.2f}"
+              f"{tables.share(all_parts.called, parts):>22}{all_parts.rmsd / max(all_parts.first, 1):7.2f}"
+              f"{all_parts.wrong:6d}{all_parts.clashes:9d}{all_parts.cpu / runs:7.2f}")
