@@ -1,9 +1,10 @@
 #include "placement/Assembly.h"
 
-#include "placement/CompatibleSet.h"
+#include "placement/Claims.h"
 #include "placement/Constants.h"
 #include "placement/Contacts.h"
 #include "placement/DistinctPlaces.h"
+#include "placement/EqualTurns.h"
 #include "placement/Explained.h"
 #include "placement/JointRefinement.h"
 #include "placement/KnownNeighbours.h"
@@ -12,34 +13,11 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <set>
 
 namespace placement {
 
 namespace {
-
-/// A place that a search of one part found.
-struct Claim {
-    std::size_t part;
-    JudgedPlace judged;
-    std::vector<Point> residues;
-
-    /// Of the part's coordinates as they were given.
-    Motion OwnMotion() const { return {judged.place.pose.rotation, judged.place.translation}; }
-
-    void MoveTo(const Pose &pose, const PointModel &model) {
-        judged.place.pose = pose;
-        judged.place.translation = pose.centre - pose.rotation * model.centre;
-        residues = ResiduesAt(model, pose);
-    }
-
-    /// ln of the odds that it is right.
-    double LogOdds() const {
-        const double p = judged.confidence.probability;
-        // Of a sure place 1 - p is a rounding error, but not its expected number of wrong ones.
-        return -std::log(wrongPerExpected) - judged.confidence.logExpected +
-               std::min(0.0, std::log(p / judged.confidence.place));
-    }
-};
 
 /// The atoms of a model after a motion; residues of different copies stay apart.
 void AppendMoved(const std::vector<ModelAtom> &atoms, const Motion &motion, std::vector<ModelAtom> &to) {
@@ -63,6 +41,10 @@ public:
         for (const AssemblyPart &part : parts)
             m_models.push_back(MakePointModel(part.atoms));
         m_result.parts.resize(parts.size());
+        m_takers.resize(parts.size());
+        for (const PointModel &a : m_models)
+            for (std::vector<bool> &row = m_areEqual.emplace_back(); const PointModel &b : m_models)
+                row.push_back(AreEqual(a.points, b.points, equalTurnRmsd));
         if (!parameters.neighbours.empty()) {
             const PointModel standing = MakePointModel(parameters.neighbours);
             m_standing = ResiduesAt(standing, {RotationBy({}), standing.centre});
@@ -100,41 +82,49 @@ private:
                 m_result.parts[part].left = Left::Nothing;
             if (Wanted(part) == 0 || m_monitor.IsCancelled())
                 continue;
-            const JudgedPlaces found = Search(part, neighbours);
+            const JudgedPlaces found = Search(part, neighbours, CopiesBut(m_placed.size()));
             NoteWhatIsLeft(part, found);
-            if (found.cancelled || found.verdict == Verdict::NotJudged)
-                continue;
-            for (const JudgedPlace &judged : found.places)
-                if (Claim claim{part, judged, ResiduesAt(m_models[part], judged.place.pose)}; IsFree(claim))
-                    claims.push_back(std::move(claim));
+            if (!found.cancelled && found.verdict != Verdict::NotJudged)
+                for (const JudgedPlace &judged : found.places)
+                    AddSure({part, m_models[part], judged}, claims);
         }
         return claims;
     }
 
-    /// Whether a place is sure, and not taken by what is placed.
-    bool IsFree(const Claim &claim) const {
-        return claim.judged.confidence.probability >= declared &&
-               std::ranges::none_of(
-                   m_placed, [&](const Claim &placed) { return Exclude(claim.residues, placed.residues); });
+    /// Adds a claim that is sure, lies in the map, and is not taken by what is placed.
+    void AddSure(Claim claim, std::vector<Claim> &claims) {
+        if (claim.Probability() < declared || Exclude(claim.residues, m_standing) ||
+            std::ranges::any_of(m_placed, [&](const Claim &placed) { return Clash(claim, placed); }))
+            return;
+        const auto inBox = std::ranges::count_if(claim.residues, [&](const Point &p) { return IsInBox(p); });
+        if (double(inBox) < minInBox * double(claim.residues.size()))
+            m_result.parts[claim.part].left = Left::CutOff;
+        else
+            claims.push_back(std::move(claim));
     }
 
-    /// The claims that together have the greatest odds, of those that do not exclude one another.
-    std::vector<Claim> MostProbable(const std::vector<Claim> &claims) {
-        CompatibleSetProblem problem;
-        for (const Claim &claim : claims) {
-            problem.weights.push_back(claim.LogOdds());
-            problem.groups.push_back(claim.part);
-        }
+    bool IsInBox(const Point &position) const {
+        const Point p = position - m_map.origin;
+        const std::array<double, 3> at{p.x, p.y, p.z};
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            if (at[axis] < 0 || at[axis] > double(m_map.count[axis] - 1) * m_map.spacing[axis])
+                return false;
+        return true;
+    }
+
+    std::vector<Claim> MostProbable(std::vector<Claim> claims) {
+        ClaimsProblem problem{.claims = std::move(claims),
+                              .wanted = {},
+                              .placed = CopiesBut(m_placed.size()),
+                              .connections = m_parameters.connections,
+                              .areEqual = m_areEqual};
         for (std::size_t part = 0; part < m_parts.size(); ++part)
-            problem.limits.push_back(Wanted(part));
-        problem.exclude.assign(claims.size(), std::vector<bool>(claims.size()));
-        for (std::size_t a = 0; a < claims.size(); ++a)
-            for (std::size_t b = 0; b < a; ++b)
-                problem.exclude[a][b] = problem.exclude[b][a] =
-                    Exclude(claims[a].residues, claims[b].residues);
-        std::vector<Claim> chosen;
-        for (const std::size_t i : HeaviestCompatibleSet(problem))
-            chosen.push_back(claims[i]);
+            problem.wanted.push_back(Wanted(part));
+        std::vector<Claim> chosen = placement::MostProbable(problem);
+        for (const Claim &claim : problem.claims)
+            for (const Claim &winner : chosen)
+                if (claim.part != winner.part && Clash(claim, winner))
+                    m_takers[claim.part].insert(winner.part);
         return chosen;
     }
 
@@ -143,7 +133,7 @@ private:
     std::size_t DropDoubtful() {
         std::vector<Claim> kept;
         for (std::size_t i = 0; i < m_placed.size(); ++i) {
-            const JudgedPlaces found = Search(m_placed[i].part, NeighboursBut(i));
+            const JudgedPlaces found = Search(m_placed[i].part, NeighboursBut(i), CopiesBut(i));
             if (const std::optional<Claim> again = FoundAgain(m_placed[i], found))
                 kept.push_back(*again);
             else
@@ -166,25 +156,54 @@ private:
         if (again == found.places.end() ||
             (again != found.places.begin() && again->confidence.probability < declared))
             return std::nullopt;
-        Claim better{claim.part, *again, ResiduesAt(m_models[claim.part], again->place.pose)};
+        Claim better = claim;
+        better.judged = *again;
+        better.MoveTo(again->place.pose, m_models[claim.part]);
         if (claim.judged.confidence.probability > better.judged.confidence.probability)
             better.judged.confidence = claim.judged.confidence;
         return better;
     }
 
-    JudgedPlaces Search(std::size_t part, const std::vector<ModelAtom> &neighbours) {
+    /// Searches for a part beside what is in place.
+    JudgedPlaces Search(std::size_t part, const std::vector<ModelAtom> &neighbours,
+                        const std::vector<PartInPlace> &copies) {
         ++m_result.searches;
-        Monitor &whole = m_monitor;
         // How many searches there will be is not known: each takes a part of what is left.
         const double begin = m_share;
         m_share += (1 - m_share) / (2.0 * double(m_parts.size()) + 2);
-        PartMonitor monitor(whole, begin, m_share);
-        return FindJudgedPlaces(m_map, m_parts[part].atoms,
-                                {.resolution = m_parameters.resolution,
-                                 .threads = m_parameters.threads,
-                                 .region = {},
-                                 .neighbours = neighbours},
-                                monitor);
+        PartMonitor monitor(m_monitor, begin, m_share);
+        JudgedPlaces found = FindJudgedPlaces(m_map, m_parts[part].atoms,
+                                              {.resolution = m_parameters.resolution,
+                                               .threads = m_parameters.threads,
+                                               .region = {},
+                                               .neighbours = neighbours},
+                                              monitor);
+        if (!m_parameters.connections.empty())
+            CountConnections(part, copies, found.places);
+        return found;
+    }
+
+    /// Lets a place that satisfies connections compete with those only that satisfy as many.
+    void CountConnections(std::size_t part, std::vector<PartInPlace> copies,
+                          std::vector<JudgedPlace> &places) const {
+        const std::size_t without = NumberHeld(m_parameters.connections, copies);
+        std::vector<std::size_t> held;
+        copies.push_back({});
+        for (const JudgedPlace &place : places) {
+            copies.back() = {part, {place.place.pose.rotation, place.place.translation}};
+            held.push_back(NumberHeld(m_parameters.connections, copies));
+        }
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            if (held[i] <= without)
+                continue;
+            const auto asMany =
+                std::ranges::count_if(held, [&](std::size_t other) { return other >= held[i]; });
+            Confidence &confidence = places[i].confidence;
+            const double turns = confidence.probability / confidence.place;
+            confidence.logExpected += std::log(double(asMany) / double(held.size()));
+            confidence.place = 1 / (1 + wrongPerExpected * std::exp(confidence.logExpected));
+            confidence.probability = turns * confidence.place;
+        }
     }
 
     /// What is in place, all copies but one.
@@ -192,8 +211,15 @@ private:
         std::vector<ModelAtom> atoms = m_parameters.neighbours;
         for (std::size_t i = 0; i < m_placed.size(); ++i)
             if (const Claim &claim = m_placed[i]; i != leftOut)
-                AppendMoved(m_parts[claim.part].atoms, claim.OwnMotion(), atoms);
+                AppendMoved(m_parts[claim.part].atoms, claim.Copy().motion, atoms);
         return atoms;
+    }
+    std::vector<PartInPlace> CopiesBut(std::size_t leftOut) const {
+        std::vector<PartInPlace> copies;
+        for (std::size_t i = 0; i < m_placed.size(); ++i)
+            if (i != leftOut)
+                copies.push_back(m_placed[i].Copy());
+        return copies;
     }
 
     std::size_t Placed(std::size_t part) const {
@@ -226,7 +252,7 @@ private:
         RefineIn(map);
         std::vector<std::vector<Scatterer>> densities;
         for (const Claim &claim : m_placed)
-            densities.push_back(ScatterersOf(m_parts[claim.part].atoms, claim.OwnMotion()));
+            densities.push_back(ScatterersOf(m_parts[claim.part].atoms, claim.Copy().motion));
         densities.push_back(ScatterersOf(m_parameters.neighbours));
         const std::vector<double> shares = ExplainedShares(map, densities, threads);
         for (std::size_t i = 0; i < m_placed.size(); ++i)
@@ -278,10 +304,22 @@ private:
             copy.pose = claim.judged.place.pose;
             copy.translation = claim.judged.place.translation;
             copy.score = claim.judged.place.score;
-            copy.probability = claim.judged.confidence.probability;
+            copy.probability = claim.Probability();
             copy.logExpected = claim.judged.confidence.logExpected;
             copy.residues = claim.residues.size();
+            copy.rivals = claim.rivals;
         }
+        NameTakers();
+    }
+
+    /// Of a part that nothing is left for, because others stand in its sure places.
+    void NameTakers() {
+        for (std::size_t part = 0; part < m_parts.size(); ++part)
+            if (PartOutcome &outcome = m_result.parts[part];
+                outcome.placed == 0 && outcome.left == Left::NothingFound && !m_takers[part].empty()) {
+                outcome.left = Left::Taken;
+                outcome.rivals.assign(m_takers[part].begin(), m_takers[part].end());
+            }
     }
 
     VolumeView m_map;
@@ -289,7 +327,9 @@ private:
     const AssemblyParameters &m_parameters;
     Monitor &m_monitor;
     std::vector<PointModel> m_models;
-    std::vector<Point> m_standing; ///< residues of what is in place already
+    std::vector<std::vector<bool>> m_areEqual;   ///< of each pair of parts, see Claims.h
+    std::vector<std::set<std::size_t>> m_takers; ///< of each part, those that stand in its sure places
+    std::vector<Point> m_standing;               ///< residues of what is in place already
     std::vector<Claim> m_placed;
     double m_share = 0; ///< of the work that is done
     AssemblyResult m_result;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "placement/Connections.h"
 #include "placement/FindPlaces.h"
 
 namespace placement {
@@ -16,6 +17,7 @@ struct AssemblyParameters {
     unsigned threads = 1;  ///< at least 1; the result does not depend on it
     /// Atoms of what is already in place, see KnownNeighbours.h.
     std::vector<ModelAtom> neighbours{};
+    std::vector<Connection> connections{}; ///< that are known
 };
 
 /// A model in its place.
@@ -41,6 +43,7 @@ enum class Left {
     TurnUnsure,   ///< a place does, its turn does not
     Taken,        ///< its sure places are those of other parts
     Doubtful,     ///< one stood out until the others were known
+    CutOff,       ///< a sure place reaches out of the map
     NotJudged,    ///< the map's scores say nothing of chance
     NotFinished,  ///< the search was cancelled before
 };
@@ -64,12 +67,16 @@ struct AssemblyResult {
 /// Places several models, or several copies of one, into one map.
 ///
 /// Each model is searched for by itself, and places that are sure compete: of all sets of them that do not
-/// clash the most probable one is placed, the product of the odds being the measure (CompatibleSet.h). With
+/// clash the most probable one is placed, the product of the odds being the measure (Claims.h). With
 /// those as known neighbours the others are searched for, and so on until nothing more stands out. Then every
 /// copy is searched for once more beside all others, and taken out where that does not find it again as the
 /// best place that is left. Its probability is the greater one of both searches: what others hide of it, and
 /// its own density as a background, may make the second one less sure. Nothing is placed that is not sure. In
 /// the end all are refined together (JointRefinement.h).
+///
+/// Known connections count twice. A place that satisfies some with what is placed already competes with such
+/// wrong places only that satisfy as many: E is multiplied by their share of all places that the search
+/// found. And of sets of sure places those are taken that satisfy more.
 ///
 /// Throws as FindPlaces does.
 AssemblyResult FindAssembly(const VolumeView &map, std::span<const AssemblyPart> parts,

@@ -9,7 +9,7 @@ namespace placement {
 
 /// Items of which some exclude one another.
 struct CompatibleSetProblem {
-    std::vector<double> weights;            ///< of the items, each greater than 0
+    std::vector<double> weights;            ///< of the items, at least 0
     std::vector<std::size_t> groups;        ///< of each item, an index into `limits`
     std::vector<std::size_t> limits;        ///< how many items of a group may be chosen
     std::vector<std::vector<bool>> exclude; ///< of each pair of items; symmetric

@@ -129,6 +129,14 @@ constexpr double contactDistance = 8, clashDistance = 3;
 /// placed 1 Å off, or bent by 1.5 Å, have a few percent, of two models in one place half the residues clash.
 constexpr double maxClashShare = 0.1;
 
+/// ln of what a connection that holds adds to the odds of a set of places: more than two sure places of one
+/// part mostly differ by, less than a part that is placed.
+constexpr double connectionOdds = 20;
+/// Another part fits a place as well where the odds are more than this that it is the one: 1 to 19, as
+/// `declared` has it.
+constexpr double rivalOdds = 1.0 / 19;
+/// A copy of which less than this part lies in the map's box is not placed: what is cut off cannot be seen.
+constexpr double minInBox = 0.75;
 /// Residues nearer than this to one of another body are pushed apart while bodies are refined together, Å, by
 /// a penalty of this many standard deviations of the filtered map at each of their electrons where they meet.
 constexpr double softDistance = 4, clashStrength = 30;

@@ -3,13 +3,20 @@
 #include <gemmi/qcp.hpp>
 
 #include <algorithm>
-#include <span>
 
 namespace placement {
 
 namespace {
 
 using Positions = std::span<const gemmi::Position>;
+
+std::vector<gemmi::Position> AsPositions(std::span<const Point> points) {
+    std::vector<gemmi::Position> positions;
+    positions.reserve(points.size());
+    for (const Point &p : points)
+        positions.emplace_back(p.x, p.y, p.z);
+    return positions;
+}
 
 double SquaredRmsd(Positions a, Positions b, const gemmi::Transform &motion) {
     double squares = 0;
@@ -50,10 +57,7 @@ bool LaysUponItself(const std::vector<Positions> &chains, const gemmi::Transform
 
 std::vector<Matrix> EqualTurns(const ResidueCentres &residues, const Point &centre, double tolerance) {
     std::vector<Matrix> turns{RotationBy({})};
-    std::vector<gemmi::Position> positions;
-    positions.reserve(residues.positions.size());
-    for (const Point &p : residues.positions)
-        positions.emplace_back(p.x, p.y, p.z);
+    const std::vector<gemmi::Position> positions = AsPositions(residues.positions);
     const std::vector<Positions> chains = ChainsOf(positions, residues.chains);
     // A rotation is not to be told from fewer than three points.
     if (chains.size() < 2 || chains.front().size() < 3)
@@ -71,6 +75,13 @@ std::vector<Matrix> EqualTurns(const ResidueCentres &residues, const Point &cent
         turns.push_back({m[0][0], m[0][1], m[0][2], m[1][0], m[1][1], m[1][2], m[2][0], m[2][1], m[2][2]});
     }
     return turns;
+}
+
+bool AreEqual(std::span<const Point> a, std::span<const Point> b, double tolerance) {
+    if (a.size() != b.size() || a.empty())
+        return false;
+    const std::vector<gemmi::Position> first = AsPositions(a), second = AsPositions(b);
+    return gemmi::superpose_positions(first.data(), second.data(), first.size(), nullptr).rmsd < tolerance;
 }
 
 } // namespace placement

@@ -2,6 +2,7 @@
 
 #include "placement/Geometry.h"
 
+#include <span>
 #include <vector>
 
 namespace placement {
@@ -17,5 +18,9 @@ struct ResidueCentres {
 /// residue centres below `tolerance` (Å). A single chain has none but the first: its own pseudo-symmetry is
 /// no reason to call two of its poses one.
 std::vector<Matrix> EqualTurns(const ResidueCentres &residues, const Point &centre, double tolerance);
+
+/// Whether two models are one molecule: as many points, which lie upon one another with an RMSD below
+/// `tolerance` (Å) after the best superposition.
+bool AreEqual(std::span<const Point> a, std::span<const Point> b, double tolerance);
 
 } // namespace placement

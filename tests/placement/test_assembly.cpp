@@ -106,6 +106,73 @@ TEST(Assembly, WhatStandsAlreadyIsNotPlacedAgain) {
     EXPECT_LT(Length(result.copies[0].translation - complex.centres[1]), 2);
 }
 
+TEST(Assembly, TwoModelsOfOnePlaceAreBothNamed) {
+    const MadeComplex complex;
+    // Half of the first one's side chains are other ones.
+    std::vector<ModelAtom> similar = complex.models[1];
+    std::erase_if(similar, [](const ModelAtom &atom) { return !atom.inBackbone && atom.residue % 2 == 0; });
+    const AssemblyResult result = Assemble(complex.map, {{complex.models[1], 1}, {similar, 1}});
+    ASSERT_EQ(result.copies.size(), 1u);
+    const std::size_t placed = result.copies[0].part;
+    EXPECT_EQ(result.parts[1 - placed].left, Left::Taken);
+    EXPECT_EQ(result.parts[1 - placed].rivals, std::vector<std::size_t>{placed});
+}
+
+TEST(Assembly, ACopyThatTheBoxCutsIsNotPlaced) {
+    const MadeComplex complex(0.1);
+    // What of the box lies beyond 5 Å behind the second copy's centre is cut away.
+    const auto wide = std::size_t((complex.centres[1].x + 5 - complex.map.origin.x) / 2);
+    Volume map = complex.map;
+    map.count[0] = wide;
+    map.values.clear();
+    const VolumeView whole(complex.map);
+    for (std::size_t k = 0; k < map.count[2]; ++k)
+        for (std::size_t j = 0; j < map.count[1]; ++j) {
+            const std::span<const float> row = whole.Row(j, k).first(wide);
+            map.values.insert(map.values.end(), row.begin(), row.end());
+        }
+    const AssemblyResult result = Assemble(map, {{complex.models[0], {}}});
+    ASSERT_EQ(result.copies.size(), 1u);
+    EXPECT_LT(Length(result.copies[0].translation - complex.centres[0]), 2);
+    EXPECT_EQ(result.parts[0].left, Left::CutOff);
+}
+
+TEST(Assembly, AConnectionTellsWhichOfTwoEqualPlaces) {
+    const MadeComplex complex;
+    const Point first = complex.models[0].front().position, last = complex.models[2].front().position;
+    for (const std::size_t copy : {0, 1}) {
+        const double distance = Length(complex.rotations[copy] * first + complex.centres[copy] -
+                                       (complex.rotations[3] * last + complex.centres[3]));
+        const double other = Length(complex.rotations[1 - copy] * first + complex.centres[1 - copy] -
+                                    (complex.rotations[3] * last + complex.centres[3]));
+        if (distance > other)
+            continue;
+        AssemblyParameters parameters{.resolution = resolution};
+        parameters.connections = {{{0, first}, {1, last}, (distance + other) / 2}};
+        Monitor silent;
+        const std::vector<AssemblyPart> parts{{complex.models[0], 1}, {complex.models[2], 1}};
+        const AssemblyResult result = FindAssembly(complex.map, parts, parameters, silent);
+        ASSERT_EQ(result.copies.size(), 2u);
+        EXPECT_LT(Length(result.copies[0].translation - complex.centres[copy]), 2);
+    }
+}
+
+TEST(Assembly, TheCopiesExplainTheMap) {
+    const MadeComplex complex(0);
+    const AssemblyResult result =
+        Assemble(complex.map, {{complex.models[0], {}}, {complex.models[1], 1}, {complex.models[2], 1}});
+    ASSERT_EQ(result.copies.size(), 4u);
+    EXPECT_GT(result.explained, 0.97);
+    double sum = 0;
+    for (const PlacedCopy &copy : result.copies) {
+        sum += copy.explained;
+        EXPECT_GT(copy.explained, 0.05);
+        EXPECT_LT(copy.moved, 0.5);
+        EXPECT_EQ(copy.residues, MakePointModel(complex.models[copy.part]).residues);
+    }
+    EXPECT_NEAR(sum, result.explained, 1e-9);
+}
+
 TEST(Assembly, ThreadsGiveTheSameNumbers) {
     const MadeComplex complex;
     const std::vector<AssemblyPart> parts{{complex.models[0], {}}, {complex.models[2], 1}};
