@@ -119,22 +119,20 @@ TEST(Assembly, TwoModelsOfOnePlaceAreBothNamed) {
 }
 
 TEST(Assembly, ACopyThatTheBoxCutsIsNotPlaced) {
-    const MadeComplex complex(0.1);
-    // What of the box lies beyond 5 Å behind the second copy's centre is cut away.
-    const auto wide = std::size_t((complex.centres[1].x + 5 - complex.map.origin.x) / 2);
+    const MadeComplex complex(0.05);
+    // What of the box lies 5 Å and more behind the third model's centre along y is cut away.
     Volume map = complex.map;
-    map.count[0] = wide;
+    map.count[1] = std::size_t((complex.centres[2].y + 5 - complex.map.origin.y) / 2);
     map.values.clear();
     const VolumeView whole(complex.map);
     for (std::size_t k = 0; k < map.count[2]; ++k)
         for (std::size_t j = 0; j < map.count[1]; ++j) {
-            const std::span<const float> row = whole.Row(j, k).first(wide);
+            const std::span<const float> row = whole.Row(j, k);
             map.values.insert(map.values.end(), row.begin(), row.end());
         }
-    const AssemblyResult result = Assemble(map, {{complex.models[0], {}}});
-    ASSERT_EQ(result.copies.size(), 1u);
-    EXPECT_LT(Length(result.copies[0].translation - complex.centres[0]), 2);
-    EXPECT_EQ(result.parts[0].left, Left::CutOff);
+    const AssemblyResult result = Assemble(map, {{complex.models[0], 2}, {complex.models[1], 1}});
+    EXPECT_EQ(PartsOf(result), (std::vector<std::size_t>{0, 0}));
+    EXPECT_EQ(result.parts[1].left, Left::CutOff);
 }
 
 TEST(Assembly, AConnectionTellsWhichOfTwoEqualPlaces) {
