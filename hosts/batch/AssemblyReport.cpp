@@ -43,13 +43,29 @@ std::vector<Column<std::size_t>> Columns(const AssemblyRecord &record) {
             {"Centre, Å", 28, [=](std::size_t i) { return PositionText(copy(i).pose.centre); }}};
 }
 
+/// How many distances hold, and those that do not.
+void ReportDistances(const AssemblyRecord &record) {
+    if (record.distances.empty())
+        return;
+    std::size_t held = 0;
+    for (std::size_t i = 0; i < record.distances.size(); ++i)
+        held += Holds(record, i) ? 1 : 0;
+    PrintItem("Distances", QString("%1 of %2 hold").arg(held).arg(record.distances.size()));
+    for (std::size_t i = 0; i < record.distances.size(); ++i)
+        if (!Holds(record, i))
+            PrintItem("", Text(DistanceText(record, i)));
+}
+
 } // namespace
 
 void ReportAssembly(const AssemblyRecord &record, const std::vector<std::string> &written) {
     PrintItem("Assembly", Text(AssemblyText(record)));
     for (std::size_t part = 0; part < record.parts.size(); ++part)
         PrintItem(part == 0 ? "Parts" : "", Text(record.parts[part].name + ": " + PartText(record, part)));
+    ReportDistances(record);
     if (!record.result.copies.empty()) {
+        PrintItem("Refined", Text(RefinementText(record)));
+        PrintItem("Explained", Text(ExplainedText(record)));
         Print("");
         std::vector<std::size_t> rows(record.result.copies.size());
         for (std::size_t i = 0; i < rows.size(); ++i)

@@ -5,13 +5,17 @@
 #include "base/Numbers.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
+#include <sstream>
 
 using namespace cli;
+using hosts::DistanceOptions;
 using hosts::PartOptions;
 using hosts::PlaceOptions;
 using hosts::PlaceScope;
+using hosts::ResidueName;
 
 namespace batch {
 
@@ -81,6 +85,29 @@ PartOptions Part(const std::string &value, const std::optional<std::size_t> &cop
     return {value.substr(0, equals), CopiesOf("--model", value, value.substr(equals + 1))};
 }
 
+/// "A:120" or "FILE/A:120".
+ResidueName Residue(const std::string &text, const std::string &value) {
+    const std::size_t slash = text.rfind('/'), first = slash == std::string::npos ? 0 : slash + 1;
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos || colon < first || colon + 1 == text.size())
+        Refuse("--max-distance", value, "A:N B:M D, two residues as chain and number, and Å");
+    return {text.substr(0, first > 0 ? slash : 0), text.substr(first, colon - first), text.substr(colon + 1)};
+}
+
+std::vector<DistanceOptions> Distances(const Arguments &arguments) {
+    std::vector<DistanceOptions> distances;
+    for (const std::string &value : arguments.Texts("--max-distance")) {
+        std::istringstream words(value);
+        std::string a, b, max, more;
+        words >> a >> b >> max >> more;
+        const std::optional<double> number = base::ReadNumber(max);
+        if (!number || !(*number > 0) || !std::isfinite(*number) || !more.empty())
+            Refuse("--max-distance", value, "A:N B:M D, two residues as chain and number, and Å above 0");
+        distances.push_back({Residue(a, value), Residue(b, value), *number});
+    }
+    return distances;
+}
+
 /// The parts of an assembly, where one is asked for.
 std::vector<PartOptions> Parts(const Arguments &arguments) {
     const std::string text = arguments.Text("--copies");
@@ -90,7 +117,9 @@ std::vector<PartOptions> Parts(const Arguments &arguments) {
     for (const std::string &value : arguments.Texts("--model"))
         parts.push_back(Part(value, copies));
     const bool isCounted = parts.front().file != arguments.Texts("--model").front();
-    if (parts.size() == 1 && !isCounted && !arguments.Has("--copies") && !arguments.Has("--assembly"))
+    const auto isGiven = [&](const char *option) { return arguments.Has(option); };
+    if (parts.size() == 1 && !isCounted &&
+        std::ranges::none_of(std::array{"--copies", "--assembly", "--rest", "--max-distance"}, isGiven))
         return {};
     for (const char *option :
          {"--near", "--refine", "--region", "--hands", "--results", "--models", "--model-prefix"})
@@ -156,6 +185,15 @@ std::vector<Option> PlaceOptionTable() {
          .help = "The chains of the fixed files to use, separated by commas",
          .defaultText = "all polymer chains except those to be placed"},
 
+        {.name = "--max-distance",
+         .value = Value::Text,
+         .valueName = "A:N B:M D",
+         .help =
+             "Residues N of chain A and M of chain B are known to be at most D Å apart, from CA to CA, in some "
+             "copies: a cross-link or a linker. Of an assembly's sure places those that agree are taken; what "
+             "does not hold is listed. NAME/A:N where several files have a chain A",
+         .repeatable = true,
+         .words = 3},
         {.name = "--invert",
          .help = "The map's density is dark, as in a negative: its values change their sign"},
 
@@ -186,6 +224,13 @@ std::vector<Option> PlaceOptionTable() {
          .help = "Write all placed copies of --copies or of several models as one mmCIF file; chains keep "
                  "their names where these are free",
          .defaultText = "no file"},
+        {.name = "--rest",
+         .value = Value::File,
+         .valueName = "FILE",
+         .help =
+             "Write the map less what the placed copies and the fixed parts explain: the place to look for what is "
+             "missing",
+         .defaultText = "no file"},
         ResultsOption("the places"),
         ModelsOption("Write the model at the N best places, the chains with all their atoms, "
                      "in the model file's format"),
@@ -209,6 +254,8 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.model = arguments.Texts("--model").front();
     options.parts = Parts(arguments);
     options.assembly = arguments.GivenText("--assembly");
+    options.rest = arguments.GivenText("--rest");
+    options.distances = Distances(arguments);
     options.resolution = Resolution(arguments);
     options.chains = arguments.List("--chain");
     if (arguments.Has("--min-plddt"))

@@ -3,6 +3,9 @@
 #include "hosts/common/Outputs.h"
 
 #include "formats/files/ReplaceFile.h"
+#include "placement/Explained.h"
+
+#include <algorithm>
 
 using namespace placement;
 
@@ -16,6 +19,20 @@ VARNO::Transform MotionOf(const PlacedCopy &copy) {
     rotation.Set(q.w, q.x, q.y, q.z);
     return {rotation, VARNO::Vertex(float(copy.translation.x), float(copy.translation.y),
                                     float(copy.translation.z), false)};
+}
+
+/// The map less what the copies and the fixed parts explain.
+void WriteRest(const std::string &file, const AssemblyRecord &record, const PlaceInput &input) {
+    std::vector<Scatterer> atoms = ScatterersOf(input.neighbours);
+    for (const PlacedCopy &copy : record.result.copies) {
+        const std::vector<Scatterer> own = ScatterersOf(input.parts[copy.part].atoms, InPlace(copy).motion);
+        atoms.insert(atoms.end(), own.begin(), own.end());
+    }
+    const VARNO::Grid &map = *input.map;
+    const Volume rest = Unexplained(ViewOf(map), atoms, record.resolution, unsigned(record.options.threads));
+    VARNO::Grid grid(map.GetName(), map.Dimensions(), map.Origin(), map.Spacing(), map.Angles());
+    std::ranges::copy(rest.values, grid.Values().begin());
+    formats::WriteMap(file, grid, "unexplained density");
 }
 
 void WriteStructureOf(const std::string &file, const AssemblyRecord &record, const PlaceInput &input) {
@@ -33,7 +50,7 @@ void WriteStructureOf(const std::string &file, const AssemblyRecord &record, con
 
 void CheckAssemblyOutputs(const PlaceOptions &options) {
     std::vector<std::string> outputs, inputs = options.fixed;
-    for (const auto &output : {options.assembly, options.json})
+    for (const auto &output : {options.assembly, options.rest, options.json})
         if (output)
             outputs.push_back(*output);
     inputs.push_back(options.map);
@@ -48,6 +65,9 @@ Delivery WriteAssemblyOutputs(const AssemblyRecord &record, const PlaceInput &in
     DeliveryWriter writer;
     if (options.assembly && !record.result.copies.empty())
         writer.Write(*options.assembly, count, [&] { WriteStructureOf(*options.assembly, record, input); });
+    if (options.rest)
+        writer.Write(*options.rest, "the density left unexplained",
+                     [&] { WriteRest(*options.rest, record, input); });
     if (options.json)
         writer.Write(*options.json, count + " in full precision", [&] {
             formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteAssemblyJson(out, record); });

@@ -4,6 +4,7 @@
 #include "base/Words.h"
 
 #include "hosts/common/Chains.h"
+#include "hosts/common/Distances.h"
 #include "hosts/common/JsonText.h"
 
 #include "formats/files/NodeName.h"
@@ -48,7 +49,8 @@ void NameChains(AssemblyRecord &record) {
 }
 
 /// The parts' names, "a, b".
-std::string PartNames(const AssemblyRecord &record, const std::vector<std::size_t> &parts) {
+template <class Numbers>
+std::string PartNames(const AssemblyRecord &record, const Numbers &parts) {
     std::string names;
     for (const std::size_t part : parts)
         names += (names.empty() ? "" : ", ") + record.parts[part].name;
@@ -67,6 +69,8 @@ std::string LeftName(Left left) {
         return "taken";
     case Left::Doubtful:
         return "doubtful";
+    case Left::CutOff:
+        return "cut-off";
     case Left::NotJudged:
         return "not-judged";
     case Left::NotFinished:
@@ -89,12 +93,23 @@ std::string ReasonText(const AssemblyRecord &record, const PartOutcome &outcome)
         return "its place is taken by " + PartNames(record, outcome.rivals);
     case Left::Doubtful:
         return "a place that stood out is not sure beside the other parts" + probability;
+    case Left::CutOff:
+        return further + " is whole: one reaches out of the map";
     case Left::NotJudged:
         return "the map is sharpened without a low-pass filter, and nothing is called sure in it";
     case Left::NotFinished:
         return "the search was stopped";
     }
     return {};
+}
+
+/// The parts that fit the places of this one as well.
+std::set<std::size_t> RivalsOf(const AssemblyRecord &record, std::size_t part) {
+    std::set<std::size_t> rivals;
+    for (const PlacedCopy &copy : record.result.copies)
+        if (copy.part == part)
+            rivals.insert(copy.rivals.begin(), copy.rivals.end());
+    return rivals;
 }
 
 Json Input(const AssemblyRecord &record) {
@@ -159,11 +174,31 @@ Json CopyEntry(const AssemblyRecord &record, std::size_t number) {
             {"score", copy.score},
             {"contacts", copy.contacts},
             {"clashes", copy.clashes},
+            {"moved", copy.moved},
             {"explained", copy.explained},
             {"rivals", rivals},
             {"centre", PointOf(copy.pose.centre)},
             {"rotation", RotationOf(copy.pose.rotation)},
             {"translation", PointOf(copy.translation)}};
+}
+
+Json DistanceEntry(const AssemblyRecord &record, std::size_t number) {
+    const DistanceOptions &asked = record.options.distances[number];
+    const std::optional<double> &distance = record.distances[number];
+    return {{"from", TextOf(asked.a)},
+            {"to", TextOf(asked.b)},
+            {"max", asked.max},
+            {"distance", distance ? Json(*distance) : Json(nullptr)},
+            {"holds", Holds(record, number)}};
+}
+
+/// What the known distances are between the copies.
+void MeasureDistances(AssemblyRecord &record) {
+    std::vector<PartInPlace> copies;
+    for (const PlacedCopy &copy : record.result.copies)
+        copies.push_back(InPlace(copy));
+    for (const Connection &connection : record.connections)
+        record.distances.push_back(ShortestDistance(connection, copies));
 }
 
 } // namespace
@@ -182,6 +217,7 @@ AssemblyRecord MakeAssemblyRecord(const PlaceOptions &options, const PlaceInput 
     }
     for (const SolidFile &fixed : input.fixed)
         record.fixed.push_back({fixed.file, NamesOf(fixed.chains)});
+    record.connections = ConnectionsOf(options.distances, input);
     return record;
 }
 
@@ -192,9 +228,15 @@ void FindAssemblyOf(const PlaceInput &input, AssemblyRecord &record, Monitor &mo
     record.result = FindAssembly(ViewOf(*input.map), parts,
                                  {.resolution = input.resolution,
                                   .threads = unsigned(record.options.threads),
-                                  .neighbours = input.neighbours},
+                                  .neighbours = input.neighbours,
+                                  .connections = record.connections},
                                  monitor);
     NameChains(record);
+    MeasureDistances(record);
+}
+
+PartInPlace InPlace(const PlacedCopy &copy) {
+    return {copy.part, {copy.pose.rotation, copy.translation}};
 }
 
 std::string CopiesText(std::size_t number) {
@@ -225,9 +267,40 @@ std::string PartText(const AssemblyRecord &record, std::size_t part) {
                        : wanted && *wanted > 1 ? std::to_string(outcome.placed) + " of " +
                                                      std::to_string(*wanted) + " copies placed"
                                                : CopiesText(outcome.placed) + " placed";
+    if (const std::set<std::size_t> rivals = RivalsOf(record, part); !rivals.empty())
+        text += ", but " + PartNames(record, rivals) + (rivals.size() == 1 ? " fits" : " fit") +
+                " the same place equally well";
     const std::string reason = ReasonText(record, outcome);
     // Of a part whose copies nobody has counted the last one is the end, not a failure.
     return reason.empty() ? text : text + (wanted || outcome.placed == 0 ? ": " : "; ") + reason;
+}
+
+bool Holds(const AssemblyRecord &record, std::size_t distance) {
+    const std::optional<double> &found = record.distances[distance];
+    return found && *found <= record.options.distances[distance].max;
+}
+
+std::string DistanceText(const AssemblyRecord &record, std::size_t number) {
+    const DistanceOptions &asked = record.options.distances[number];
+    const std::optional<double> &distance = record.distances[number];
+    return TextOf(asked.a) + " to " + TextOf(asked.b) + ": " +
+           (distance ? base::PlainFixed(*distance, 1) + " Å" : "one of them is not placed") + ", at most " +
+           base::GeneralNumber(asked.max).toStdString() + " Å";
+}
+
+std::string RefinementText(const AssemblyRecord &record) {
+    double sum = 0, most = 0;
+    for (const PlacedCopy &copy : record.result.copies) {
+        sum += copy.moved;
+        most = std::max(most, copy.moved);
+    }
+    return "all copies together, which moved them by " +
+           base::PlainFixed(sum / double(record.result.copies.size()), 2) + " Å on average and by " +
+           base::PlainFixed(most, 2) + " Å at most";
+}
+
+std::string ExplainedText(const AssemblyRecord &record) {
+    return base::PlainFixed(100 * record.result.explained, 1) + " % of the map's power up to its resolution";
 }
 
 void WriteAssemblyJson(std::ostream &out, const AssemblyRecord &record) {
@@ -235,6 +308,8 @@ void WriteAssemblyJson(std::ostream &out, const AssemblyRecord &record) {
     WriteList(out, "parts", record.parts.size(), [&](std::size_t i) { return PartEntry(record, i); });
     WriteList(out, "copies", record.result.copies.size(),
               [&](std::size_t i) { return CopyEntry(record, i); });
+    WriteList(out, "distances", record.distances.size(),
+              [&](std::size_t i) { return DistanceEntry(record, i); });
     out << "\n}\n";
 }
 

@@ -25,6 +25,9 @@ struct AssemblyRecord {
     /// Of each placed copy the names of its chains in the file of the assembly: the author's where they are
     /// free, else with the first number from 2 on that makes them so, "A2".
     std::vector<std::vector<std::string>> chainNames;
+    std::vector<placement::Connection> connections; ///< of the options' distances, in their order
+    /// Of each the shortest distance between copies, Å; nothing where a part is not placed.
+    std::vector<std::optional<double>> distances;
     double seconds = 0;
 };
 
@@ -33,6 +36,9 @@ AssemblyRecord MakeAssemblyRecord(const PlaceOptions &options, const PlaceInput 
 
 /// Places the parts.
 void FindAssemblyOf(const PlaceInput &input, AssemblyRecord &record, placement::Monitor &monitor);
+
+/// Where a placed copy stands.
+placement::PartInPlace InPlace(const placement::PlacedCopy &copy);
 
 /// Whether every copy that was asked for is placed, and at least one of each part.
 bool IsComplete(const AssemblyRecord &record);
@@ -45,6 +51,16 @@ std::string AssemblyText(const AssemblyRecord &record);
 
 /// What came of a part, likewise: "2 of 3 copies are placed; no further place stands out (probability 0.02)".
 std::string PartText(const AssemblyRecord &record, std::size_t part);
+
+/// Whether a distance is known and no longer than it may be.
+bool Holds(const AssemblyRecord &record, std::size_t distance);
+
+/// A distance, likewise: "A:120 to B:15: 41.2 Å, at most 30 Å".
+std::string DistanceText(const AssemblyRecord &record, std::size_t distance);
+
+/// How far the refinement of all copies together moved them, and what they explain of the map, likewise.
+std::string RefinementText(const AssemblyRecord &record);
+std::string ExplainedText(const AssemblyRecord &record);
 
 /// Writes the record: numbers in full precision.
 void WriteAssemblyJson(std::ostream &out, const AssemblyRecord &record);

@@ -8,6 +8,7 @@
 #include "Collect.h"
 #include "formats/files/FileError.h"
 #include "formats/structures/AtomicNumber.h"
+#include "placement/Contacts.h"
 #include "placement/Resolution.h"
 
 #include <algorithm>
@@ -85,6 +86,36 @@ FixedResidues CollectNeighbours(const SolidFile &fixed, PlaceInput &input) {
         }
     }
     return number;
+}
+
+/// A fixed chain where it stands.
+struct FixedChain {
+    std::string name; ///< "chain A of b.pdb"
+    std::vector<placement::Point> residues;
+};
+
+std::vector<FixedChain> FixedChains(const std::vector<SolidFile> &fixed) {
+    std::vector<FixedChain> chains;
+    for (const SolidFile &file : fixed)
+        for (Chain *chain : file.chains) {
+            chains.push_back({"chain " + ChainNames({chain}) + " of " + file.file, {}});
+            std::vector<Compound *> residues;
+            GetResidues(chain, residues, true);
+            for (const Compound *residue : residues)
+                if (const Vertex at = residue->GetPosition(); at.IsValid())
+                    chains.back().residues.push_back({double(at[0]), double(at[1]), double(at[2])});
+        }
+    return chains;
+}
+
+/// Parts that cannot both stand where they do are a mistake that spoils what is placed beside them.
+void WarnOfClashes(const std::vector<SolidFile> &fixed, const WarningSink &warn) {
+    const std::vector<FixedChain> chains = FixedChains(fixed);
+    for (auto a = chains.begin(); a != chains.end(); ++a)
+        for (auto b = chains.begin(); b != a; ++b)
+            if (placement::Exclude(a->residues, b->residues))
+                warn("fixed " + b->name + " and " + a->name +
+                     " clash: more than a tenth of the residues of one stand within 3 Å of the other");
 }
 
 void CollectNeighbours(PlaceInput &input, const WarningSink &warn) {
@@ -185,6 +216,8 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn, 
                                                            placement::MakePointModel(TypicalAtoms(input)),
                                                            unsigned(options.threads));
     CollectNeighbours(input, warn);
+    if (!options.parts.empty())
+        WarnOfClashes(input.fixed, warn);
     return input;
 }
 

@@ -21,6 +21,18 @@ struct PartOptions {
     std::optional<std::size_t> copies; ///< not set: as many as are found
 };
 
+/// A residue of a part or of a fixed file.
+struct ResidueName {
+    std::string part; ///< the file's name without folder and extensions; empty where it is not said
+    std::string chain, sequenceId;
+};
+
+/// Two residues that are known to be near each other.
+struct DistanceOptions {
+    ResidueName a, b;
+    double max = 0; ///< Å
+};
+
 /// What `place` is asked to do.
 struct PlaceOptions {
     std::string map;
@@ -40,6 +52,8 @@ struct PlaceOptions {
     std::optional<std::string> json;
     std::optional<std::string> mirroredMap; ///< is written where the places lie in it
     std::optional<std::string> assembly;    ///< all placed copies, mmCIF
+    std::optional<std::string> rest;        ///< the map less what the copies and the fixed parts explain
+    std::vector<DistanceOptions> distances; ///< known ones between residues of an assembly
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;

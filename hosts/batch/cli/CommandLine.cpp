@@ -56,13 +56,20 @@ private:
             throw UsageError(option.name + " takes no value");
         if (option.value == Value::None)
             return;
-        values.push_back(equals == std::string::npos ? NextWord(option) : word.substr(equals + 1));
+        values.push_back(equals == std::string::npos ? NextWords(option) : word.substr(equals + 1));
         if (option.value == Value::File && values.back().empty())
             throw UsageError(option.name + ": the name of the file is empty");
         if (option.value == Value::Integer)
             ReadInteger(option.name, values.back());
         if (option.value == Value::Number)
             ReadNumber(option.name, values.back());
+    }
+
+    std::string NextWords(const Option &option) {
+        std::string text = NextWord(option);
+        for (unsigned i = 1; i < option.words; ++i)
+            text += ' ' + NextWord(option);
+        return text;
     }
 
     std::string NextWord(const Option &option) {
