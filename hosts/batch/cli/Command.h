@@ -21,8 +21,8 @@ struct Option {
     std::string defaultText = {}; ///< the default; empty where there is none to tell
     bool required = false;
     bool repeatable = false;
-    unsigned words = 1; ///< that the value is made of, each an argument of its own; Text alone has several
     std::string heading = {}; ///< begins a group of options in the help
+    unsigned words = 1; ///< that the value is made of, each an argument of its own; Text alone has several
 };
 
 /// A subcommand of the program: one file each.

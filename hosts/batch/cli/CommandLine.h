@@ -33,7 +33,8 @@ int ReadInteger(const std::string &option, const std::string &text);
 double ReadNumber(const std::string &option, const std::string &text);
 
 /// Parses the words after the subcommand's name: "--option value", "--option=value", and the operand;
-/// after "--" everything is an operand. A value may begin with one dash (-5), not with two. Throws
+/// after "--" everything is an operand. A value may begin with one dash (-5), not with two; the words of a
+/// value of several are joined by blanks. Throws
 /// UsageError, naming the option: unknown (with the name that was probably meant), repeated, without its
 /// value or with one that is not a number, required and missing.
 Arguments ParseArguments(const Command &command, const std::vector<std::string> &words);

@@ -181,6 +181,74 @@ TEST_F(Assemble, ChainsOfFixedPartsKeepTheirNames) {
     EXPECT_EQ(json["copies"][2]["chains"], (nlohmann::json{{{"chain", "D"}, {"name", "D4"}}}));
 }
 
+TEST_F(Assemble, KnownDistancesAreMeasuredAndThoseThatDoNotHoldAreListed) {
+    const std::vector<std::string> words{"--model",        ChainFile('A'), "--model", ChainFile('C'),
+                                         "--max-distance", "A:20",         "C:210",   "17",
+                                         "--max-distance", "A:20",         "C:210",   "2.5"};
+    const nlohmann::json json = JsonOf(words);
+    ASSERT_EQ(json["distances"].size(), 2u);
+    EXPECT_NEAR(json["distances"][0]["distance"], 16.1, 0.7);
+    EXPECT_EQ(json["distances"][0]["holds"], true);
+    EXPECT_EQ(json["distances"][1]["holds"], false);
+    EXPECT_THAT(OutputOf(Words(words)),
+                AllOf(HasSubstr("Distances   1 of 2 hold\n            A:20 to C:210: 16."),
+                      HasSubstr(", at most 2.5 Å\n")));
+}
+
+TEST_F(Assemble, AFixedPartMayBeTheEndOfADistance) {
+    const nlohmann::json json =
+        JsonOf({"--model", m_model, "--fixed", Example("1tii.pdb"), "--fixed-chains", "A,C", "--max-distance",
+                "D:30", "A:120", "60", "--max-distance", "1tii/A:20", "A:120", "100"});
+    EXPECT_GT(json["distances"][0]["distance"], 5);
+    EXPECT_EQ(json["distances"][1]["holds"], true);
+}
+
+TEST_F(Assemble, RefusesDistancesThatMakeNoSense) {
+    const auto errorOf = [&](const std::vector<std::string> &distance) {
+        std::vector<std::string> words{"--model", m_model, "--max-distance"};
+        words.insert(words.end(), distance.begin(), distance.end());
+        return ErrorOf(Words(words));
+    };
+    EXPECT_EQ(errorOf({"D:30", "X:1", "20"}), "--max-distance: no model has a residue X:1 with a position\n");
+    EXPECT_EQ(errorOf({"D:30", "D:999", "20"}),
+              "--max-distance: no model has a residue D:999 with a position\n");
+    EXPECT_THAT(errorOf({"D:30", "D:40", "0"}), HasSubstr("--max-distance: D:30 D:40 0 is not"));
+    EXPECT_THAT(errorOf({"D30", "D:40", "20"}), HasSubstr("--max-distance: D30 D:40 20 is not"));
+    EXPECT_THAT(errorOf({"D:", "D:40", "20"}), HasSubstr("is not A:N B:M D"));
+    const std::string other = m_folder.Write("other.pdb", ReadFile(m_model));
+    EXPECT_THAT(errorOf({"D:30", "D:40", "20", "--model", other}),
+                AllOf(HasSubstr("the residue D:30 is in "),
+                      HasSubstr("1tii_D_displaced/D:30 names the one of the first")));
+}
+
+TEST_F(Assemble, TheRestIsTheMapWithoutWhatIsPlaced) {
+    const auto deviationOf = [&](const std::string &map) {
+        const std::string text = OutputOf({"info", map});
+        return std::stod(text.substr(text.find("standard deviation ") + 19));
+    };
+    const std::string rest = m_folder.File("rest.mrc");
+    OutputOf(Words({"--model", m_model + "=auto", "--fixed", Example("1tii.pdb"), "--fixed-chains", "A,C",
+                    "--rest", rest}));
+    EXPECT_LT(deviationOf(rest), 0.55 * deviationOf(Example("1tii_8A.mrc")));
+    const std::string all = ReadFile(rest), map = ReadFile(Example("1tii_8A.mrc"));
+    EXPECT_EQ(all.size(), map.size());
+    OutputOf(Words({"--model", m_model + "=1", "--rest", rest}));
+    EXPECT_GT(deviationOf(rest), 0.7 * deviationOf(Example("1tii_8A.mrc"))) << "four copies are left";
+}
+
+TEST_F(Assemble, FixedPartsThatClashArePointedOut) {
+    // Chain D and a copy of it 3 Å away.
+    m_folder.Write("shift.txt", "1.00 0.00 0.00 0.00 2.00 1.00 0.00 1.00\n");
+    OutputOf({"build", "--target", m_model, "--results", m_folder.File("shift.txt"), "--rank", "1", "--out",
+              m_folder.File("shifted.pdb")});
+    const std::string standing = m_folder.Write("standing.pdb", ReadFile(m_model));
+    const Outcome outcome = Run(Words({"--model", ChainFile('A'), "--copies", "1", "--fixed", standing,
+                                       "--fixed", m_folder.File("shifted.pdb")}));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors,
+                AllOf(HasSubstr("fixed chain D of "), HasSubstr(" clash: more than a tenth")));
+}
+
 TEST_F(Assemble, ThreadsGiveTheSameFiles) {
     const auto filesOf = [&](const std::string &threads) {
         OutputOf(Words({"--model", m_model, "--copies", "3", "--threads", threads, "--assembly",

@@ -16,7 +16,8 @@ const Command command{
                 {"--solid", Value::Text, "FILE", "", "", false, true},
                 {"--axis", Value::Integer, "N", "", ""},
                 {"--step", Value::Number, "A", "", ""},
-                {"--quiet", Value::None, "", "", ""}},
+                {"--quiet", Value::None, "", "", ""},
+                {.name = "--link", .value = Value::Text, .valueName = "A B", .repeatable = true, .words = 2}},
 };
 
 Command WithOperand() {
@@ -57,6 +58,14 @@ TEST(ParseArguments, KeepsTheOrderOfARepeatableOption) {
     const Arguments arguments =
         ParseArguments(command, {"--solid", "b", "--map", "m", "--solid=a", "--solid", "b"});
     EXPECT_THAT(arguments.Texts("--solid"), ElementsAre("b", "a", "b"));
+}
+
+TEST(ParseArguments, AValueMayBeSeveralWords) {
+    const Arguments arguments = ParseArguments(
+        command, {"--map", "a", "--link", "x", "y", "--quiet", "--link=u v", "--link", "1", "-2"});
+    EXPECT_THAT(arguments.Texts("--link"), ElementsAre("x y", "u v", "1 -2"));
+    EXPECT_TRUE(arguments.Has("--quiet"));
+    EXPECT_EQ(ErrorOf({"--map", "a", "--link", "x", "--quiet"}), "--link needs a value, A B");
 }
 
 TEST(ParseArguments, TakesBlankEmptyAndNegativeValues) {
