@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Grid.h"
+#include "formats/maps/MapFile.h"
+
+#include <pybind11/numpy.h>
+
+#include <memory>
+#include <string>
+
+namespace python {
+
+/// A density map as Python holds it.
+struct MapObject {
+    std::shared_ptr<VARNO::Grid> grid;
+    formats::MapReport report; ///< of a map that was read
+    std::string file;          ///< its name, as it was given to whoever read or made it
+};
+
+/// Defines the class Map, and read_map and write_map.
+void DefineMap(pybind11::module_ &module);
+
+} // namespace python
