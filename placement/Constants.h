@@ -151,6 +151,19 @@ constexpr double nearbyShift = 10, nearbyTurn = 30;
 constexpr double nearbyStep = 1;
 constexpr std::size_t nearbyPoses = 30;
 
+// A map as the model
+
+/// Voxels whose density becomes points, resolutions of the map: fine enough that the waves that they stand
+/// for beside their own lie behind the filter's end. And the number of points, at most.
+constexpr double mapPointVoxel = 0.31;
+constexpr std::size_t mapPoints = 10000;
+/// Voxels of both maps where they are compared as a whole, resolutions. Values below this part of the largest
+/// are left out: most of a box is empty.
+constexpr double mapVoxel = 0.08, emptyVoxel = 0.002;
+/// A map is sampled at other places from a lattice this much finer than its own: linear interpolation takes
+/// less than a hundredth of waves of three voxels then.
+constexpr double resampledVoxel = 0.6;
+
 // A map of dark density
 
 /// Extremes below the median this many times as far off as those above it tell of inverted contrast; noise

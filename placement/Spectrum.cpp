@@ -57,15 +57,6 @@ double Variance(const VolumeView &map, unsigned threads) {
     return SumOverValues(map, threads, [&](double value) { return Squared(value - mean); }) / NumberOf(map);
 }
 
-bool IsConstant(const VolumeView &map) {
-    for (std::size_t k = 0; k < map.count[2]; ++k)
-        for (std::size_t j = 0; j < map.count[1]; ++j)
-            for (const float value : map.Row(j, k))
-                if (value != map.values.front())
-                    return false;
-    return true;
-}
-
 /// How many waves there are in some part of reciprocal space, and their power.
 struct Power {
     double waves = 0, sum = 0;
@@ -199,6 +190,15 @@ void Smooth(std::vector<double> &values) {
 
 } // namespace
 
+bool IsConstant(const VolumeView &map) {
+    for (std::size_t k = 0; k < map.count[2]; ++k)
+        for (std::size_t j = 0; j < map.count[1]; ++j)
+            for (const float value : map.Row(j, k))
+                if (value != map.values.front())
+                    return false;
+    return true;
+}
+
 Waves TransformPadded(const VolumeView &map, double pad, double cutOff, unsigned threads) {
     return TransformPadded({map.count, map.spacing, map.origin}, RowsOf(map), float(BorderMean(map)), pad,
                            cutOff, threads);
@@ -248,7 +248,6 @@ Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads
         spectrum.waves = TransformPadded(map, padding * resolution, cutEnd / resolution, threads);
     }
     spectrum.power = RadialPower(spectrum.waves, cutEnd / resolution, threads);
-    // Rounding leaves waves of a constant map that are not quite 0.
     if (!IsConstant(map))
         spectrum.strongest = *std::ranges::max_element(spectrum.power.values);
     return spectrum;

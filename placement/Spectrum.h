@@ -31,6 +31,9 @@ struct Spectrum {
 /// A map whose values are all equal gives a spectrum with `strongest` 0.
 Spectrum TransformMap(const VolumeView &map, double resolution, unsigned threads);
 
+/// Whether all of a map's values are equal: the rounding of a transform leaves it waves that are not quite 0.
+bool IsConstant(const VolumeView &map);
+
 /// The waves of other density in the map's box: `rows` gives its samples on the spectrum's lattice, and its
 /// faces are joined as the map's were. The wave at k = 0 holds its whole mean.
 Waves TransformLike(const Spectrum &spectrum, const RowSource &rows, unsigned threads);
