@@ -158,8 +158,10 @@ constexpr std::size_t nearbyPoses = 30;
 constexpr double mapPointVoxel = 0.31;
 constexpr std::size_t mapPoints = 10000;
 /// Voxels of both maps where they are compared as a whole, resolutions. Values below this part of the largest
-/// are left out: most of a box is empty.
+/// are left out: most of a box is empty. Of the moved one the voxels are larger where they would be more than
+/// this many: over many, what single ones are off evens out.
 constexpr double mapVoxel = 0.08, emptyVoxel = 0.002;
+constexpr double comparedVoxels = 1e6;
 /// A map is sampled at other places from a lattice this much finer than its own: linear interpolation takes
 /// less than a hundredth of waves of three voxels then.
 constexpr double resampledVoxel = 0.6;

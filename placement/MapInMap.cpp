@@ -103,8 +103,10 @@ private:
     /// The voxels of the moved map's box, with their values as weights, about a centre.
     WeightedPoints AllVoxels(const Spectrum &moved, const Point &centre) const {
         const double resolution = m_parameters.resolution;
-        const Volume density =
-            Synthesise(moved.waves, LowPass(resolution), mapVoxel * resolution, m_parameters.threads);
+        const double volume = moved.box[0] * moved.box[1] * moved.box[2];
+        const double voxel = std::max(mapVoxel * resolution, std::cbrt(volume / comparedVoxels));
+        Volume density = Synthesise(moved.waves, LowPass(resolution), voxel, m_parameters.threads);
+        ScaleToUnitPower(density, m_parameters.threads);
         const auto [nx, ny, nz] = VoxelsInBox(density, moved.box);
         const auto [lowest, highest] = RangeInBox(density, {nx, ny, nz});
         const float empty = float(emptyVoxel) * std::max(highest, -lowest);

@@ -145,7 +145,8 @@ std::vector<Option> PlaceOptionTable() {
          .help =
              "The structure to be placed, PDB or mmCIF, coordinates in Å, plain or compressed by gzip. Where "
              "it stands does not matter. Several models are placed together, without clashes; FILE=N places "
-             "up to N copies of one, FILE=auto as many as are found",
+             "up to N copies of one, FILE=auto as many as are found. A density map is laid on the first "
+             "one, in either hand",
          .required = true,
          .repeatable = true},
         {.name = "--copies",
@@ -235,6 +236,11 @@ std::vector<Option> PlaceOptionTable() {
         ModelsOption("Write the model at the N best places, the chains with all their atoms, "
                      "in the model file's format"),
         ModelPrefixOption("--model", "place"),
+        {.name = "--moved-map",
+         .value = Value::File,
+         .valueName = "FILE",
+         .help = "With a map as the model: write it in its place, on the lattice of the first map",
+         .defaultText = "no file"},
         {.name = "--mirrored-map",
          .value = Value::File,
          .valueName = "FILE",
@@ -266,6 +272,7 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.fixed = arguments.Texts("--fixed");
     options.fixedChains = arguments.List("--fixed-chains");
     options.hands = arguments.Has("--hands");
+    options.movedMap = arguments.GivenText("--moved-map");
     options.mirroredMap = arguments.GivenText("--mirrored-map");
     options.json = arguments.GivenText("--json");
     options.results = arguments.GivenText("--results");

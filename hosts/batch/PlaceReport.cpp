@@ -41,12 +41,6 @@ std::vector<Column<Place>> Columns(const std::vector<Place> &places, bool judged
     return columns;
 }
 
-void PrintBest(const PlacementResult &result, bool hasFixed) {
-    const std::span<const Place> places(result.places);
-    PrintTable<Place>(Columns(result.places, result.verdict != Verdict::Refined, hasFixed),
-                      places.first(std::min(rowsShown, places.size())));
-}
-
 void PrintModel(const PlaceModel &model, const std::string &file) {
     PrintItem("Model", Text(file));
     PrintItem("", Text((model.chains.size() == 1 ? "chain " : "chains ") + ChainNames(model.chains) + ", " +
@@ -57,6 +51,12 @@ void PrintModel(const PlaceModel &model, const std::string &file) {
 }
 
 } // namespace
+
+void PrintPlaces(const PlacementResult &result, bool hasFixed) {
+    const std::span<const Place> places(result.places);
+    PrintTable<Place>(Columns(result.places, result.verdict != Verdict::Refined, hasFixed),
+                      places.first(std::min(rowsShown, places.size())));
+}
 
 void ReportPlaceInput(const PlaceOptions &options, const PlaceInput &input) {
     const VARNO::Grid &map = *input.map;
@@ -111,7 +111,7 @@ void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");
-        PrintBest(record.result, !record.fixed.empty());
+        PrintPlaces(record.result, !record.fixed.empty());
     }
     PrintWritten(written);
 }

@@ -9,6 +9,8 @@ namespace batch {
 
 /// What was read, and what is to be expected of the search.
 void ReportPlaceInput(const hosts::PlaceOptions &options, const hosts::PlaceInput &input);
+/// A table of the ten best places; with their overlap where something is fixed.
+void PrintPlaces(const placement::PlacementResult &result, bool hasFixed);
 /// What was left out of the map, the verdict, a table of the ten best places, and the files written, a line
 /// each.
 void ReportPlaces(const hosts::PlaceRecord &record, const hosts::PlaceInput &input,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "placement/Geometry.h"
+#include "placement/Confidence.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,6 +24,13 @@ inline Json PointOf(const placement::Point &p) {
 inline Json RotationOf(const placement::Matrix &rotation) {
     const placement::UnitQuaternion q = placement::QuaternionOf(rotation);
     return {q.w, q.x, q.y, q.z};
+}
+
+inline Json ConfidenceJson(const placement::Confidence &confidence) {
+    return {{"probability", confidence.probability},
+            {"place", confidence.place},
+            {"otherTurns", confidence.otherTurns},
+            {"logExpected", confidence.logExpected}};
 }
 
 /// Begins a file with the members of an object, which is still to be closed.

@@ -36,7 +36,7 @@ struct DistanceOptions {
 /// What `place` is asked to do.
 struct PlaceOptions {
     std::string map;
-    std::string model;
+    std::string model; ///< a structure, or a map that is laid on the first
     std::vector<PartOptions> parts;   ///< of an assembly; none: the places of one model are looked for
     std::optional<double> resolution; ///< Å; not set: estimated from the map
     std::optional<std::vector<std::string>> chains; ///< identifiers; not set: all polymer chains
@@ -54,6 +54,7 @@ struct PlaceOptions {
     std::optional<std::string> assembly;    ///< all placed copies, mmCIF
     std::optional<std::string> rest;        ///< the map less what the copies and the fixed parts explain
     std::vector<DistanceOptions> distances; ///< known ones between residues of an assembly
+    std::optional<std::string> movedMap;    ///< a map that is the model, in its place on the map's lattice
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;

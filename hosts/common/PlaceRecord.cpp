@@ -61,13 +61,6 @@ Json Input(const PlaceRecord &record) {
             {"fixed", fixed}};
 }
 
-Json ConfidenceJson(const Confidence &confidence) {
-    return {{"probability", confidence.probability},
-            {"place", confidence.place},
-            {"otherTurns", confidence.otherTurns},
-            {"logExpected", confidence.logExpected}};
-}
-
 Json ConfidenceOf(const PlacementResult &result) {
     if (result.verdict == Verdict::Refined)
         return nullptr; // of one place nothing is known of others
@@ -75,18 +68,6 @@ Json ConfidenceOf(const PlacementResult &result) {
     json["background"] = {
         {"places", result.tail.number}, {"scale", result.tail.scale}, {"square", result.tail.square}};
     return json;
-}
-
-std::string HandName(Hand hand) {
-    switch (hand) {
-    case Hand::AsGiven:
-        return "as-given";
-    case Hand::Mirrored:
-        return "mirrored";
-    case Hand::Unknown:
-        return "unknown";
-    }
-    return {};
 }
 
 Json HandJson(const HandVerdict &hand) {
@@ -177,6 +158,18 @@ void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, Monitor &monitor
     record.result = std::move(record.IsMirrored() ? both.mirrored : both.given);
 }
 
+std::string HandName(Hand hand) {
+    switch (hand) {
+    case Hand::AsGiven:
+        return "as-given";
+    case Hand::Mirrored:
+        return "mirrored";
+    case Hand::Unknown:
+        return "unknown";
+    }
+    return {};
+}
+
 std::string VerdictName(Verdict verdict) {
     switch (verdict) {
     case Verdict::Placed:
@@ -195,12 +188,11 @@ std::string VerdictName(Verdict verdict) {
     return {};
 }
 
-namespace {
-
-/// "of 0.973"; no probability is a certainty.
 std::string AboveOrOf(double probability) {
     return probability > 0.9995 ? "above 0.999" : "of " + base::PlainFixed(probability, 3);
 }
+
+namespace {
 
 std::string CopiesText(std::size_t copies) {
     return copies > 1 ? "; " + std::to_string(copies) + " places are found, copies of the model" : "";

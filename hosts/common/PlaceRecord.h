@@ -47,6 +47,12 @@ void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, placement::Monit
 /// "no-density".
 std::string VerdictName(placement::Verdict verdict);
 
+/// The hand as the JSON file names it: "as-given", "mirrored", "unknown".
+std::string HandName(placement::Hand hand);
+
+/// A probability behind "with a probability": "of 0.973", or "above 0.999", since none is a certainty.
+std::string AboveOrOf(double probability);
+
 /// The verdict in a sentence for people, without the last full stop: "placed, with a probability of 0.99".
 std::string VerdictText(const placement::PlacementResult &result);
 

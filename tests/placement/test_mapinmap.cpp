@@ -81,7 +81,7 @@ TEST(MapInMap, AMirroredMapIsToldAndTurnedBack) {
 }
 
 TEST(MapInMap, AMapThatLiesNearlyRightIsRefined) {
-    TwoMaps maps = MapsOf(150, 6, 8, 8, false);
+    TwoMaps maps = MapsOf(400, 6, 8, 8, false);
     Monitor monitor;
     // Nearly: the moved map is sampled 3 Å and 10 degrees off.
     const Motion off{RotationBy({0, 10 * degree, 0}), {3, 0, 0}};

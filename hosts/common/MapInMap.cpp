@@ -1,0 +1,195 @@
+#include "hosts/common/MapInMap.h"
+
+#include "base/Numbers.h"
+#include "base/Words.h"
+
+#include "hosts/common/JsonText.h"
+#include "hosts/common/Outputs.h"
+#include "hosts/common/ParameterError.h"
+#include "hosts/common/PlaceInput.h"
+#include "hosts/common/PlaceRecord.h"
+
+#include "formats/files/ReplaceFile.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+using namespace placement;
+using VARNO::Grid;
+
+namespace hosts {
+
+namespace {
+
+Json Head(const MapInMapRecord &record) {
+    const PlaceOptions &options = record.options;
+    const MapInMapResult &all = record.result;
+    const PlacementResult &result = all.result;
+    const bool judged = result.verdict != Verdict::Refined;
+    return {
+        {"format", "morvanex place"},
+        {"version", 1},
+        {"program", "morvanex " MORVANEX_VERSION},
+        {"placed", result.verdict == Verdict::Placed},
+        {"verdict", VerdictName(result.verdict)},
+        {"statement", VerdictText(result)},
+        {"confidence", judged ? ConfidenceJson(result.confidence) : Json(nullptr)},
+        {"hand",
+         {{"verdict", HandName(all.hand)},
+          {"statement", MapHandText(all)},
+          {"placesAreMirrored", all.motion.mirrored},
+          {"asGiven", {{"probability", all.asGiven}, {"confidence", ConfidenceJson(all.given)}}},
+          {"mirrored", {{"probability", 1 - all.asGiven}, {"confidence", ConfidenceJson(all.mirrored)}}}}},
+        {"correlation",
+         {{"statement", CorrelationText(all)},
+          {"resolutionAtHalf", ResolutionAt(all.shells, 0.5)},
+          {"resolutionAt0.143", ResolutionAt(all.shells, 0.143)}}},
+        {"input",
+         {{"map", options.map},
+          {"movedMap", options.model},
+          {"resolution", options.resolution.value_or(0)},
+          {"inverted", options.invert},
+          {"points", all.points},
+          {"pointsResolution", all.resolution}}},
+        {"search",
+         {{"voxels", result.searched},
+          {"scanResolution", result.scanResolution},
+          {"rotations", result.rotations},
+          {"cancelled", result.cancelled},
+          {"seconds", record.seconds}}},
+    };
+}
+
+Json Entry(const Place &place, std::size_t rank, bool judged) {
+    return {{"rank", rank},
+            {"score", place.score},
+            {"probability", judged ? Json(place.probability) : Json(nullptr)},
+            {"logExpected", judged ? Json(place.logExpected) : Json(nullptr)},
+            {"otherTurn", place.otherTurn},
+            {"inDensity", place.inDensity},
+            {"centre", PointOf(place.pose.centre)},
+            {"rotation", RotationOf(place.pose.rotation)},
+            {"translation", PointOf(place.translation)}};
+}
+
+/// The centre of a map's box, and how far its corners lie from it.
+Sphere BoxOf(const Grid &map) {
+    const VolumeView view = ViewOf(map);
+    const Point diagonal{double(view.count[0]) * view.spacing[0], double(view.count[1]) * view.spacing[1],
+                         double(view.count[2]) * view.spacing[2]};
+    return {view.origin + 0.5 * diagonal, 0.5 * Length(diagonal)};
+}
+
+/// The moved map in its place, on the lattice of the other.
+std::unique_ptr<Grid> Moved(const MapInMapRecord &record, const MapInMapInput &input) {
+    const VolumeView map = ViewOf(*input.map);
+    const Volume moved = MovedMap(ViewOf(*input.moved), record.result.motion,
+                                  {map.count, map.spacing, map.origin}, unsigned(record.options.threads));
+    auto grid = std::make_unique<Grid>(input.moved->GetName(), input.map->Dimensions(), input.map->Origin(),
+                                       input.map->Spacing(), input.map->Angles());
+    std::ranges::copy(moved.values, grid->Values().begin());
+    return grid;
+}
+
+} // namespace
+
+bool IsMapFile(const std::string &file) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(file, ignored))
+        return false;
+    try {
+        formats::ByteSource source(file);
+        return formats::IsMap(source);
+    } catch (const formats::FileError &) {
+        return false;
+    }
+}
+
+MapInMapInput ReadMapInMapInput(const PlaceOptions &options, const WarningSink &warn) {
+    if (!options.resolution)
+        throw ParameterError("resolution",
+                             "is needed where the model is a map: that of the coarser of the two");
+    MapInMapInput input{LoadMap(options.map, warn), LoadMap(options.model, warn)};
+    if (options.invert)
+        std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
+    return input;
+}
+
+void CheckMapInMapOutputs(const PlaceOptions &options) {
+    std::vector<std::string> outputs;
+    for (const auto &output : {options.json, options.movedMap})
+        if (output)
+            outputs.push_back(*output);
+    CheckOutputs(outputs, {options.map, options.model});
+}
+
+void FindMapOf(const MapInMapInput &input, MapInMapRecord &record, Monitor &monitor) {
+    const PlaceOptions &options = record.options;
+    PlacementParameters parameters{.resolution = options.resolution.value(),
+                                   .threads = unsigned(options.threads),
+                                   .region = options.region,
+                                   .neighbours = {}};
+    if (options.scope == PlaceScope::Near)
+        parameters.region = BoxOf(*input.moved);
+    try {
+        const auto find = options.scope == PlaceScope::Refine ? RefineMapInMap : FindMapInMap;
+        record.result = find(ViewOf(*input.map), ViewOf(*input.moved), parameters, monitor);
+    } catch (const std::invalid_argument &error) {
+        throw formats::FileError(options.model, "", error.what());
+    }
+}
+
+std::string MapHandText(const MapInMapResult &result) {
+    switch (result.hand) {
+    case Hand::AsGiven:
+        return "both maps have the same hand (with a probability " + AboveOrOf(result.asGiven) + ")";
+    case Hand::Mirrored:
+        return "the second map is a mirror image (with a probability " + AboveOrOf(1 - result.asGiven) +
+               "): places are those of the map with its voxels in the opposite order along x";
+    case Hand::Unknown:
+        return result.result.verdict == Verdict::Refined
+                   ? "the hand was taken as it is"
+                   : "the hand cannot be told (the same one with a probability " + AboveOrOf(result.asGiven) +
+                         "); the second map is taken as it is";
+    }
+    return {};
+}
+
+std::string CorrelationText(const MapInMapResult &result) {
+    const double half = ResolutionAt(result.shells, 0.5), low = ResolutionAt(result.shells, 0.143);
+    if (half == 0)
+        return "the maps do not agree: their shell correlation lies below 0.5 everywhere";
+    return "the shell correlation falls below 0.5 at " + base::PlainFixed(half, 1) +
+           " Å and below 0.143 at " + base::PlainFixed(low, 1) + " Å";
+}
+
+void WriteMapInMapJson(std::ostream &out, const MapInMapRecord &record) {
+    const MapInMapResult &result = record.result;
+    WriteHead(out, Head(record));
+    WriteList(out, "places", result.result.places.size(), [&](std::size_t i) {
+        return Entry(result.result.places[i], i + 1, result.result.verdict != Verdict::Refined);
+    });
+    WriteList(out, "shells", result.shells.size(), [&](std::size_t i) {
+        return Json{{"wavenumber", result.shells[i].wavenumber},
+                    {"correlation", result.shells[i].correlation}};
+    });
+    out << "\n}\n";
+}
+
+Delivery WriteMapInMapOutputs(const MapInMapRecord &record, const MapInMapInput &input) {
+    const PlaceOptions &options = record.options;
+    const std::vector<Place> &places = record.result.result.places;
+    DeliveryWriter writer;
+    if (options.json)
+        writer.Write(*options.json, base::Counted(places.size(), "place") + " in full precision", [&] {
+            formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteMapInMapJson(out, record); });
+        });
+    if (options.movedMap && !places.empty())
+        writer.Write(*options.movedMap, "the second map in its place", [&] {
+            formats::WriteMap(*options.movedMap, *Moved(record, input), "moved by morvanex place");
+        });
+    return writer.Result();
+}
+
+} // namespace hosts
