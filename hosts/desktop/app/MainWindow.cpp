@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/Saving.h"
+#include "app/SettingsDialog.h"
 #include "document/Nodes.h"
 #include "panels/LookPanel.h"
 #include "panels/MessagePanel.h"
@@ -65,7 +66,8 @@ MainWindow::MainWindow()
     MakePluginsMenu();
     MakeHelpMenu();
     MakeReadingBar();
-    connect(&m_document, &Document::added, this, &MainWindow::ShowAdded);
+    m_autosave = std::make_unique<Autosave>(m_document, *m_view);
+    connect(&m_document, &Document::arrived, this, &MainWindow::ShowAdded);
     connect(m_view, &SceneView::picked, this, [this](Compound *node, bool adds) {
         m_model->Pick(node, adds);
         statusBar()->showMessage(node ? PathOf(node) : QString());
@@ -86,6 +88,7 @@ MainWindow::MainWindow()
 MainWindow::~MainWindow() {
     for (const auto &plugin : m_plugins)
         plugin->Cleanup();
+    m_autosave->Finish();
     // The panels let go of the document before it dies.
     delete m_place;
     delete m_model;
@@ -117,6 +120,7 @@ void MainWindow::MakeFileMenu() {
     QMenu *menu = menuBar()->addMenu(tr("&File"));
     QAction *open = menu->addAction(tr("&Open …"), QKeySequence::Open, this, &MainWindow::AskForFiles);
     open->setObjectName("open");
+    menu->addAction(tr("Open s&ession …"), this, &MainWindow::AskForSession)->setObjectName("openSession");
     m_recent = menu->addMenu(tr("Open &recent"));
     m_recent->setObjectName("recentFiles");
     menu->addSeparator();
@@ -124,6 +128,7 @@ void MainWindow::MakeFileMenu() {
     save->setObjectName("save");
     save->setStatusTip(
         tr("Saves what is selected, or the molecules that are shown, as mmCIF or PDB; a map as MRC"));
+    menu->addAction(tr("Save session as …"), this, &MainWindow::SaveSessionAs)->setObjectName("saveSession");
     menu->addAction(tr("Save &picture …"), this, &MainWindow::SavePicture)->setObjectName("savePicture");
     menu->addSeparator();
     menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close)->setObjectName("quit");
@@ -145,6 +150,8 @@ void MainWindow::MakeEditMenu() {
         menu->addAction(tr("Re&move"), QKeySequence::Delete, m_model, &ModelPanel::RemoveSelected);
     remove->setObjectName("remove");
     remove->setStatusTip(tr("Takes what is selected out of the model; Undo puts it back"));
+    menu->addAction(tr("&Settings …"), QKeySequence::Preferences, this, &MainWindow::EditSettings)
+        ->setObjectName("settings");
     menu->addAction(tr("Select &nothing"), QKeySequence("Esc"), this, [this] { m_document.Select({}); })
         ->setObjectName("selectNothing");
 }
@@ -156,10 +163,16 @@ void MainWindow::MakeViewMenu() {
     menu->addAction(tr("Fit &selection"), QKeySequence("Shift+F"), this,
                     [this] { m_view->FitTo(m_document.Selection()); })
         ->setObjectName("fitSelection");
-    QAction *perspective = menu->addAction(tr("&Perspective"), m_view, &SceneView::SetPerspective);
-    perspective->setObjectName("perspective");
-    perspective->setCheckable(true);
-    perspective->setChecked(true);
+    m_perspective = menu->addAction(tr("&Perspective"), m_view, &SceneView::SetPerspective);
+    m_perspective->setObjectName("perspective");
+    m_perspective->setCheckable(true);
+    m_perspective->setChecked(true);
+    QAction *exact = menu->addAction(tr("E&xact transparency"), m_view, &SceneView::SetExactTransparency);
+    exact->setObjectName("exactTransparency");
+    exact->setCheckable(true);
+    exact->setChecked(true);
+    exact->setStatusTip(
+        tr("Translucent surfaces one behind the other as they lie; off, large ones turn faster"));
     QAction *measure =
         menu->addAction(tr("&Measure distances"), QKeySequence("M"), m_view, &SceneView::SetMeasuring);
     measure->setObjectName("measure");
@@ -226,6 +239,7 @@ void MainWindow::MakeReadingBar() {
     connect(&m_reading, &FileReading::read, this, &MainWindow::TakeFile);
     connect(&m_reading, &FileReading::finished, this, [this] {
         m_readingBar->hide();
+        FinishRestoring();
         ShowErrors();
         emit opened();
     });
@@ -257,10 +271,82 @@ void MainWindow::TakeFile(const std::shared_ptr<FileContent> &file) {
         return;
     }
     const QString error = m_document.Add(std::move(*file));
-    if (error.isEmpty())
-        Remember(name);
-    else
+    if (!error.isEmpty())
         m_errors << error;
+    else if (m_session)
+        m_session->Apply(m_document.Tops().back(), m_document);
+    else
+        Remember(name);
+}
+
+void MainWindow::Restore(const QString &session) {
+    try {
+        m_session.emplace(session.toStdString());
+    } catch (const formats::FileError &error) {
+        ShowError(this, tr("The session could not be read"), QString::fromStdString(error.what()));
+        return;
+    }
+    m_restoring = session;
+    Open(m_session->Files());
+}
+
+void MainWindow::FinishRestoring() {
+    if (!m_session)
+        return;
+    const Viewpoint viewpoint = m_session->GetViewpoint();
+    m_session.reset();
+    m_view->SetViewpoint(viewpoint);
+    m_perspective->setChecked(viewpoint.perspective);
+    // What was left behind is in the next one before it goes.
+    if (Autosave::LeftBehind().contains(m_restoring)) {
+        m_autosave->SaveNow();
+        RemoveSession(m_restoring.toStdString());
+    }
+}
+
+void MainWindow::OfferToRestore() {
+    const QStringList left = Autosave::LeftBehind();
+    if (left.isEmpty())
+        return;
+    QMessageBox box(QMessageBox::Question, tr("Restore the last session?"),
+                    tr("Varno did not end as it should the last time. Restore what was open then?"),
+                    QMessageBox::Yes | QMessageBox::Discard, this);
+    box.setObjectName("restoreBox");
+    if (box.exec() == QMessageBox::Yes)
+        Restore(left.front());
+    else
+        for (const QString &session : left)
+            RemoveSession(session.toStdString());
+}
+
+void MainWindow::AskForSession() {
+    QFileDialog dialog(this, tr("Open session"), m_settings.value("folder").toString(),
+                       tr("Sessions (*.json)"));
+    dialog.setObjectName("sessionDialog");
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    if (dialog.exec() == QDialog::Accepted)
+        Restore(dialog.selectedFiles().front());
+}
+
+void MainWindow::SaveSessionAs() {
+    QFileDialog dialog(this, tr("Save session"), m_settings.value("folder").toString(),
+                       tr("Sessions (*.json)"));
+    dialog.setObjectName("saveSessionDialog");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setDefaultSuffix("json");
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    try {
+        SaveSession(dialog.selectedFiles().front().toStdString(), m_document, *m_view);
+    } catch (const formats::FileError &error) {
+        ShowError(this, tr("The session could not be written"), QString::fromStdString(error.what()));
+    }
+}
+
+void MainWindow::EditSettings() {
+    SettingsDialog(this).exec();
 }
 
 /// One dialog for all files that could not be read.
@@ -385,6 +471,7 @@ void MainWindow::closeEvent(QCloseEvent *event) {
     // A fit that runs inside a plug-in's dialog ends before the windows do.
     for (const auto &plugin : m_plugins)
         plugin->Cleanup();
+    m_autosave->Finish();
     m_settings.setValue("geometry", saveGeometry());
     m_settings.setValue("windows", saveState());
     event->accept();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/Autosave.h"
+#include "app/Session.h"
 #include "document/Document.h"
 #include "document/FileReading.h"
 #include "plugins/Plugin.h"
@@ -31,6 +33,10 @@ public:
     /// Reads files into the model, one after the other, while the window stays alive.
     void Open(const QStringList &files);
     bool IsReading() const { return m_reading.IsReading(); }
+    /// Opens what a session file holds, as it was.
+    void Restore(const QString &session);
+    /// Asks whether to restore what an application that died has left behind, where there is something.
+    void OfferToRestore();
     Document &GetDocument() { return m_document; }
     SceneView &View() { return *m_view; }
 
@@ -62,6 +68,10 @@ private:
     void UpdateRecentFiles();
     void Save();
     void SavePicture();
+    void AskForSession();
+    void SaveSessionAs();
+    void EditSettings();
+    void FinishRestoring();
     bool MayClose();
     void Start(Plugin &plugin);
     void ShowAdded(const std::vector<VARNO::Compound *> &nodes);
@@ -74,10 +84,14 @@ private:
     std::vector<std::unique_ptr<Plugin>> m_plugins;
     QStringList m_errors; ///< of the files that are being read
     SceneView *m_view;
+    std::optional<SavedSession> m_session; ///< that is being restored
+    QString m_restoring;                   ///< its file
     ModelPanel *m_model;
     PlacePanel *m_place;
     MessagePanel *m_messages;
     QDockWidget *m_placeDock, *m_messagesDock;
+    QAction *m_perspective = nullptr;
+    std::unique_ptr<Autosave> m_autosave;
     QMenu *m_recent;
     QWidget *m_readingBar;
     QLabel *m_readingName;

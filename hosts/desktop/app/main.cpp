@@ -33,6 +33,9 @@ int main(int count, char **words) {
                                        parser.positionalArguments());
     desktop::MainWindow window;
     window.show();
-    QTimer::singleShot(0, &window, [&] { window.Open(parser.positionalArguments()); });
+    QTimer::singleShot(0, &window, [&] {
+        window.OfferToRestore();
+        window.Open(parser.positionalArguments());
+    });
     return QApplication::exec();
 }

@@ -7,6 +7,7 @@
 #include "DataMaker.h"
 
 #include <algorithm>
+#include <iterator>
 
 using namespace VARNO;
 
@@ -63,11 +64,18 @@ bool Document::Make(const QString &what, const std::function<void()> &make) {
 void Document::Remove(const Nodes &nodes) {
     Nodes attached = Uppermost(nodes);
     std::erase_if(attached, [](const Compound *node) { return !node->IsAttached(); });
+    NoteChanged(attached);
     if (!attached.empty())
         m_undo.push(new RemovalStep(attached.size() == 1
                                         ? "remove " + NameOf(attached.front())
                                         : "remove " + Counted(qsizetype(attached.size()), "item"),
                                     attached));
+}
+
+void Document::NoteChanged(const Nodes &removed) {
+    for (Compound *node : removed)
+        if (const Compound *top = TopOf(node); top != node)
+            m_files.erase(top);
 }
 
 void Document::Clear() {
@@ -166,6 +174,11 @@ void Document::Notify(const DataPointBase &notice) {
     const Nodes uppermost = Uppermost(notice.GetNodes());
     TakeIn(uppermost);
     emit added(uppermost);
+    Nodes fresh;
+    std::ranges::copy_if(uppermost, std::back_inserter(fresh),
+                         [this](const Compound *node) { return m_known.insert(node).second; });
+    if (!fresh.empty())
+        emit arrived(fresh);
 }
 
 void Document::TakeIn(const Nodes &nodes) {

@@ -12,6 +12,7 @@
 #include <functional>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace desktop {
@@ -68,6 +69,8 @@ public:
 signals:
     /// Nodes that came into the tree, each with all below it; nothing of them lies below another one.
     void added(const std::vector<VARNO::Compound *> &nodes);
+    /// The same, for nodes that come for the first time: no undo has put them back.
+    void arrived(const std::vector<VARNO::Compound *> &nodes);
     /// A node has left the tree, with all below it.
     void removed(VARNO::Compound *node);
     void shownChanged(const std::vector<VARNO::Compound *> &drawn);
@@ -86,10 +89,13 @@ private:
     void TakeIn(VARNO::Grid *map);
     void LetGo(VARNO::Compound *node);
     void DropFromSelection();
+    /// What is taken out of a file's molecule leaves it as it is in no file.
+    void NoteChanged(const Nodes &removed);
 
     QUndoStack m_undo;
     Nodes m_selection;
     std::vector<VARNO::Compound *> m_flagged; ///< nodes whose mark of selection this object has set
+    std::unordered_set<const VARNO::Compound *> m_known; ///< that have been in the tree
     std::unordered_map<const VARNO::Compound *, bool> m_shown;
     std::unordered_map<const VARNO::Compound *, Map> m_maps;
     std::unordered_map<const VARNO::Compound *, ChainLook> m_chains;

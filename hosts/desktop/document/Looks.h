@@ -6,9 +6,9 @@ namespace desktop {
 
 /// How a map is drawn.
 struct MapLook {
-    double level = 3; ///< of the isosurface, in standard deviations above the map's mean
+    double level = 2; ///< of the isosurface, in standard deviations above the map's mean
     QColor colour = QColor(90, 140, 200);
-    double opacity = 0.5; ///< from 0 to 1
+    double opacity = 0.4; ///< from 0 to 1
     bool surface = true;
     int sliceAxis = -1; ///< 0, 1, 2: a slice across x, y or z; -1: none
     double slice = 0.5; ///< where the slice lies, from 0 at the first voxel to 1 at the last

@@ -56,8 +56,12 @@ QWidget *Beside(QWidget *left, QWidget *right) {
 LookPanel::LookPanel(Document &document)
     : m_document(document)
     , m_mapBox(MakeMapBox())
-    , m_chainBox(MakeChainBox()) {
+    , m_chainBox(MakeChainBox())
+    , m_hint(new QLabel(tr("How maps and chains look is set here\nonce some are open."))) {
+    m_hint->setAlignment(Qt::AlignCenter);
+    m_hint->setEnabled(false);
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_hint);
     layout->addWidget(m_mapBox);
     layout->addWidget(m_chainBox);
     layout->addStretch();
@@ -190,6 +194,7 @@ void LookPanel::ShowLook() {
 void LookPanel::ShowChainLook() {
     const Document::Nodes chains = Chains();
     m_chainBox->setVisible(!chains.empty());
+    m_hint->setVisible(chains.empty() && m_map->count() == 0);
     if (chains.empty())
         return;
     const QScopedValueRollback showing(m_isShowing, true);

@@ -43,7 +43,7 @@ private:
     QComboBox *m_map;
     QSlider *m_levelSlider, *m_opacity, *m_slice;
     QDoubleSpinBox *m_level;
-    QLabel *m_value, *m_which;
+    QLabel *m_value, *m_which, *m_hint;
     ColourButton *m_colour, *m_chainColour;
     QCheckBox *m_surface;
     QComboBox *m_sliceAxis, *m_style, *m_colouring;

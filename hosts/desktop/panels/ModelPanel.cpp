@@ -34,7 +34,8 @@ ModelPanel::ModelPanel(Document &document)
     m_view->setUniformRowHeights(true);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     m_view->header()->setStretchLastSection(true);
-    m_view->header()->resizeSection(ModelTree::Name, 190);
+    m_view->header()->resizeSection(ModelTree::Name, 160);
+    m_view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_view->setToolTip(tr("The check box shows and hides; the selected rows are what the plug-ins take"));
     m_hint->setAlignment(Qt::AlignCenter);
     m_hint->setEnabled(false);

@@ -171,8 +171,11 @@ QWidget *PlacePanel::MakeAnswer() {
     m_places = new QTreeWidget;
     m_places->setObjectName("places");
     m_places->setRootIsDecorated(false);
-    m_places->setHeaderLabels({tr("Place"), tr("How sure"), tr("Score"), tr("In density")});
+    m_places->setHeaderLabels({tr("#"), tr("How sure"), tr("Score"), tr("In density")});
     m_places->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_places->header()->setMinimumSectionSize(24);
+    m_places->header()->setStretchLastSection(false);
+    m_places->header()->setSectionResizeMode(Sureness, QHeaderView::Stretch);
     m_places->setToolTip(tr("A click, or the arrow keys, shows the place in the density"));
     connect(m_places, &QTreeWidget::currentItemChanged, this, &PlacePanel::ShowPlace);
     m_keep = new QPushButton(tr("&Keep this place"));
@@ -293,6 +296,8 @@ void PlacePanel::Keep() {
     if (!m_document.Make(tr("keep place %1").arg(number),
                          [&] { MakePlacedCopy(name, m_answer->chains, place); }))
         m_verdict->setText(tr("The model accepts no additions at present; try again in a moment."));
+    else
+        emit placeShown({}, {});
 }
 
 int PlacePanel::CurrentPlace() const {

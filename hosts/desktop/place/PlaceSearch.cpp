@@ -184,7 +184,7 @@ QString ConfidenceInWords(const hosts::PlaceRecord &record, const placement::Pla
         return PlaceSearch::tr("likely");
     if (place.probability >= 0.3)
         return PlaceSearch::tr("doubtful");
-    return PlaceSearch::tr("no better than chance");
+    return PlaceSearch::tr("by chance");
 }
 
 } // namespace desktop

@@ -52,6 +52,8 @@ bool CameraControl::IsPerspective() const {
 
 void CameraControl::Fit(const double box[6]) {
     m_renderer.ResetCamera(box);
+    // The sphere around the box is seldom full.
+    Zoom(1.3);
 }
 
 } // namespace desktop

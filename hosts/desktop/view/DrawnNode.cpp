@@ -128,6 +128,7 @@ DrawnMap::DrawnMap(vtkRenderer &renderer, const Grid &map, const Document &docum
     , m_map(map)
     , m_values(map.Share())
     , m_surface(std::make_unique<Isosurface>(map)) {
+    m_actor->GetProperty()->SetAmbient(0.2);
     QObject::connect(m_surface.get(), &Isosurface::changed, [this, changed = std::move(changed)] {
         vtkNew<vtkPolyDataMapper> mapper;
         mapper->SetInputData(m_surface->Surface());

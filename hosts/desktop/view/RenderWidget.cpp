@@ -9,6 +9,13 @@
 
 namespace desktop {
 
+namespace {
+
+/// Layers of translucent surfaces that are told apart.
+constexpr int maxPeels = 6;
+
+} // namespace
+
 RenderWidget::RenderWidget() {
     // Multisampling with depth peeling makes translucent surfaces vanish.
     m_window->SetMultiSamples(0);
@@ -19,6 +26,8 @@ RenderWidget::RenderWidget() {
     m_window->AddObserver(vtkCommand::WindowSupportsOpenGLEvent, this, &RenderWidget::TellThatItIsSo);
     m_window->AddObserver(vtkCommand::WindowIsDirectEvent, this, &RenderWidget::TellThatItIsSo);
     m_renderer->UseFXAAOn();
+    m_renderer->SetMaximumNumberOfPeels(maxPeels);
+    m_renderer->SetOcclusionRatio(0);
 }
 
 RenderWidget::~RenderWidget() {
@@ -34,6 +43,11 @@ void RenderWidget::SetDefaultFormat() {
     format.setDepthBufferSize(24);
     format.setSamples(0);
     QSurfaceFormat::setDefaultFormat(format);
+}
+
+void RenderWidget::SetExactTransparency(bool exact) {
+    m_renderer->SetUseDepthPeeling(exact);
+    update();
 }
 
 void RenderWidget::initializeGL() {

@@ -21,6 +21,8 @@ public:
     static void SetDefaultFormat();
 
     vtkRenderer *Renderer() { return m_renderer; }
+    /// Draws translucent surfaces one behind the other as they lie, which takes several times as long.
+    void SetExactTransparency(bool exact);
 
 protected:
     void initializeGL() override;

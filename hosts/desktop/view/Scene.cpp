@@ -76,12 +76,12 @@ Scene::Scene(Document &document, vtkRenderer &renderer)
 Scene::~Scene() = default;
 
 std::optional<Bounds> Scene::BoxOf(const Document::Nodes &nodes) const {
-    std::optional<Bounds> box;
+    std::optional<Bounds> box, maps;
     for (Compound *node : nodes)
         for (const Compound *drawn : Drawn(node))
             if (m_document.IsShown(drawn))
-                Widen(box, *drawn);
-    return box;
+                Widen(dynamic_cast<const Grid *>(drawn) ? maps : box, *drawn);
+    return box ? box : maps;
 }
 
 bool Scene::IsUpToDate() const {

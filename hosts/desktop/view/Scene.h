@@ -26,11 +26,9 @@ public:
     Scene(Document &document, vtkRenderer &renderer);
     ~Scene() override;
 
-    /// The box around all that is shown, or around that of these nodes which is shown: least and greatest x,
-    /// y, z, Å. Not set where nothing is.
+    /// The box around what is shown of these nodes, around the chains where there are any, since a map is
+    /// often much larger than what lies in it: least and greatest x, y, z, Å. Not set where nothing is shown.
     std::optional<std::array<double, 6>> BoxOf(const Document::Nodes &nodes) const;
-    std::optional<std::array<double, 6>> Box() const { return BoxOf(m_document.Tops()); }
-    bool IsEmpty() const { return m_drawn.empty(); }
     /// Whether every surface is the one of its map's level.
     bool IsUpToDate() const;
 

@@ -61,6 +61,8 @@ SceneView::SceneView(Document &document)
     m_drawing->widget.setFocusPolicy(Qt::StrongFocus);
     m_hint->setText(tr("Open a map and a model:\nFile ▸ Open, or drop the files here."));
     m_hint->raise();
+    SetExactTransparency(true);
+    SetDark(false);
     connect(&m_drawing->scene, &Scene::changed, this, &SceneView::Changed);
     connect(&document, &Document::removed, this, [this] { m_from = nullptr; });
     UpdateHint();
@@ -92,6 +94,11 @@ void SceneView::SetPerspective(bool perspective) {
 
 bool SceneView::IsPerspective() const {
     return !m_drawing || m_drawing->camera.IsPerspective();
+}
+
+void SceneView::SetExactTransparency(bool exact) {
+    if (m_drawing)
+        m_drawing->widget.SetExactTransparency(exact);
 }
 
 void SceneView::SetDark(bool dark) {

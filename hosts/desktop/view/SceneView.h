@@ -39,6 +39,8 @@ public:
     void FitTo(const std::vector<VARNO::Compound *> &nodes);
     void SetPerspective(bool perspective);
     bool IsPerspective() const;
+    /// Whether translucent surfaces are drawn one behind the other as they lie, which takes longer.
+    void SetExactTransparency(bool exact);
     void SetDark(bool dark);
     Viewpoint GetViewpoint() const;
     void SetViewpoint(const Viewpoint &viewpoint);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "document/Document.h"
+#include "view/SceneView.h"
+
+#include <QObject>
+#include <QTimer>
+
+namespace desktop {
+
+/// Saves the session every minute in which something has changed, so that a crash loses no more than that.
+/// The file goes when the application ends as it should.
+class Autosave : public QObject {
+    Q_OBJECT
+
+public:
+    Autosave(const Document &document, const SceneView &view, int milliseconds = 60'000);
+
+    void SaveNow();
+    /// Nothing is to be restored any more.
+    void Finish();
+
+    /// Sessions of applications that have died without ending.
+    static QStringList LeftBehind();
+
+private:
+    const Document &m_document;
+    const SceneView &m_view;
+    std::string m_file;
+    QTimer m_timer;
+    bool m_hasChanged = false;
+};
+
+} // namespace desktop
