@@ -226,6 +226,14 @@ constexpr double minPitch = 0.5;
 /// How far an axis that was found may be from one that is held, radians, and its twist, degrees; the step of
 /// turns about a held one.
 constexpr double heldAxis = 0.17, heldTwist = 8, heldStep = 0.05;
+/// Motions between places that are looked at, and the part of a symmetry's copies that are among the places.
+constexpr std::size_t maxPlaceMotions = 400;
+constexpr double minPlaceShare = 0.7;
+/// Voxels in which a map is averaged over its copies, resolutions, and how many of them there may be, 800 MB.
+/// Linear interpolation between them leaves less than a hundredth of a wave as long as the resolution.
+constexpr double averageVoxel = 0.16, maxAverageVoxels = 2e8;
+/// A copy lies in the map where this part of its points does.
+constexpr double wholeCopy = 0.95;
 /// Steps along a helix that are correlated, to either side.
 constexpr int helixReach = 2;
 

@@ -30,21 +30,27 @@ double SquaredRmsd(const PointModel &model, const Pose &a, const Pose &b) {
     return std::max(0.0, Dot(shift, shift) + 2 * (c[0] + c[4] + c[8] - common));
 }
 
-DistinctPlaces::DistinctPlaces(const PointModel &model, double rmsd)
+DistinctPlaces::DistinctPlaces(const PointModel &model, double rmsd, std::span<const Motion> mates)
     : m_model(model)
     , m_rmsd(rmsd)
+    , m_mates(mates)
     , m_centres(rmsd) {}
 
 bool DistinctPlaces::Add(const Pose &pose) {
-    // Centres are never farther apart than the RMSD.
-    const auto isSame = [&](std::size_t other) {
-        return SquaredRmsd(m_model, pose, m_poses[other]) < m_rmsd * m_rmsd;
-    };
-    if (m_centres.AnyNear(pose.centre, isSame))
+    if (m_mates.empty() ? IsTaken(pose) : std::ranges::any_of(m_mates, [&](const Motion &mate) {
+            return IsTaken(Moved(mate, pose));
+        }))
         return false;
     m_centres.Add(pose.centre, m_poses.size());
     m_poses.push_back(pose);
     return true;
+}
+
+bool DistinctPlaces::IsTaken(const Pose &pose) const {
+    // Centres are never farther apart than the RMSD.
+    return m_centres.AnyNear(pose.centre, [&](std::size_t other) {
+        return SquaredRmsd(m_model, pose, m_poses[other]) < m_rmsd * m_rmsd;
+    });
 }
 
 std::vector<Pose> Distinct(const PointModel &model, std::span<const Pose> poses, double rmsd,
@@ -61,9 +67,9 @@ std::vector<Pose> Distinct(const PointModel &model, std::span<const Pose> poses,
 }
 
 std::vector<ScoredPose> DistinctBest(const PointModel &model, std::vector<ScoredPose> poses, double rmsd,
-                                     std::size_t maxNumber) {
+                                     std::size_t maxNumber, std::span<const Motion> mates) {
     std::ranges::stable_sort(poses, std::ranges::greater(), &ScoredPose::score);
-    DistinctPlaces places(model, rmsd);
+    DistinctPlaces places(model, rmsd, mates);
     std::vector<ScoredPose> distinct;
     for (const ScoredPose &pose : poses) {
         if (distinct.size() == maxNumber)

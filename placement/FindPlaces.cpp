@@ -1,5 +1,6 @@
 #include "placement/FindPlaces.h"
 
+#include "placement/AsymmetricUnit.h"
 #include "placement/Constants.h"
 #include "placement/Filter.h"
 #include "placement/Forecast.h"
@@ -166,11 +167,27 @@ private:
         const std::vector<Matrix> rotations = SpreadRotations(m_result.rotations);
         PartMonitor monitor(m_monitor, transformEnd, scanEnd);
         return CoarseSearch({.level = level,
-                             .places = DensePlaces(smoothed, inBox, m_parameters.region),
+                             .places = PlacesOnce(smoothed, inBox),
                              .inBox = inBox,
                              .points = m_model.scanPoints,
                              .rotations = rotations},
                             m_parameters.threads, monitor);
+    }
+
+    /// Where the centre of one of a place's copies may lie.
+    std::vector<bool> PlacesOnce(const Volume &smoothed, const std::array<std::size_t, 3> &inBox) const {
+        std::vector<bool> places = DensePlaces(smoothed, inBox, m_parameters.region);
+        // A point in general position, which is on no axis.
+        const Point reference = smoothed.origin + Point{0.53 * m_spectrum.box[0], 0.55 * m_spectrum.box[1],
+                                                        0.58 * m_spectrum.box[2]};
+        const AsymmetricUnit unit(m_parameters.mates, reference);
+        const double margin = 2 * Length({smoothed.spacing[0], smoothed.spacing[1], smoothed.spacing[2]});
+        for (std::size_t k = 0; k < inBox[2]; ++k)
+            for (std::size_t j = 0; j < inBox[1]; ++j)
+                for (std::size_t i = 0; i < inBox[0]; ++i)
+                    if (const std::size_t index = smoothed.Index(i, j, k); places[index])
+                        places[index] = unit.Holds(smoothed.At(i, j, k), margin);
+        return places;
     }
 
     /// Poses near the model's own, those that score best on the coarsest level.
@@ -282,7 +299,7 @@ private:
             RefineList(poses, level, *width > pointWidth ? scanned : m_points,
                        {levelSteps, firstLevelStep * before, longestLevelStep * before});
             poses = DistinctBest(m_model, std::move(poses), mergedAtLevel * *width,
-                                 std::size_t(survivors * double(refinedPoses)));
+                                 std::size_t(survivors * double(refinedPoses)), m_parameters.mates);
         }
         return before;
     }
@@ -297,14 +314,43 @@ private:
     std::vector<ScoredPose> Finish(std::vector<ScoredPose> poses, const Volume &finest, double before) {
         const double resolution = m_parameters.resolution;
         RefineList(poses, finest, m_points, {levelSteps, firstLevelStep * before, longestLevelStep * before});
-        poses = DistinctBest(m_model, std::move(poses), mergedAtEnd * resolution, finalPoses);
+        poses =
+            DistinctBest(m_model, std::move(poses), mergedAtEnd * resolution, finalPoses, m_parameters.mates);
         RefineList(poses, finest, m_points,
                    {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution});
         // A climb may have left the region.
         if (m_parameters.region)
             std::erase_if(poses,
                           [&](const ScoredPose &p) { return !m_parameters.region->Holds(p.pose.centre); });
-        return DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses);
+        std::erase_if(poses, [&](const ScoredPose &p) { return OverlapsItsMates(p.pose); });
+        return BroughtTogether(
+            DistinctBest(m_model, std::move(poses), samePlace * resolution, finalPoses, m_parameters.mates));
+    }
+
+    /// Of each place the copy that is nearest to the best place, so that other turns in its hole stand there.
+    std::vector<ScoredPose> BroughtTogether(std::vector<ScoredPose> places) const {
+        for (ScoredPose &place : places) {
+            const Pose own = place.pose;
+            for (const Motion &mate : m_parameters.mates) {
+                const Pose copy = Moved(mate, own);
+                const Point &best = places.front().pose.centre;
+                if (Length(copy.centre - best) < Length(place.pose.centre - best))
+                    place.pose = copy;
+            }
+        }
+        return places;
+    }
+
+    /// Whether copies of a place would stand in it, other than the place itself.
+    bool OverlapsItsMates(const Pose &pose) const {
+        const double same = samePlace * m_parameters.resolution;
+        OccupiedSpace own;
+        own.Add(m_model, pose);
+        return std::ranges::any_of(m_parameters.mates, [&](const Motion &mate) {
+            const Pose copy = Moved(mate, pose);
+            return Length(copy.centre - pose.centre) < 2 * m_model.radius &&
+                   SquaredRmsd(m_model, copy, pose) > same * same && own.Overlap(m_model, copy) > maxOverlap;
+        });
     }
 
     /// Refines each pose; a cancelled search only scores those that it has not come to.
@@ -346,13 +392,19 @@ private:
         for (Place &place : m_result.places) {
             const bool isCopy = occupied.Overlap(m_model, place.pose) <= maxOverlap;
             if (isCopy)
-                occupied.Add(m_model, place.pose);
+                AddWithMates(place.pose, occupied);
             else
                 place.otherTurn = IsOtherTurn(place);
             if (isCopy || place.otherTurn)
                 kept.push_back(place);
         }
         m_result.places = std::move(kept);
+    }
+
+    void AddWithMates(const Pose &pose, OccupiedSpace &occupied) const {
+        occupied.Add(m_model, pose);
+        for (const Motion &mate : m_parameters.mates)
+            occupied.Add(m_model, Moved(mate, pose));
     }
 
     /// Whether a place is the first one in another turn, which the map does not tell from it.

@@ -2,6 +2,7 @@
 
 #include "placement/CoarseSearch.h"
 #include "placement/Confidence.h"
+#include "placement/Motion.h"
 
 namespace placement {
 
@@ -12,6 +13,9 @@ struct PlacementParameters {
     std::optional<Sphere> region; ///< where the model's centre may lie; anywhere where it is not set
     /// Atoms of what is already in place, see KnownNeighbours.h.
     std::vector<ModelAtom> neighbours{};
+    /// Motions that lay the map upon itself, the one that moves nothing among them. Places that they bring
+    /// upon one another are one, and no place overlaps its own copies without being them.
+    std::vector<Motion> mates{};
 };
 
 /// One place that a search found.

@@ -97,8 +97,7 @@ private:
     /// Whether a guess is what is asked for; held axes and centres, rise and twist take the place of its own.
     bool Fit(SymmetryGuess &guess) const {
         const std::optional<Symmetry> &wanted = m_request.symmetry;
-        if (wanted && (wanted->kind != guess.symmetry.kind ||
-                       (!wanted->IsHelical() && wanted->fold != guess.symmetry.fold)))
+        if (!m_request.Asks(guess.symmetry))
             return false;
         const Point main = MainAxis(guess.frame);
         if (m_request.axis) {

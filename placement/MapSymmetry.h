@@ -14,6 +14,11 @@ struct SymmetryRequest {
     std::optional<Point> axis;        ///< direction of the main axis, held
     std::optional<Point> centre;      ///< a point of the main axis, the centre of T, O and I, held
 
+    /// Whether a symmetry is one that is looked for.
+    bool Asks(const Symmetry &other) const {
+        return !symmetry ||
+               (symmetry->kind == other.kind && (other.IsHelical() || symmetry->fold == other.fold));
+    }
     bool IsAnyHelix() const { return symmetry && symmetry->IsHelical() && symmetry->rise == 0; }
 };
 

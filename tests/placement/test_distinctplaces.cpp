@@ -2,6 +2,8 @@
 
 #include "SyntheticModel.h"
 
+#include "placement/Symmetry.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,4 +55,15 @@ TEST(DistinctPlaces, TheBestOfEachGroupStays) {
     ASSERT_EQ(best.size(), 2u);
     EXPECT_EQ(best[0].score, 3);
     EXPECT_EQ(best[1].score, 2);
+}
+
+TEST(DistinctPlaces, CopiesOfAPlaceAreOne) {
+    const PointModel model = MakePointModel(RandomModel(30, 1));
+    const std::vector<Motion> mates = MotionsOf(Symmetry{SymmetryKind::Cyclic, 3}, {});
+    DistinctPlaces places(model, 2, mates);
+    const Pose pose{RotationBy({0.3, 0.2, 0.1}), {40, 5, 3}};
+    EXPECT_TRUE(places.Add(pose));
+    EXPECT_FALSE(places.Add(Moved(mates[1], pose)));
+    EXPECT_FALSE(places.Add(Moved(mates[2], pose)));
+    EXPECT_TRUE(places.Add({pose.rotation, -1 * pose.centre}));
 }
