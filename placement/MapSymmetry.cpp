@@ -84,6 +84,8 @@ public:
 
 private:
     std::vector<SymmetryGuess> Guesses() const {
+        if (m_request.frame)
+            return {{*m_request.symmetry, *m_request.frame, 0}};
         if (m_request.symmetry && m_request.axis && !m_request.IsAnyHelix())
             return {HeldGuess(*m_request.symmetry, *m_request.axis)};
         std::vector<SymmetryGuess> guesses;
@@ -144,11 +146,7 @@ private:
         std::vector<SymmetryOperator> operators =
             OperatorsOf(symmetry, symmetry.IsHelical() ? helixReach : 0);
         operators.erase(operators.begin());
-        return {m_map.fine,
-                m_points,
-                m_map.body.gyration,
-                std::move(operators),
-                {.pose = false, .axis = !m_request.axis, .centre = !m_request.centre}};
+        return {m_map.fine, m_points, m_map.body.gyration, std::move(operators), m_request.Freedom(false)};
     }
 
     MapSymmetry Judged(const SymmetryGuess &guess) const {
@@ -178,7 +176,10 @@ private:
             strengths.push_back(StrengthOf(correlation));
         const WrongTail tail = FitWrongTail(strengths);
         judged.logExpected = tail.LogExpected(StrengthOf(judged.correlation));
-        judged.probability = tail.Probability(StrengthOf(judged.correlation));
+        // E is what chance does in as many tries as there are motions; one that is held is one try.
+        if (m_request.IsHeld() && tail.number > 0)
+            judged.logExpected -= std::log(double(tail.number));
+        judged.probability = 1 / (1 + wrongPerExpected * std::exp(judged.logExpected));
         judged.found =
             judged.probability >= declared && HasPitch(at.symmetry) && *weakest > between &&
             StrengthOf(*weakest) >= weakestOperator * StrengthOf(std::min(*strongest, surelyEqual));

@@ -2,7 +2,7 @@
 
 #include "placement/Confidence.h"
 #include "placement/SelfPoses.h"
-#include "placement/Symmetry.h"
+#include "placement/SymmetricRefinement.h"
 
 #include <optional>
 
@@ -13,12 +13,23 @@ struct SymmetryRequest {
     std::optional<Symmetry> symmetry; ///< not set: whichever the map has; a helix of the rise 0: any helix
     std::optional<Point> axis;        ///< direction of the main axis, held
     std::optional<Point> centre;      ///< a point of the main axis, the centre of T, O and I, held
+    std::optional<Pose> frame;        ///< all of it, held; then the symmetry is set too
 
     /// Whether a symmetry is one that is looked for.
     bool Asks(const Symmetry &other) const {
         return !symmetry ||
                (symmetry->kind == other.kind && (other.IsHelical() || symmetry->fold == other.fold));
     }
+    /// What may move while it is refined, with the pose of a model or without.
+    SymmetricFreedom Freedom(bool pose) const {
+        return {.pose = pose,
+                .axis = !axis && !frame,
+                .turn = !frame,
+                .centre = !centre && !frame,
+                .helix = !frame};
+    }
+    /// Whether axis and centre are held, so that nothing is left to be chosen among many.
+    bool IsHeld() const { return frame || (symmetry && axis && centre); }
     bool IsAnyHelix() const { return symmetry && symmetry->IsHelical() && symmetry->rise == 0; }
 };
 

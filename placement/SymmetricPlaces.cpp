@@ -115,7 +115,7 @@ public:
     void Expand(PlacementResult &result, UsedSymmetry &used) const {
         const Volume finest = Finest();
         std::vector<Place> copies, others;
-        SymmetricFreedom freedom{.axis = !m_request.axis, .centre = !m_request.centre};
+        SymmetricFreedom freedom = m_request.Freedom(true);
         for (const Place &place : result.places) {
             if (place.otherTurn || place.probability < declared) {
                 others.push_back(place);
@@ -124,7 +124,7 @@ public:
             const SymmetricPose refined = Refined(finest, place.pose, used, freedom);
             used.symmetry = refined.symmetry;
             used.frame = refined.frame;
-            freedom = {.axis = false, .centre = false, .helix = false};
+            freedom = {.axis = false, .turn = false, .centre = false, .helix = false};
             AddCopies(place, refined.pose, used, copies);
             ++used.places;
         }

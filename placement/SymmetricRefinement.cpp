@@ -48,8 +48,8 @@ public:
             sum.rise += op.steps * Dot(axis, g.byShift);
             sum.twist += op.steps * Dot(axis, g.byRotation + Cross(copy.centre - at.frame.centre, g.byShift));
         }
-        if (!m_job.freedom.axis)
-            sum.frameTurn = Dot(axis, sum.frameTurn) * axis;
+        const Point aboutAxis = Dot(axis, sum.frameTurn) * axis, ofAxis = sum.frameTurn - aboutAxis;
+        sum.frameTurn = (m_job.freedom.turn ? 1 : 0) * aboutAxis + (m_job.freedom.axis ? 1 : 0) * ofAxis;
         state.gradient = AsLengths(sum);
         state.at.score = state.score;
         return state;

@@ -18,7 +18,8 @@ struct SymmetricPose {
 /// What may move while a symmetric pose is refined.
 struct SymmetricFreedom {
     bool pose = true;
-    bool axis = true; ///< the main axis' direction; a frame whose axis is held may still turn about it
+    bool axis = true; ///< the main axis' direction
+    bool turn = true; ///< of the frame about the main axis
     bool centre = true;
     bool helix = true; ///< rise and twist
 };

@@ -97,7 +97,7 @@ TEST(SymmetricRefinement, WhatMayNotMoveStays) {
     SymmetricPose start = assembly.Truth();
     start.pose.centre = start.pose.centre + Point{2, 1, 1};
     SymmetricJob job = assembly.Job(points);
-    job.freedom = {.pose = true, .axis = false, .centre = false, .helix = false};
+    job.freedom = {.pose = true, .axis = false, .turn = false, .centre = false, .helix = false};
     SymmetricPose end = RefineSymmetric(job, start, {50, 0.5, 2});
     EXPECT_EQ(end.symmetry.rise, 22);
     EXPECT_EQ(end.symmetry.twist, -50);
