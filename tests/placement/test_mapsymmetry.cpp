@@ -20,7 +20,9 @@ MapSymmetry FindIn(const Volume &map, const SymmetryRequest &request = {}) {
 }
 
 SymmetryRequest Asked(const char *name) {
-    return {ReadSymmetry(name), {}, {}};
+    SymmetryRequest request;
+    request.symmetry = ReadSymmetry(name);
+    return request;
 }
 
 class GroupOfMap : public testing::TestWithParam<const char *> {};
@@ -106,6 +108,21 @@ TEST(MapSymmetry, AxisAndCentreThatAreHeldStay) {
         EXPECT_LT(assembly.AngleFromMainAxis(found.frame), 1e-3) << name;
         EXPECT_EQ(Length(found.frame.centre - assembly.frame.centre), 0) << name;
     }
+}
+
+TEST(MapSymmetry, AFrameThatIsHeldStaysAndNeedsLessEvidence) {
+    const SyntheticAssembly assembly("D3", 80, 2);
+    const Volume map = NoisyMap(assembly, 1, 1);
+    const MapSymmetry free = FindIn(map, Asked("D3"));
+    SymmetryRequest request = Asked("D3");
+    request.frame = assembly.frame;
+    const MapSymmetry held = FindIn(map, request);
+    EXPECT_TRUE(held.found);
+    EXPECT_EQ(held.frame.rotation, assembly.frame.rotation);
+    EXPECT_EQ(Length(held.frame.centre - assembly.frame.centre), 0);
+    EXPECT_LT(held.logExpected, free.logExpected);
+    request.frame->rotation = RotationBy({0.5, 0.2, 0.1}) * request.frame->rotation;
+    EXPECT_FALSE(FindIn(map, request).found);
 }
 
 TEST(MapSymmetry, AnAxisThatIsHeldAloneLeavesTheGroupOpen) {
