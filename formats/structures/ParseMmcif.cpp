@@ -1,9 +1,8 @@
 #include "base/Numbers.h"
 #include "base/Words.h"
 #include "formats/files/FileError.h"
+#include "formats/structures/MmcifDocument.h"
 #include "formats/structures/ParsedModel.h"
-
-#include <gemmi/cif.hpp>
 
 #include <cmath>
 #include <limits>
@@ -17,28 +16,6 @@ namespace {
 using gemmi::cif::Block;
 using gemmi::cif::Document;
 using gemmi::cif::Table;
-
-/// What the parser says where a rule of the format has words of its own for it; else the text that fits no
-/// rule, since the parser then names the rules themselves.
-std::string ProblemOf(const tao::pegtl::parse_error &error, std::string_view text) {
-    std::string message(error.message());
-    if (!message.starts_with("parse error"))
-        return message;
-    const std::string_view rest = text.substr(std::min(error.positions().front().byte, text.size()));
-    return base::Quoted(rest.substr(0, rest.find_first_of("\r\n"))) + " cannot stand here in mmCIF";
-}
-
-Document ReadDocument(const std::string &file, std::string_view text) {
-    Document document;
-    try {
-        tao::pegtl::memory_input<> input(text.data(), text.size(), file);
-        gemmi::cif::parse_input(document, input);
-    } catch (const tao::pegtl::parse_error &error) {
-        throw FileError(file, "line " + std::to_string(error.positions().front().line),
-                        ProblemOf(error, text));
-    }
-    return document;
-}
 
 /// The value without its quotes; empty where it is absent, unknown or inapplicable.
 std::string Value(const Table::Row &row, int column) {
@@ -247,7 +224,7 @@ bool HasAtoms(Block &block) {
 } // namespace
 
 ParsedModel ParseMmcif(const std::string &file, std::string_view text) {
-    Document document = ReadDocument(file, text);
+    Document document = ParseDocument(file, text);
     const auto first = std::ranges::find_if(document.blocks, HasAtoms);
     if (first == document.blocks.end())
         FailWithoutAtoms(file, document);
