@@ -47,6 +47,9 @@ constexpr double coarseWidth = 0.45, coarseVoxel = 0.45;
 /// Voxels of the levels in between and of the finest one, of the level's width: linear interpolation between
 /// them costs the finest no hundredth of its score.
 constexpr double levelVoxel = 1, finestVoxel = 0.83;
+/// Maps of more voxels than this are searched in voxels that are no finer than their own: what places score
+/// then differs by a few percent, and the search takes three times the map's memory instead of four.
+constexpr std::size_t largeMap = 1 << 20;
 /// Voxels need not be finer than this part of the shortest wave that the map has.
 constexpr double voxelPerWave = 0.33;
 /// Levels wider than this, Å, see no more than the scan's points; residues are 3.8 Å apart.

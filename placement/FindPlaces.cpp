@@ -305,7 +305,11 @@ private:
     }
 
     Volume MakeFinest(const RadialCurve &filter) const {
-        Volume finest = MakeLevel(filter, finestVoxel * finestWidth * m_parameters.resolution);
+        double voxel = finestVoxel * finestWidth * m_parameters.resolution;
+        // Of a large map, finer voxels than its own would take more memory than the map itself.
+        if (m_map.count[0] * m_map.count[1] * m_map.count[2] > largeMap)
+            voxel = std::max(voxel, *std::ranges::min_element(m_map.spacing));
+        Volume finest = MakeLevel(filter, voxel);
         ScaleToUnitPower(finest, m_parameters.threads);
         return finest;
     }

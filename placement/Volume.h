@@ -25,7 +25,7 @@ struct UnfilledMemory : std::allocator<Value> {
     }
 };
 
-/// Many numbers; resize(n) does not fill them in.
+/// Many numbers; resize(n) does not fill them in, assign(n, 0) does.
 template <class Number>
 using LargeVector = std::vector<Number, UnfilledMemory<Number>>;
 

@@ -169,7 +169,7 @@ TEST(FindPlaces, AConstantMapHasNoPlace) {
 }
 
 TEST(FindPlaces, NoiseAloneIsNoPlace) {
-    Volume map{{36, 36, 36}, {2, 2, 2}, {}, LargeVector<float>(46656)};
+    Volume map{{36, 36, 36}, {2, 2, 2}, {}, LargeVector<float>(46656, 0)};
     std::mt19937 random(1);
     std::normal_distribution<float> normal;
     for (float &value : map.values)
@@ -357,7 +357,7 @@ TEST(RefinePlace, OneAtomAModelOutsideOfTheMapAndAConstantMapAreNoError) {
 }
 
 TEST(FindPlaces, RefusesWhatHasNoMeaning) {
-    const Volume map{{4, 4, 4}, {2, 2, 2}, {}, LargeVector<float>(64)};
+    const Volume map{{4, 4, 4}, {2, 2, 2}, {}, LargeVector<float>(64, 0)};
     EXPECT_THROW(Find(map, {}, 8), std::invalid_argument);
     EXPECT_THROW(Find(map, RandomModel(5, 1), 0), std::invalid_argument);
     EXPECT_THROW(Find(map, RandomModel(5, 1), NAN), std::invalid_argument);

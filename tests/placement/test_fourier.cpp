@@ -117,7 +117,7 @@ TEST(Fourier, ThreadsGiveTheSameBytes) {
 
 TEST(Fourier, BetweenVoxelsAWaveKeepsItsAmplitudeWhereItIsInterpolated) {
     // A cosine of 4 periods, on 16 voxels.
-    Volume volume{{64, 4, 4}, {0.5, 0.5, 0.5}, {}, LargeVector<float>(1024)};
+    Volume volume{{64, 4, 4}, {0.5, 0.5, 0.5}, {}, LargeVector<float>(1024, 0)};
     const auto wave = [](double part) { return std::cos(2 * std::numbers::pi * 4 * part); };
     for (std::size_t i = 0; i < 1024; ++i)
         volume.values[i] = float(wave(double(i % 64) / 64));

@@ -12,7 +12,7 @@ namespace {
 
 /// White noise on a lattice of 1 Å.
 Volume Noise(std::size_t edge) {
-    Volume map{{edge, edge, edge}, {1, 1, 1}, {}, LargeVector<float>(edge * edge * edge)};
+    Volume map{{edge, edge, edge}, {1, 1, 1}, {}, LargeVector<float>(edge * edge * edge, 0)};
     std::mt19937 random(7);
     std::normal_distribution<float> normal;
     for (float &value : map.values)

@@ -18,7 +18,7 @@ const std::vector<ModelAtom> &Atoms() {
 Volume LargeMap() {
     const Volume small = DensityOf(Atoms(), 8, {2, 2, 2}, 12);
     Volume large{{90, 80, 85}, small.spacing, small.origin - Point{20, 60, 40}, {}};
-    large.values.resize(large.count[0] * large.count[1] * large.count[2]);
+    large.values.assign(large.count[0] * large.count[1] * large.count[2], 0);
     for (std::size_t k = 0; k < small.count[2]; ++k)
         for (std::size_t j = 0; j < small.count[1]; ++j)
             for (std::size_t i = 0; i < small.count[0]; ++i)

@@ -7,7 +7,7 @@
 using namespace placement;
 
 TEST(VolumeView, APartHasItsVoxelsAtTheirPositions) {
-    Volume volume{{4, 3, 5}, {1, 2, 3}, {10, 20, 30}, LargeVector<float>(60)};
+    Volume volume{{4, 3, 5}, {1, 2, 3}, {10, 20, 30}, LargeVector<float>(60, 0)};
     std::iota(volume.values.begin(), volume.values.end(), 0.0f);
     const VolumeView whole = volume, part = whole.Part({1, 1, 2}, {2, 2, 3});
     EXPECT_EQ(part.origin.x, 11);
