@@ -2,7 +2,7 @@
 
     bench/placement/run [--short | --tiny] [--section NAME]... [--program FILE] [--data FOLDER] [--out FOLDER]
 
-Sections: shared, refine, screen, growth, neighbours, hands, calibration, test. `calibration` and `test` are made maps
+Sections: shared, refine, screen, growth, neighbours, hands, assemblies, calibration, test. `calibration` and `test` are made maps
 of different structures; every run of theirs is a line of runs.csv in the folder --out, and is not repeated while it
 stands there. The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the
 chains of the bundled example.
@@ -12,6 +12,7 @@ import argparse
 import os
 import sys
 
+import assembled
 import context
 import diagram
 import growth
@@ -21,7 +22,7 @@ import structures
 import tables
 from runs import Program
 
-SECTIONS = ("shared", "refine", "screen", "growth", "neighbours", "hands", "calibration", "test")
+SECTIONS = ("shared", "refine", "screen", "growth", "neighbours", "hands", "assemblies", "calibration", "test")
 TREATMENTS_IN_SHORT = ("plain", "too tight mask", "bent model")
 
 
@@ -88,6 +89,7 @@ def main():
                                         arguments.short),
         "neighbours": lambda: context.neighbours(program, arguments.data, say, 1 if arguments.short else 3),
         "hands": lambda: context.hands(program, arguments.data, say, 1 if arguments.short else 3),
+        "assemblies": lambda: assembled.assemblies(program, data=arguments.data, write=say, short=arguments.short),
         "calibration": lambda: made_maps(program, arguments.data, "calibration", arguments.short),
         "test": lambda: made_maps(program, arguments.data, "test", arguments.short),
     }
