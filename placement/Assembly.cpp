@@ -42,6 +42,7 @@ public:
             m_models.push_back(MakePointModel(part.atoms));
         m_result.parts.resize(parts.size());
         m_takers.resize(parts.size());
+        m_unsure.resize(parts.size());
         for (const PointModel &a : m_models)
             for (std::vector<bool> &row = m_areEqual.emplace_back(); const PointModel &b : m_models)
                 row.push_back(AreEqual(a.points, b.points, equalTurnRmsd));
@@ -64,13 +65,15 @@ public:
 private:
     /// Places what is sure beside what is placed, until nothing more is.
     void Grow() {
-        while (true) {
-            const std::vector<Claim> chosen = MostProbable(ClaimsOfAll());
-            if (chosen.empty())
-                return;
-            for (const Claim &claim : chosen)
-                m_placed.push_back(claim);
+        while (Place(ClaimsOfAll()) || Place(ClaimsAlone())) {
         }
+    }
+
+    /// Whether any of the claims is placed.
+    bool Place(std::vector<Claim> claims) {
+        const std::vector<Claim> chosen = MostProbable(std::move(claims));
+        m_placed.insert(m_placed.end(), chosen.begin(), chosen.end());
+        return !chosen.empty();
     }
 
     /// The sure places of all parts of which copies are wanted.
@@ -84,17 +87,47 @@ private:
                 continue;
             const JudgedPlaces found = Search(part, neighbours, CopiesBut(m_placed.size()));
             NoteWhatIsLeft(part, found);
-            if (!found.cancelled && found.verdict != Verdict::NotJudged)
-                for (const JudgedPlace &judged : found.places)
-                    AddSure({part, m_models[part], judged}, claims);
+            m_unsure[part] = BestFree(part, found);
+            AddClaims(part, found, claims);
         }
         return claims;
     }
 
+    /// The best places that nothing placed takes, sure or not.
+    std::vector<Pose> BestFree(std::size_t part, const JudgedPlaces &found) const {
+        std::vector<Pose> poses;
+        for (const JudgedPlace &judged : found.places)
+            if (poses.size() < unsurePlaces && IsFree({part, m_models[part], judged}))
+                poses.push_back(judged.place.pose);
+        return poses;
+    }
+
+    /// What is found beside other parts only may be a place that a search of the whole map missed, and that
+    /// is sure among the many wrong ones there: what the others leave holds few to compare with.
+    std::vector<Claim> ClaimsAlone() {
+        std::vector<Claim> claims;
+        for (std::size_t part = 0; part < m_parts.size(); ++part)
+            if (Wanted(part) > 0 && !m_placed.empty() && !m_monitor.IsCancelled())
+                AddClaims(part,
+                          Search(part, m_parameters.neighbours, CopiesBut(m_placed.size()), m_unsure[part]),
+                          claims);
+        return claims;
+    }
+
+    void AddClaims(std::size_t part, const JudgedPlaces &found, std::vector<Claim> &claims) {
+        if (!found.cancelled && found.verdict != Verdict::NotJudged)
+            for (const JudgedPlace &judged : found.places)
+                AddSure({part, m_models[part], judged}, claims);
+    }
+
+    bool IsFree(const Claim &claim) const {
+        return !Exclude(claim.residues, m_standing) &&
+               std::ranges::none_of(m_placed, [&](const Claim &placed) { return Clash(claim, placed); });
+    }
+
     /// Adds a claim that is sure, lies in the map, and is not taken by what is placed.
     void AddSure(Claim claim, std::vector<Claim> &claims) {
-        if (claim.Probability() < declared || Exclude(claim.residues, m_standing) ||
-            std::ranges::any_of(m_placed, [&](const Claim &placed) { return Clash(claim, placed); }))
+        if (claim.Probability() < declared || !IsFree(claim))
             return;
         const auto inBox = std::ranges::count_if(claim.residues, [&](const Point &p) { return IsInBox(p); });
         if (double(inBox) < minInBox * double(claim.residues.size()))
@@ -166,7 +199,7 @@ private:
 
     /// Searches for a part beside what is in place.
     JudgedPlaces Search(std::size_t part, const std::vector<ModelAtom> &neighbours,
-                        const std::vector<PartInPlace> &copies) {
+                        const std::vector<PartInPlace> &copies, const std::vector<Pose> &starts = {}) {
         ++m_result.searches;
         // How many searches there will be is not known: each takes a part of what is left.
         const double begin = m_share;
@@ -176,7 +209,8 @@ private:
                                               {.resolution = m_parameters.resolution,
                                                .threads = m_parameters.threads,
                                                .region = {},
-                                               .neighbours = neighbours},
+                                               .neighbours = neighbours,
+                                               .starts = starts},
                                               monitor);
         if (!m_parameters.connections.empty())
             CountConnections(part, copies, found.places);
@@ -331,7 +365,8 @@ private:
     std::vector<std::set<std::size_t>> m_takers; ///< of each part, those that stand in its sure places
     std::vector<Point> m_standing;               ///< residues of what is in place already
     std::vector<Claim> m_placed;
-    double m_share = 0; ///< of the work that is done
+    std::vector<std::vector<Pose>> m_unsure; ///< of each part, the best free places of its last search
+    double m_share = 0;                      ///< of the work that is done
     AssemblyResult m_result;
 };
 

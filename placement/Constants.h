@@ -140,6 +140,8 @@ constexpr double connectionOdds = 20;
 constexpr double rivalOdds = 1.0 / 19;
 /// A copy of which less than this part lies in the map's box is not placed: what is cut off cannot be seen.
 constexpr double minInBox = 0.75;
+/// Places found beside other parts that are judged once more among all places of the map.
+constexpr std::size_t unsurePlaces = 5;
 /// Residues nearer than this to one of another body are pushed apart while bodies are refined together, Å, by
 /// a penalty of this many standard deviations of the filtered map at each of their electrons where they meet.
 constexpr double softDistance = 4, clashStrength = 30;

@@ -136,9 +136,10 @@ public:
         JudgedPlaces all;
         if (m_spectrum.strongest > 0) {
             m_monitor.Advance(transformEnd);
-            const std::vector<Pose> candidates = Scan();
-            all.places =
-                JudgeAll(Distinct(m_model, candidates, samePlace * m_parameters.resolution, refinedPoses));
+            std::vector<Pose> starts =
+                Distinct(m_model, Scan(), samePlace * m_parameters.resolution, refinedPoses);
+            starts.insert(starts.end(), m_parameters.starts.begin(), m_parameters.starts.end());
+            all.places = JudgeAll(starts);
         }
         if (!all.places.empty())
             all.verdict = VerdictOf(all.places.front().confidence);

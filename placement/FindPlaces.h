@@ -16,6 +16,7 @@ struct PlacementParameters {
     /// Motions that lay the map upon itself, the one that moves nothing among them. Places that they bring
     /// upon one another are one, and no place overlaps its own copies without being them.
     std::vector<Motion> mates{};
+    std::vector<Pose> starts{}; ///< that are refined with what FindJudgedPlaces finds itself
 };
 
 /// One place that a search found.
