@@ -66,6 +66,40 @@ PlacementResult FindBeside(const std::vector<ModelAtom> &neighbours, const Volum
 
 } // namespace
 
+TEST(FindJudgedPlaces, JudgesTheFirstPlaceAsASearchDoes) {
+    const TwoCopies copies;
+    Monitor silent;
+    const PlacementResult search = Find(copies.map, copies.first.model, 8);
+    const JudgedPlaces judged =
+        FindJudgedPlaces(copies.map, copies.first.model, {.resolution = 8, .region = {}}, silent);
+    ASSERT_GT(judged.places.size(), search.places.size()) << "those that overlap a better one too";
+    EXPECT_EQ(judged.verdict, search.verdict);
+    EXPECT_EQ(judged.places.front().confidence.logExpected, search.confidence.logExpected);
+    EXPECT_EQ(judged.places.front().confidence.probability, search.confidence.probability);
+    EXPECT_EQ(judged.places.front().place.translation.x, search.places.front().translation.x);
+    // The second copy is as sure, other places are not.
+    EXPECT_GT(judged.places[1].confidence.probability, 0.95);
+    for (const JudgedPlace &place : std::span(judged.places).subspan(2))
+        EXPECT_LT(place.confidence.probability, 0.5);
+}
+
+TEST(FindJudgedPlaces, RefinesTheStartsThatItIsGiven) {
+    class Cancelled : public Monitor {
+        bool IsCancelled() override { return true; }
+    };
+    const Complex complex;
+    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    const Point centre = complex.rotation * MakePointModel(complex.model).centre + complex.translation;
+    PlacementParameters parameters{.resolution = 8, .region = {}};
+    Cancelled cancelled;
+    EXPECT_TRUE(FindJudgedPlaces(map, complex.model, parameters, cancelled).places.empty());
+    parameters.starts = {{complex.rotation, centre}};
+    const JudgedPlaces found = FindJudgedPlaces(map, complex.model, parameters, cancelled);
+    ASSERT_EQ(found.places.size(), 1u);
+    EXPECT_LT(complex.Error(found.places.front().place), 0.01);
+    EXPECT_TRUE(found.cancelled);
+}
+
 TEST(FindPlaces, AModelIsFoundWithoutAStart) {
     const Complex complex;
     const PlacementResult result = Find(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model, 8);
