@@ -6,14 +6,27 @@
 #include "cli/Command.h"
 #include "cli/Diagnostics.h"
 #include "cli/StopSignals.h"
+#include "formats/files/FileError.h"
 #include "hosts/common/AssemblyOutput.h"
+#include "hosts/common/MapInMap.h"
 
 using namespace cli;
 using namespace hosts;
 
 namespace batch {
 
+namespace {
+
+void RefuseMaps(const std::vector<PartOptions> &parts) {
+    for (const PartOptions &part : parts)
+        if (IsMapFile(part.file))
+            throw formats::FileError(part.file, "", "is a map; copies and several models are of structures");
+}
+
+} // namespace
+
 int Assemble(const PlaceOptions &options) {
+    RefuseMaps(options.parts);
     const PlaceInput input = ReadPlaceInput(options, Warn);
     CheckAssemblyOutputs(options);
     AssemblyRecord record = MakeAssemblyRecord(options, input);

@@ -79,6 +79,8 @@ Command PlaceCommand() {
             "(exit status 0).\n\n"
             "Scores are log-likelihood ratios, sums of a filtered map at two points for each residue; the "
             "probability compares the best score with those of the wrong places of the same search.\n\n"
+            "Several models, or several copies of one, are placed together as an assembly without clashes: each "
+            "copy with its own probability, and parts that cannot be placed are named.\n\n"
             "What was read, a forecast, the verdict and a table of the ten best places go to standard output. "
             "Progress goes to standard error. Ctrl-C, SIGTERM and SIGHUP stop the search, and what it has found is "
             "written (exit status 130, 143 and 129). A second signal ends the program at once.",

@@ -121,8 +121,8 @@ std::vector<PartOptions> Parts(const Arguments &arguments) {
     if (parts.size() == 1 && !isCounted &&
         std::ranges::none_of(std::array{"--copies", "--assembly", "--rest", "--max-distance"}, isGiven))
         return {};
-    for (const char *option :
-         {"--near", "--refine", "--region", "--hands", "--results", "--models", "--model-prefix"})
+    for (const char *option : {"--near", "--refine", "--region", "--hands", "--results", "--models",
+                               "--model-prefix", "--moved-map"})
         if (arguments.Has(option))
             throw std::runtime_error(std::string(option) +
                                      " is of the places of one model, and not for copies or several models");

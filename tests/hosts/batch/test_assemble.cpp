@@ -268,6 +268,8 @@ TEST_F(Assemble, RefusesWhatMakesNoAssembly) {
               "--model: a.pdb is given twice; a.pdb=2 places two copies\n");
     EXPECT_THAT(errorOf({"--model", "a.pdb=2", "--hands"}), HasSubstr("--hands is"));
     EXPECT_THAT(errorOf({"--model", "none.pdb=2"}), HasSubstr("none.pdb"));
+    EXPECT_THAT(errorOf({"--model", Example("1tii_8A.mrc"), "--copies", "2"}),
+                HasSubstr("1tii_8A.mrc: is a map; copies and several models are of structures"));
     EXPECT_THAT(errorOf({"--model", m_model + "=2", "--assembly", m_model}),
                 HasSubstr("1tii_D_displaced.pdb"));
 }
