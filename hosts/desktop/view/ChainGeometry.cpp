@@ -105,19 +105,19 @@ vtkSmartPointer<vtkPolyData> LinesOf(const std::vector<std::vector<Station>> &tr
 
 } // namespace
 
-vtkSmartPointer<vtkPolyData> TubeOf(const Compound &chain, double radius, const ResidueFilter &takes) {
+vtkSmartPointer<vtkPolyData> TubeOf(const Compound &chain, double radius, const ResidueFilter &takes,
+                                    const TubeDetail &detail) {
     const auto traces = Taken(TracesOf(chain), takes);
     if (traces.empty())
         return vtkSmartPointer<vtkPolyData>::New();
     vtkNew<vtkSplineFilter> spline;
     spline->SetInputData(LinesOf(traces));
     spline->SetSubdivideToLength();
-    constexpr double smoothness = 0.9; // Å between the rings of the tube
-    spline->SetLength(smoothness);
+    spline->SetLength(detail.length);
     vtkNew<vtkTubeFilter> tube;
     tube->SetInputConnection(spline->GetOutputPort());
     tube->SetRadius(radius);
-    tube->SetNumberOfSides(8);
+    tube->SetNumberOfSides(detail.sides);
     tube->CappingOn();
     tube->Update();
     return tube->GetOutput();

@@ -84,7 +84,9 @@ void DrawnChain::UpdateLook(const Document &document) {
 
 void DrawnChain::MakeTube(const ChainLook &look) {
     vtkNew<vtkPolyDataMapper> mapper;
-    mapper->SetInputData(TubeOf(m_chain, tubeRadius));
+    m_fine = TubeOf(m_chain, tubeRadius);
+    m_coarse = nullptr;
+    mapper->SetInputData(m_fine);
     mapper->SetScalarVisibility(look.rainbow);
     mapper->SetLookupTable(Rainbow());
     mapper->SetScalarRange(0, 1);
@@ -95,10 +97,27 @@ void DrawnChain::MakeTube(const ChainLook &look) {
 }
 
 void DrawnChain::MakeAtoms() {
+    m_fine = nullptr;
     vtkNew<vtkMoleculeMapper> mapper;
     mapper->SetInputData(AtomsOf(m_chain));
     mapper->UseBallAndStickSettings();
     m_actor->SetMapper(mapper);
+}
+
+void DrawnChain::SetCoarse(bool coarse) {
+    if (!m_fine)
+        return;
+    if (coarse && !m_coarse)
+        m_coarse = TubeOf(m_chain, tubeRadius, {}, coarseTube);
+    static_cast<vtkPolyDataMapper *>(m_actor->GetMapper())->SetInputData(coarse ? m_coarse : m_fine);
+    m_mark->SetVisibility(!coarse);
+}
+
+std::optional<std::array<double, 6>> DrawnChain::Box() const {
+    std::array<double, 6> box{};
+    const double *bounds = m_actor->GetBounds();
+    std::copy_n(bounds, box.size(), box.begin());
+    return box;
 }
 
 /// Of a selected chain every residue counts as selected.
@@ -194,6 +213,19 @@ void DrawnMap::UpdateSelection() {
     mapper->SetInputConnection(outline->GetOutputPort());
     m_frame->SetMapper(mapper);
     Put(m_frame);
+}
+
+void DrawnMap::SetCoarse(bool coarse) {
+    if (auto *mapper = static_cast<vtkPolyDataMapper *>(m_actor->GetMapper()))
+        mapper->SetInputData(coarse ? m_surface->CoarseSurface() : m_surface->Surface());
+}
+
+std::optional<std::array<double, 6>> DrawnMap::Box() const {
+    if (!m_surface->Surface() || m_surface->Surface()->GetNumberOfPoints() == 0)
+        return {};
+    std::array<double, 6> box{};
+    m_surface->Surface()->GetBounds(box.data());
+    return box;
 }
 
 bool DrawnMap::IsUpToDate() const {

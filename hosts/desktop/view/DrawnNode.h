@@ -5,9 +5,14 @@
 #include <vtkActor.h>
 #include <vtkImageSlice.h>
 #include <vtkNew.h>
+#include <vtkPolyData.h>
 #include <vtkRenderer.h>
 #include <vtkSmartPointer.h>
 
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
@@ -28,6 +33,10 @@ public:
     virtual void UpdateLook(const Document &document) = 0;
     virtual void UpdateSelection() = 0;
     virtual bool IsUpToDate() const { return true; }
+    /// Around what is drawn: least and greatest x, y, z, Å; not set where that is not known yet.
+    virtual std::optional<std::array<double, 6>> Box() const = 0;
+    /// Draws with less detail or with all of it.
+    virtual void SetCoarse(bool coarse) = 0;
 
 protected:
     void Put(vtkProp *prop);
@@ -44,6 +53,8 @@ public:
 
     void UpdateLook(const Document &document) override;
     void UpdateSelection() override;
+    void SetCoarse(bool coarse) override;
+    std::optional<std::array<double, 6>> Box() const override;
 
 private:
     void MakeTube(const ChainLook &look);
@@ -53,6 +64,8 @@ private:
     std::optional<ChainLook> m_look;
     std::size_t m_residues = 0; ///< that are drawn
     vtkNew<vtkActor> m_actor, m_mark;
+    vtkSmartPointer<vtkPolyData> m_fine,
+        m_coarse; ///< tubes; null where atoms are drawn, or until it is needed
     std::unordered_set<const VARNO::Compound *> m_marked; ///< residues whose selection is drawn
 };
 
@@ -66,6 +79,9 @@ public:
     void UpdateLook(const Document &document) override;
     void UpdateSelection() override;
     bool IsUpToDate() const override;
+    void SetCoarse(bool coarse) override;
+    /// The surface's, since a map is often much larger than what lies in it.
+    std::optional<std::array<double, 6>> Box() const override;
 
 private:
     void UpdateSlice(const MapLook &look, const formats::MapStatistics &statistics);

@@ -108,6 +108,8 @@ void Isosurface::Take() {
     const Work done = *m_running;
     m_running.reset();
     m_surface = m_watcher.result();
+    if (done.coarse)
+        m_coarse = m_surface;
     emit changed();
     if (m_asked) {
         const Work next = *m_asked;

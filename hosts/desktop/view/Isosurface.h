@@ -37,6 +37,8 @@ public:
     void SetLevel(double value);
     /// The last surface that was made; null before the first.
     vtkPolyData *Surface() const { return m_surface; }
+    /// The coarse one of a large map, else the same.
+    vtkPolyData *CoarseSurface() const { return m_coarse ? m_coarse : m_surface; }
     /// Whether the surface is the full one of the level that was asked for last.
     bool IsUpToDate() const { return !m_asked && !m_running && !m_rest.isActive(); }
 
@@ -57,7 +59,7 @@ private:
     std::shared_ptr<const VARNO::Grid> m_thinned; ///< null for a small map
     std::optional<Work> m_asked;                  ///< waits for what is being made
     std::optional<Work> m_running;
-    vtkSmartPointer<vtkPolyData> m_surface;
+    vtkSmartPointer<vtkPolyData> m_surface, m_coarse;
     QTimer m_rest; ///< runs from a coarse surface to the full one
     double m_value = 0;
     QFutureWatcher<vtkSmartPointer<vtkPolyData>> m_watcher;

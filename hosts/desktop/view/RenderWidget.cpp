@@ -1,5 +1,6 @@
 #include "view/RenderWidget.h"
 
+#include <QElapsedTimer>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 #include <QSurfaceFormat>
@@ -13,6 +14,9 @@ namespace {
 
 /// Layers of translucent surfaces that are told apart.
 constexpr int maxPeels = 6;
+
+/// A picture that would take longer is not drawn with them.
+constexpr double maxExactSeconds = 1;
 
 } // namespace
 
@@ -45,9 +49,9 @@ void RenderWidget::SetDefaultFormat() {
     QSurfaceFormat::setDefaultFormat(format);
 }
 
-void RenderWidget::SetExactTransparency(bool exact) {
-    m_renderer->SetUseDepthPeeling(exact);
-    update();
+/// Each layer is another picture.
+bool RenderWidget::MayBeExact() const {
+    return !m_isMoving && m_seconds >= 0 && m_seconds * maxPeels < maxExactSeconds;
 }
 
 void RenderWidget::initializeGL() {
@@ -68,9 +72,18 @@ void RenderWidget::paintGL() {
     state->Reset();
     state->Push();
     m_renderer->ResetCameraClippingRange();
+    m_isExact = m_wantsExact && MayBeExact();
+    m_renderer->SetUseDepthPeeling(m_isExact);
+    QElapsedTimer timer;
+    timer.start();
     m_window->Render();
     Blit();
+    context()->functions()->glFinish();
+    if (!m_isExact && !m_isMoving)
+        m_seconds = double(timer.nsecsElapsed()) * 1e-9;
     state->Pop();
+    if (IsProvisional())
+        update();
 }
 
 void RenderWidget::Blit() {

@@ -22,7 +22,15 @@ public:
 
     vtkRenderer *Renderer() { return m_renderer; }
     /// Draws translucent surfaces one behind the other as they lie, which takes several times as long.
-    void SetExactTransparency(bool exact);
+    void SetExactTransparency(bool exact) { m_wantsExact = exact; }
+    /// While the camera moves there is no time for that.
+    void SetMoving(bool moving) { m_isMoving = moving; }
+    /// What is drawn has changed: how long it takes is not known any more.
+    void ForgetPace() { m_seconds = -1; }
+    /// How long the last picture in full detail took, without exact transparency; negative where not known.
+    double Seconds() const { return m_seconds; }
+    /// Whether the last picture is to be followed by a better one.
+    bool IsProvisional() const { return m_wantsExact && !m_isExact && MayBeExact(); }
 
 protected:
     void initializeGL() override;
@@ -35,10 +43,13 @@ private:
     void TellThatItIsSo(vtkObject *caller, unsigned long event, void *answer);
     void LeaveContext();
     void Blit();
+    bool MayBeExact() const;
 
     vtkNew<vtkGenericOpenGLRenderWindow> m_window;
     vtkNew<vtkRenderer> m_renderer;
     QMetaObject::Connection m_contextDies;
+    bool m_wantsExact = false, m_isExact = false, m_isMoving = false;
+    double m_seconds = -1;
 };
 
 } // namespace desktop

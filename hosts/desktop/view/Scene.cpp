@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 using namespace VARNO;
 
@@ -22,27 +23,20 @@ namespace {
 
 using Bounds = std::array<double, 6>;
 
-void Widen(std::optional<Bounds> &box, const Vertex &by) {
-    if (!box)
-        box =
-            Bounds{double(by[0]), double(by[0]), double(by[1]), double(by[1]), double(by[2]), double(by[2])};
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        (*box)[2 * axis] = std::min((*box)[2 * axis], double(by[axis]));
-        (*box)[2 * axis + 1] = std::max((*box)[2 * axis + 1], double(by[axis]));
-    }
+Bounds BoxOf(const Grid &map) {
+    const auto &n = map.Dimensions();
+    const Vertex first = map.GetPoint(0, 0, 0), last = map.GetPoint(n[0] - 1, n[1] - 1, n[2] - 1);
+    return {double(first[0]), double(last[0]),  double(first[1]),
+            double(last[1]),  double(first[2]), double(last[2])};
 }
 
-void Widen(std::optional<Bounds> &box, const Compound &drawn) {
-    if (const auto *map = dynamic_cast<const Grid *>(&drawn)) {
-        const auto &n = map->Dimensions();
-        Widen(box, map->GetPoint(0, 0, 0));
-        Widen(box, map->GetPoint(n[0] - 1, n[1] - 1, n[2] - 1));
-        return;
+void Widen(std::optional<Bounds> &box, const Bounds &by) {
+    if (!box)
+        box = by;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        (*box)[2 * axis] = std::min((*box)[2 * axis], by[2 * axis]);
+        (*box)[2 * axis + 1] = std::max((*box)[2 * axis + 1], by[2 * axis + 1]);
     }
-    for (const Compound *residue : Below(&drawn))
-        for (const Compound *atom : Below(residue))
-            if (const Vertex at = atom->GetPosition(); at.IsValid())
-                Widen(box, at);
 }
 
 /// What of a chain can be pointed at: residues of a tube, atoms where those are drawn.
@@ -76,12 +70,18 @@ Scene::Scene(Document &document, vtkRenderer &renderer)
 Scene::~Scene() = default;
 
 std::optional<Bounds> Scene::BoxOf(const Document::Nodes &nodes) const {
-    std::optional<Bounds> box, maps;
+    std::optional<Bounds> box;
     for (Compound *node : nodes)
-        for (const Compound *drawn : Drawn(node))
-            if (m_document.IsShown(drawn))
-                Widen(dynamic_cast<const Grid *>(drawn) ? maps : box, *drawn);
-    return box ? box : maps;
+        for (Compound *drawn : Drawn(node)) {
+            const auto made = m_drawn.find(drawn);
+            if (made == m_drawn.end())
+                continue;
+            if (const auto known = made->second->Box())
+                Widen(box, *known);
+            else if (const auto *map = dynamic_cast<const Grid *>(drawn))
+                Widen(box, desktop::BoxOf(*map));
+        }
+    return box;
 }
 
 bool Scene::IsUpToDate() const {
@@ -112,6 +112,12 @@ Compound *Scene::At(double x, double y, int width, int height, double reach) con
         }
     }
     return nearest;
+}
+
+void Scene::SetCoarse(bool coarse) {
+    if (std::exchange(m_isCoarse, coarse) != coarse)
+        for (const auto &[drawn, made] : m_drawn)
+            made->SetCoarse(coarse);
 }
 
 void Scene::ShowDistance(const Compound *from, const Compound *to) {

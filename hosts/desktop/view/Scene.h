@@ -26,8 +26,8 @@ public:
     Scene(Document &document, vtkRenderer &renderer);
     ~Scene() override;
 
-    /// The box around what is shown of these nodes, around the chains where there are any, since a map is
-    /// often much larger than what lies in it: least and greatest x, y, z, Å. Not set where nothing is shown.
+    /// The box around what is shown of these nodes, of a map around its surface: least and greatest x, y, z,
+    /// Å. Not set where nothing is shown.
     std::optional<std::array<double, 6>> BoxOf(const Document::Nodes &nodes) const;
     /// Whether every surface is the one of its map's level.
     bool IsUpToDate() const;
@@ -35,6 +35,9 @@ public:
     /// The residue or atom of a shown chain next to a pixel of a picture of that size, counted from its upper
     /// left corner; null where there is none within `reach` pixels. What lies in front wins.
     VARNO::Compound *At(double x, double y, int width, int height, double reach) const;
+
+    /// Draws large things with less detail, so that a moving camera is followed.
+    void SetCoarse(bool coarse);
 
     /// Draws a line between two positions; none where `from` and `to` are null.
     void ShowDistance(const VARNO::Compound *from, const VARNO::Compound *to);
@@ -57,6 +60,7 @@ private:
     Document &m_document;
     vtkRenderer &m_renderer;
     std::unordered_map<VARNO::Compound *, std::unique_ptr<DrawnNode>> m_drawn;
+    bool m_isCoarse = false;
     vtkNew<vtkActor> m_distance;
     std::vector<vtkSmartPointer<vtkActor>> m_ghosts;
 };

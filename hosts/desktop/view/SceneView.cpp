@@ -23,6 +23,12 @@ namespace {
 /// A click hits what is no farther from it, in pixels of the screen's 100 %.
 constexpr double reach = 12;
 
+/// A camera that has not moved for so long rests.
+constexpr int restMilliseconds = 250;
+
+/// Pictures that take longer are drawn with less detail while the camera moves.
+constexpr double smoothSeconds = 0.05;
+
 /// The platform without screens has no context that a widget could draw with.
 bool PlatformCanDraw() {
     return QGuiApplication::platformName() != "offscreen" && QGuiApplication::platformName() != "minimal";
@@ -63,7 +69,15 @@ SceneView::SceneView(Document &document)
     m_hint->raise();
     SetExactTransparency(true);
     SetDark(false);
-    connect(&m_drawing->scene, &Scene::changed, this, &SceneView::Changed);
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(restMilliseconds);
+    connect(&m_rest, &QTimer::timeout, this, &SceneView::Rest);
+    connect(&m_drawing->scene, &Scene::changed, this, [this] {
+        m_drawing->widget.ForgetPace();
+        if (m_fitsWhenReady && IsUpToDate())
+            FitToView();
+        Changed();
+    });
     connect(&document, &Document::removed, this, [this] { m_from = nullptr; });
     UpdateHint();
 }
@@ -75,6 +89,7 @@ void SceneView::PrepareApplication() {
 }
 
 void SceneView::FitToView() {
+    m_fitsWhenReady = !IsUpToDate();
     FitTo(m_document.Tops());
 }
 
@@ -99,6 +114,7 @@ bool SceneView::IsPerspective() const {
 void SceneView::SetExactTransparency(bool exact) {
     if (m_drawing)
         m_drawing->widget.SetExactTransparency(exact);
+    Changed();
 }
 
 void SceneView::SetDark(bool dark) {
@@ -126,6 +142,7 @@ Viewpoint SceneView::GetViewpoint() const {
 void SceneView::SetViewpoint(const Viewpoint &viewpoint) {
     if (!m_drawing)
         return;
+    m_fitsWhenReady = false;
     vtkCamera *camera = m_drawing->widget.Renderer()->GetActiveCamera();
     camera->SetPosition(viewpoint.position.data());
     camera->SetFocalPoint(viewpoint.focus.data());
@@ -151,7 +168,13 @@ bool SceneView::IsUpToDate() const {
 }
 
 QImage SceneView::Picture() {
-    return m_drawing ? m_drawing->widget.grabFramebuffer() : QImage();
+    if (!m_drawing)
+        return {};
+    Rest();
+    QImage picture = m_drawing->widget.grabFramebuffer();
+    if (m_drawing->widget.IsProvisional())
+        picture = m_drawing->widget.grabFramebuffer();
+    return picture;
 }
 
 bool SceneView::eventFilter(QObject *, QEvent *event) {
@@ -175,7 +198,7 @@ bool SceneView::eventFilter(QObject *, QEvent *event) {
         return false;
     case QEvent::Wheel:
         m_drawing->camera.Zoom(std::pow(1.001, static_cast<QWheelEvent *>(event)->angleDelta().y()));
-        Changed();
+        Moved();
         return true;
     default:
         return false;
@@ -199,6 +222,21 @@ void SceneView::Drag(const QPointF &to) {
         m_drawing->camera.Pan(by, double(width()) / height());
     else
         m_drawing->camera.Rotate(by);
+    Moved();
+}
+
+void SceneView::Moved() {
+    m_fitsWhenReady = false;
+    m_drawing->widget.SetMoving(true);
+    m_drawing->scene.SetCoarse(m_drawing->widget.Seconds() > smoothSeconds);
+    m_rest.start();
+    Changed();
+}
+
+void SceneView::Rest() {
+    m_rest.stop();
+    m_drawing->widget.SetMoving(false);
+    m_drawing->scene.SetCoarse(false);
     Changed();
 }
 

@@ -3,6 +3,7 @@
 #include "document/Document.h"
 
 #include <QImage>
+#include <QTimer>
 #include <QWidget>
 
 #include <array>
@@ -70,6 +71,8 @@ private:
     struct Drawing;
 
     void Changed();
+    void Moved();
+    void Rest();
     void Drag(const QPointF &to);
     void ClickAt(const QPointF &position, bool adds);
     void Measure(VARNO::Compound *node);
@@ -79,6 +82,8 @@ private:
     std::unique_ptr<Drawing> m_drawing; ///< null where nothing can be drawn
     QLabel *m_hint;
     bool m_isMeasuring = false;
+    bool m_fitsWhenReady = false; ///< once all surfaces are there
+    QTimer m_rest;                ///< runs from the last movement of the camera to the picture in full detail
     VARNO::Compound *m_from = nullptr; ///< the first of two positions
     QPointF m_pressed, m_last;
     Qt::MouseButton m_button = Qt::NoButton;

@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDockWidget>
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
@@ -103,3 +104,46 @@ INSTANTIATE_TEST_SUITE_P(EachLook, Screens,
                              return std::string(std::get<0>(look.param) ? "Dark" : "Light") +
                                     std::to_string(std::get<1>(look.param).width());
                          });
+
+/// The pictures of the documentation.
+class Pictures : public Desk {
+protected:
+    void Save(const QImage &picture, const char *name) {
+        EXPECT_FALSE(picture.isNull());
+        const QString screens = qEnvironmentVariable("MORVANEX_SCREENS");
+        EXPECT_TRUE(screens.isEmpty() || picture.save(screens + '/' + name));
+    }
+    void Draw() {
+        window.View().FitToView();
+        WaitUntil([this] { return window.View().IsUpToDate(); });
+        Settle();
+    }
+};
+
+TEST_F(Pictures, OfTheToxinInItsDensity) {
+    Open({Example("1tii_8A.mrc"), Example("1tii.pdb")});
+    window.resize(1000, 760);
+    for (QDockWidget *dock : window.findChildren<QDockWidget *>())
+        dock->hide();
+    Draw();
+    Viewpoint viewpoint = window.View().GetViewpoint();
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        viewpoint.position[axis] += 0.4 * (viewpoint.focus[axis] - viewpoint.position[axis]);
+    window.View().SetViewpoint(viewpoint);
+    Save(window.View().Picture(), "desktop-density.png");
+}
+
+TEST_F(Pictures, OfThePlaces) {
+    window.resize(1280, 800);
+    Open({Example("1tii_8A.mrc"), Example("1tii_D_displaced.pdb")});
+    window.GetDocument().SetShown({Top("1tii_D_displaced")}, false);
+    Click(Child<QPushButton>("placeStart"));
+    WaitUntil([this] { return Child<QPushButton>("placeStart")->isEnabled(); });
+    for (int i = 0; i < 4; ++i) {
+        Child<QTreeWidget>("places")->setCurrentItem(Child<QTreeWidget>("places")->topLevelItem(i));
+        Click(Child<QPushButton>("placeKeep"));
+    }
+    PressKey(Child<QTreeWidget>("places"), Qt::Key_Down);
+    Draw();
+    Save(window.grab().toImage(), "desktop-places.png");
+}

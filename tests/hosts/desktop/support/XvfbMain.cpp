@@ -25,7 +25,7 @@ public:
         int channel[2];
         if (pipe(channel) != 0)
             std::perror("pipe");
-        std::string number = std::to_string(channel[1]), size = "2000x1500x24";
+        std::string number = std::to_string(channel[1]), size = "4000x3000x24";
         std::string words[] = {"Xvfb", "-displayfd", number, "-screen", "0", size, "-nolisten", "tcp"};
         char *arguments[9] = {};
         for (int i = 0; i < 8; ++i)

@@ -30,6 +30,12 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
     }
 
+    /// A chain in one batch, as files and plug-ins add theirs.
+    static Compound *AddChain(const std::string &molecule, const std::string &identifier, int residues) {
+        const DataAdder<Space> batch(Space::instance());
+        return MakeChain(molecule, identifier, residues);
+    }
+
     QImage Settled() {
         WaitUntil([this] { return view.IsUpToDate(); });
         return view.Picture();
@@ -70,19 +76,19 @@ protected:
 TEST_F(SceneViewTest, SaysWhatToDoWhileThereIsNothing) {
     const auto *hint = view.findChild<QLabel *>("sceneHint");
     EXPECT_TRUE(hint->isVisible());
-    MakeChain("one", "A", 10);
+    AddChain("one", "A", 10);
     EXPECT_FALSE(hint->isVisible());
 }
 
 TEST_F(SceneViewTest, DrawsAChainFromBlueToRed) {
-    MakeChain("one", "A", 10);
+    AddChain("one", "A", 10);
     view.FitToView();
     EXPECT_GT(Count(IsBlue), 50);
     EXPECT_GT(Count(IsRed), 50);
 }
 
 TEST_F(SceneViewTest, DrawsAChainInOneColour) {
-    Compound *chain = MakeChain("one", "A", 10);
+    Compound *chain = AddChain("one", "A", 10);
     view.FitToView();
     document.SetLookOfChain(chain, {.rainbow = false, .colour = Qt::red});
     EXPECT_EQ(Count(IsBlue), 0);
@@ -90,7 +96,7 @@ TEST_F(SceneViewTest, DrawsAChainInOneColour) {
 }
 
 TEST_F(SceneViewTest, DrawsAtomsAndBonds) {
-    Compound *chain = MakeChain("one", "A", 10);
+    Compound *chain = AddChain("one", "A", 10);
     view.FitToView();
     const int tube = CountDrawn();
     document.SetLookOfChain(chain, {.style = ChainLook::Style::BallAndStick});
@@ -122,7 +128,7 @@ TEST_F(SceneViewTest, DrawsASliceThroughAMap) {
 }
 
 TEST_F(SceneViewTest, HidesAndRemovesAndPutsBack) {
-    Compound *chain = MakeChain("one", "A", 10);
+    Compound *chain = AddChain("one", "A", 10);
     view.FitToView();
     EXPECT_GT(CountDrawn(), 100);
     document.SetShown({chain}, false);
@@ -135,7 +141,7 @@ TEST_F(SceneViewTest, HidesAndRemovesAndPutsBack) {
 }
 
 TEST_F(SceneViewTest, MarksTheSelectionInYellow) {
-    Compound *chain = MakeChain("one", "A", 10);
+    Compound *chain = AddChain("one", "A", 10);
     document.SetLookOfChain(chain, {.rainbow = false, .colour = Qt::blue});
     view.FitToView();
     EXPECT_EQ(Count(IsYellow), 0);
@@ -149,7 +155,7 @@ TEST_F(SceneViewTest, MarksTheSelectionInYellow) {
 }
 
 TEST_F(SceneViewTest, PicksTheResidueThatIsClicked) {
-    Compound *chain = MakeChain("one", "A", 11);
+    Compound *chain = AddChain("one", "A", 11);
     view.FitTo({chain});
     QSignalSpy picked(&view, &SceneView::picked);
     QTest::mouseClick(Canvas(), Qt::LeftButton, {}, {200, 150});
@@ -162,21 +168,24 @@ TEST_F(SceneViewTest, PicksTheResidueThatIsClicked) {
 }
 
 TEST_F(SceneViewTest, MeasuresTheDistanceOfTwoClicks) {
-    Compound *chain = MakeChain("one", "A", 11);
+    Compound *chain = AddChain("one", "A", 11);
     view.FitTo({chain});
+    view.SetPerspective(false);
     view.SetMeasuring(true);
     QSignalSpy measured(&view, &SceneView::measured), picked(&view, &SceneView::picked);
     QTest::mouseClick(Canvas(), Qt::LeftButton, {}, {200, 150});
-    QTest::mouseClick(Canvas(), Qt::LeftButton, {}, {260, 150});
+    const double pixelsPerAngstrom = 150 / view.GetViewpoint().scale;
+    QTest::mouseClick(Canvas(), Qt::LeftButton, {}, {int(200 + 2 * 3.8 * pixelsPerAngstrom), 150});
     ASSERT_EQ(measured.count(), 1);
     EXPECT_EQ(picked.count(), 0);
     auto *from = measured[0][0].value<Compound *>(), *to = measured[0][1].value<Compound *>();
-    EXPECT_NE(from, to);
-    EXPECT_NEAR(measured[0][2].toDouble(), double(to->GetPosition()[0] - from->GetPosition()[0]), 1e-4);
+    EXPECT_EQ(from, Below(chain)[5]);
+    EXPECT_EQ(to, Below(chain)[7]);
+    EXPECT_NEAR(measured[0][2].toDouble(), 7.6, 1e-4);
 }
 
 TEST_F(SceneViewTest, RotatesMovesAndZoomsByTheMouseWithoutSelecting) {
-    MakeChain("one", "A", 11);
+    AddChain("one", "A", 11);
     view.FitToView();
     QSignalSpy picked(&view, &SceneView::picked);
     const Viewpoint start = view.GetViewpoint();
@@ -197,7 +206,7 @@ TEST_F(SceneViewTest, RotatesMovesAndZoomsByTheMouseWithoutSelecting) {
 }
 
 TEST_F(SceneViewTest, SeesTheSameFromTheSameViewpoint) {
-    MakeChain("one", "A", 11);
+    AddChain("one", "A", 11);
     view.FitToView();
     const Viewpoint viewpoint = view.GetViewpoint();
     const QImage picture = Settled();
@@ -208,7 +217,7 @@ TEST_F(SceneViewTest, SeesTheSameFromTheSameViewpoint) {
 }
 
 TEST_F(SceneViewTest, LooksWithoutPerspectiveToo) {
-    MakeChain("one", "A", 11);
+    AddChain("one", "A", 11);
     view.FitToView();
     view.SetPerspective(false);
     EXPECT_FALSE(view.IsPerspective());
@@ -216,7 +225,7 @@ TEST_F(SceneViewTest, LooksWithoutPerspectiveToo) {
 }
 
 TEST_F(SceneViewTest, DrawsAChainAtAnotherPlaceUntilThatIsTakenBack) {
-    Compound *chain = MakeChain("one", "A", 11);
+    Compound *chain = AddChain("one", "A", 11);
     view.FitToView();
     const QImage without = Settled();
     view.ShowGhost({chain}, {1, 0, 0, 0, 0, 1, 0, 5, 0, 0, 1, 0, 0, 0, 0, 1});
@@ -234,7 +243,7 @@ TEST_F(SceneViewTest, OutlivesAMapThatLeavesWhileItsSurfaceIsMade) {
 }
 
 TEST_F(SceneViewTest, ShowsResiduesThatAreAddedToAChain) {
-    Compound *chain = MakeChain("one", "A", 3);
+    Compound *chain = AddChain("one", "A", 3);
     view.FitToView();
     const int before = CountDrawn();
     auto batch = std::make_optional<DataAdder<Space>>(Space::instance());
