@@ -1,6 +1,7 @@
 #include "placement/Explained.h"
 
 #include "placement/Constants.h"
+#include "placement/Interpolation.h"
 #include "placement/Parallel.h"
 
 #include <algorithm>
@@ -29,32 +30,6 @@ double PowerOf(const Spectrum &map) {
             sum += weight * double(std::norm(map.waves.values[index]));
     });
     return sum;
-}
-
-/// A volume between its voxels; 0 outside.
-float ValueAt(const Volume &volume, const Point &position) {
-    const Point p = position - volume.origin;
-    const std::array<double, 3> at{p.x / volume.spacing[0], p.y / volume.spacing[1], p.z / volume.spacing[2]};
-    std::array<std::size_t, 3> low;
-    std::array<double, 3> part;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        // Rounding may put the first voxel a little below 0.
-        const double inside = std::max(0.0, at[axis]);
-        low[axis] = std::min(std::size_t(inside), volume.count[axis] - 2);
-        part[axis] = inside - double(low[axis]);
-    }
-    double sum = 0;
-    for (const unsigned corner : {0, 1, 2, 3, 4, 5, 6, 7}) {
-        double weight = 1;
-        std::array<std::size_t, 3> voxel = low;
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            const bool isHigh = corner >> axis & 1;
-            weight *= isHigh ? part[axis] : 1 - part[axis];
-            voxel[axis] += isHigh ? 1 : 0;
-        }
-        sum += weight * double(volume.values[volume.Index(voxel[0], voxel[1], voxel[2])]);
-    }
-    return float(sum);
 }
 
 } // namespace
@@ -95,7 +70,8 @@ Volume Unexplained(const VolumeView &map, std::span<const Scatterer> atoms, doub
         for (std::size_t j = 0; j < map.count[1]; ++j)
             for (std::size_t i = 0; i < map.count[0]; ++i)
                 rest.values[rest.Index(i, j, k)] =
-                    map.values[map.Index(i, j, k)] - ValueAt(explained, rest.At(i, j, k));
+                    map.values[map.Index(i, j, k)] -
+                    float(ValueAt(explained, rest.At(i, j, k) - explained.origin));
     });
     return rest;
 }

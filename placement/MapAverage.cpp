@@ -2,6 +2,7 @@
 
 #include "placement/Constants.h"
 #include "placement/Fourier.h"
+#include "placement/Interpolation.h"
 #include "placement/Parallel.h"
 #include "placement/Spectrum.h"
 
@@ -10,25 +11,6 @@
 namespace placement {
 
 namespace {
-
-/// A value between voxels, linear along each axis; the point lies in the volume.
-double ValueAt(const Volume &volume, const Point &from) {
-    const std::array<double, 3> at{from.x, from.y, from.z};
-    std::array<std::size_t, 3> voxel;
-    std::array<double, 3> part;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        const double u = at[axis] / volume.spacing[axis];
-        voxel[axis] = std::min(std::size_t(u), volume.count[axis] - 2);
-        part[axis] = u - double(voxel[axis]);
-    }
-    const auto along = [&](std::size_t j, std::size_t k) {
-        const float *first = volume.values.data() + volume.Index(voxel[0], voxel[1] + j, voxel[2] + k);
-        return double(first[0]) * (1 - part[0]) + double(first[1]) * part[0];
-    };
-    const double low = along(0, 0) * (1 - part[1]) + along(1, 0) * part[1];
-    const double high = along(0, 1) * (1 - part[1]) + along(1, 1) * part[1];
-    return low * (1 - part[2]) + high * part[2];
-}
 
 /// The map on a lattice so fine that linear interpolation loses little, or half its own voxels where that
 /// takes too many.

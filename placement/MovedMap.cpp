@@ -1,6 +1,7 @@
 #include "placement/MovedMap.h"
 
 #include "placement/Constants.h"
+#include "placement/Interpolation.h"
 #include "placement/Parallel.h"
 
 #include <algorithm>
@@ -19,41 +20,10 @@ Volume Finer(const VolumeView &map, unsigned threads) {
     return Synthesise(waves, all, resampledVoxel * finest, threads, Between::Linear);
 }
 
-/// Samples a volume linearly between its voxels, within a box that begins where it does.
-class Sampler {
-public:
-    Sampler(const Volume &volume, const std::array<double, 3> &lengths)
-        : m_volume(volume)
-        , m_lengths(lengths) {}
-
-    float At(const Point &p) const {
-        const std::array<double, 3> at{p.x - m_volume.origin.x, p.y - m_volume.origin.y,
-                                       p.z - m_volume.origin.z};
-        std::array<std::size_t, 3> first;
-        std::array<float, 3> part;
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            // The padding lies behind the box, and so a second voxel along each axis.
-            if (!(at[axis] >= 0 && at[axis] <= m_lengths[axis]))
-                return 0;
-            const double voxel = at[axis] / m_volume.spacing[axis];
-            first[axis] = std::size_t(voxel);
-            part[axis] = float(voxel - double(first[axis]));
-        }
-        const auto [i, j, k] = first;
-        const auto alongX = [&](std::size_t y, std::size_t z) {
-            const float *value = &m_volume.values[m_volume.Index(i, y, z)];
-            return value[0] + part[0] * (value[1] - value[0]);
-        };
-        const auto inPlane = [&](std::size_t z) {
-            return std::lerp(alongX(j, z), alongX(j + 1, z), part[1]);
-        };
-        return std::lerp(inPlane(k), inPlane(k + 1), part[2]);
-    }
-
-private:
-    const Volume &m_volume;
-    std::array<double, 3> m_lengths;
-};
+/// Whether a position, taken from a box's first corner, lies in it.
+bool LiesIn(const Point &lengths, const Point &p) {
+    return p.x >= 0 && p.y >= 0 && p.z >= 0 && p.x <= lengths.x && p.y <= lengths.y && p.z <= lengths.z;
+}
 
 } // namespace
 
@@ -63,10 +33,8 @@ Point MirroredIn(const VolumeView &map, const Point &p) {
 
 Volume MovedMap(const VolumeView &map, const MapMotion &motion, const Lattice &lattice, unsigned threads) {
     const Volume finer = Finer(map, threads);
-    std::array<double, 3> lengths;
-    for (std::size_t axis = 0; axis < 3; ++axis)
-        lengths[axis] = double(map.count[axis] - 1) * map.spacing[axis];
-    const Sampler sampler(finer, lengths);
+    const Point lengths{double(map.count[0] - 1) * map.spacing[0], double(map.count[1] - 1) * map.spacing[1],
+                        double(map.count[2] - 1) * map.spacing[2]};
     const Motion back = InverseOf(motion.motion);
     Volume moved{lattice.count, lattice.spacing, lattice.origin, {}};
     moved.values.resize(lattice.count[0] * lattice.count[1] * lattice.count[2]);
@@ -74,7 +42,8 @@ Volume MovedMap(const VolumeView &map, const MapMotion &motion, const Lattice &l
         for (std::size_t j = 0; j < lattice.count[1]; ++j)
             for (std::size_t i = 0; i < lattice.count[0]; ++i) {
                 const Point p = back * moved.At(i, j, k);
-                moved.values[moved.Index(i, j, k)] = sampler.At(motion.mirrored ? MirroredIn(map, p) : p);
+                const Point from = (motion.mirrored ? MirroredIn(map, p) : p) - map.origin;
+                moved.values[moved.Index(i, j, k)] = LiesIn(lengths, from) ? float(ValueAt(finer, from)) : 0;
             }
     });
     return moved;
