@@ -350,7 +350,8 @@ private:
     void NameTakers() {
         for (std::size_t part = 0; part < m_parts.size(); ++part)
             if (PartOutcome &outcome = m_result.parts[part];
-                outcome.placed == 0 && outcome.left == Left::NothingFound && !m_takers[part].empty()) {
+                outcome.placed == 0 && !m_takers[part].empty() &&
+                (outcome.left == Left::NothingFound || outcome.left == Left::CutOff)) {
                 outcome.left = Left::Taken;
                 outcome.rivals.assign(m_takers[part].begin(), m_takers[part].end());
             }
