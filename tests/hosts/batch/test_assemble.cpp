@@ -38,9 +38,9 @@ protected:
         return nlohmann::json::parse(ReadFile(m_folder.File("assembly.json")));
     }
 
-    /// A chain of the complex, turned by half a turn about z and moved.
-    std::string ChainFile(char chain) {
-        std::istringstream complex(ReadFile(Example("1tii.pdb")));
+    /// A chain of a complex, turned by half a turn about z and moved.
+    std::string ChainFile(char chain, const std::string &file = Example("1tii.pdb")) {
+        std::istringstream complex(ReadFile(file));
         std::string lines;
         for (std::string line; std::getline(complex, line);)
             if (line.starts_with("ATOM") && line[21] == chain)
@@ -162,6 +162,67 @@ TEST_F(Assemble, APartThatIsNotInTheMapIsNamedAndNotForced) {
     EXPECT_THAT(json["parts"][0]["statement"].get<std::string>(),
                 HasSubstr("not placed: no place stands out"));
     EXPECT_EQ(json["parts"][1]["left"], "nothing");
+}
+
+TEST_F(Assemble, FourPartsMakeAComplexAt10Angstroms) {
+    REQUIRE_TEST_DATA();
+    const std::string folder = TestDataFolder() + "/cases/1z5s_C_solid/", file = m_folder.File("placed.cif");
+    std::vector<std::string> words{"place",
+                                   "--map",
+                                   TestDataFolder() + "/maps/1z5s_10.mrc",
+                                   "--resolution",
+                                   "10",
+                                   "--quiet",
+                                   "--assembly",
+                                   file,
+                                   "--json",
+                                   m_folder.File("assembly.json")};
+    for (const char chain : {'A', 'B', 'C', 'D'})
+        words.insert(words.end(), {"--model", ChainFile(chain, folder + "start.pdb")});
+    OutputOf(words);
+    std::vector<Chain *> truths = ChainsOf(folder + "start.pdb");
+    std::erase_if(truths, [](const Chain *chain) { return chain->GetName() == "C"; });
+    truths.push_back(ChainsOf(folder + "truth.pdb").front());
+    const std::vector<Chain *> placed = ChainsOf(file);
+    ASSERT_EQ(NamesOf(placed), "A B C D");
+    for (Chain *chain : placed) {
+        const auto truth =
+            std::ranges::find_if(truths, [&](Chain *t) { return t->GetName() == chain->GetName(); });
+        ASSERT_NE(truth, truths.end());
+        EXPECT_LT(Rmsd(PositionsOf(chain), PositionsOf(*truth)), 1.5) << chain->GetName();
+    }
+    const auto json = nlohmann::json::parse(ReadFile(m_folder.File("assembly.json")));
+    ASSERT_EQ(json["copies"].size(), 4u);
+    for (const nlohmann::json &copy : json["copies"])
+        EXPECT_EQ(copy["clashes"], 0);
+}
+
+TEST_F(Assemble, EveryWholeSubunitOfARealFilamentIsPlaced) {
+    REQUIRE_TEST_DATA();
+    const std::string json = m_folder.File("assembly.json");
+    const std::string output = OutputOf({"place", "--map", TestDataFolder() + "/maps/emd_5168.map", "--model",
+                                         TestDataFolder() + "/cases/actin_5168/start.pdb=auto",
+                                         "--resolution", "6.6", "--quiet", "--json", json});
+    EXPECT_THAT(output, HasSubstr("5 copies placed; no further place is whole: one reaches out of the map"));
+    // Along the axis of the helix they stand 27.6 Å apart.
+    std::vector<double> heights;
+    const auto record = nlohmann::json::parse(ReadFile(json));
+    for (const nlohmann::json &copy : record["copies"])
+        heights.push_back(copy["centre"][2]);
+    std::ranges::sort(heights);
+    ASSERT_EQ(heights.size(), 5u);
+    for (std::size_t i = 1; i < heights.size(); ++i)
+        EXPECT_NEAR(heights[i] - heights[i - 1], 27.6, 0.3);
+}
+
+TEST_F(Assemble, TwoModelsOfOneMoleculeAreBothNamed) {
+    REQUIRE_TEST_DATA();
+    const std::string output =
+        OutputOf({"place", "--map", TestDataFolder() + "/maps/emd_5168.map", "--model",
+                  TestDataFolder() + "/cases/actin_5168/start.pdb=auto", "--model",
+                  TestDataFolder() + "/models/A0A1D1UVK9.pdb.gz=auto", "--resolution", "6.6", "--quiet"});
+    EXPECT_THAT(output, HasSubstr("fits the same place equally well"));
+    EXPECT_THAT(output, testing::ContainsRegex("not placed: its place is taken by (start|A0A1D1UVK9)"));
 }
 
 TEST_F(Assemble, WhereNothingIsPlacedNoFileIsWritten) {
