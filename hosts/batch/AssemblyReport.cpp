@@ -64,7 +64,8 @@ void ReportAssembly(const AssemblyRecord &record, const std::vector<std::string>
         PrintItem(part == 0 ? "Parts" : "", Text(record.parts[part].name + ": " + PartText(record, part)));
     ReportDistances(record);
     if (!record.result.copies.empty()) {
-        PrintItem("Refined", Text(RefinementText(record)));
+        if (!record.result.cancelled)
+            PrintItem("Refined", Text(RefinementText(record)));
         PrintItem("Explained", Text(ExplainedText(record)));
         Print("");
         std::vector<std::size_t> rows(record.result.copies.size());
