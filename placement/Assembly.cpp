@@ -125,9 +125,13 @@ private:
                std::ranges::none_of(m_placed, [&](const Claim &placed) { return Clash(claim, placed); });
     }
 
-    /// Adds a claim that is sure, lies in the map, and is not taken by what is placed.
+    /// Adds a claim that is sure, lies in the map, and was neither taken by what is placed nor dropped
+    /// before.
     void AddSure(Claim claim, std::vector<Claim> &claims) {
-        if (claim.Probability() < declared || !IsFree(claim))
+        const auto isThere = [&](const Claim &dropped) {
+            return dropped.part == claim.part && IsPlaceOf(dropped, claim.judged.place.pose);
+        };
+        if (claim.Probability() < declared || !IsFree(claim) || std::ranges::any_of(m_dropped, isThere))
             return;
         const auto inBox = std::ranges::count_if(claim.residues, [&](const Point &p) { return IsInBox(p); });
         if (double(inBox) < minInBox * double(claim.residues.size()))
@@ -167,13 +171,21 @@ private:
         std::vector<Claim> kept;
         for (std::size_t i = 0; i < m_placed.size(); ++i) {
             const JudgedPlaces found = Search(m_placed[i].part, NeighboursBut(i), CopiesBut(i));
-            if (const std::optional<Claim> again = FoundAgain(m_placed[i], found))
+            if (const std::optional<Claim> again = FoundAgain(m_placed[i], found)) {
                 kept.push_back(*again);
-            else
+            } else {
                 m_result.parts[m_placed[i].part].left = Left::Doubtful;
+                m_dropped.push_back(m_placed[i]);
+            }
         }
         std::swap(m_placed, kept);
         return kept.size() - m_placed.size();
+    }
+
+    /// Whether a pose of its part is the claim's place.
+    bool IsPlaceOf(const Claim &claim, const Pose &pose) const {
+        const double same = samePlace * m_parameters.resolution;
+        return SquaredRmsd(m_models[claim.part], pose, claim.judged.place.pose) < same * same;
     }
 
     /// The copy as a search beside all others finds it, where it still is the best place, or a sure one. What
@@ -181,11 +193,8 @@ private:
     std::optional<Claim> FoundAgain(const Claim &claim, const JudgedPlaces &found) const {
         if (found.cancelled)
             return claim;
-        const double same = samePlace * m_parameters.resolution;
-        const auto again = std::ranges::find_if(found.places, [&](const JudgedPlace &judged) {
-            return SquaredRmsd(m_models[claim.part], judged.place.pose, claim.judged.place.pose) <
-                   same * same;
-        });
+        const auto again = std::ranges::find_if(
+            found.places, [&](const JudgedPlace &judged) { return IsPlaceOf(claim, judged.place.pose); });
         if (again == found.places.end() ||
             (again != found.places.begin() && again->confidence.probability < declared))
             return std::nullopt;
@@ -366,6 +375,7 @@ private:
     std::vector<std::set<std::size_t>> m_takers; ///< of each part, those that stand in its sure places
     std::vector<Point> m_standing;               ///< residues of what is in place already
     std::vector<Claim> m_placed;
+    std::vector<Claim> m_dropped;            ///< that the others did not leave sure
     std::vector<std::vector<Pose>> m_unsure; ///< of each part, the best free places of its last search
     double m_share = 0;                      ///< of the work that is done
     AssemblyResult m_result;
