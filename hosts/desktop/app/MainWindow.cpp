@@ -475,6 +475,7 @@ void MainWindow::closeEvent(QCloseEvent *event) {
     m_settings.setValue("geometry", saveGeometry());
     m_settings.setValue("windows", saveState());
     event->accept();
+    emit closed();
 }
 
 void MainWindow::changeEvent(QEvent *event) {

@@ -43,6 +43,8 @@ public:
 signals:
     /// All files that were to be read have been, or have failed.
     void opened();
+    /// The window has been closed, and with it the sessions of the plug-ins; dialogs of theirs may be left.
+    void closed();
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;

@@ -32,6 +32,9 @@ int main(int count, char **words) {
         return desktop::TakeScreenshot(parser.value(screenshot), parser.value(size),
                                        parser.positionalArguments());
     desktop::MainWindow window;
+    // A results dialog that is open still does not keep the application alive.
+    QObject::connect(&window, &desktop::MainWindow::closed, &application, &QApplication::quit,
+                     Qt::QueuedConnection);
     window.show();
     QTimer::singleShot(0, &window, [&] {
         window.OfferToRestore();

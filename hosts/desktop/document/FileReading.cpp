@@ -1,6 +1,7 @@
 #include "document/FileReading.h"
 
 #include "formats/files/FileError.h"
+#include "formats/files/ReadBytes.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
 
@@ -30,6 +31,8 @@ void ReadInThread(QPromise<std::shared_ptr<FileContent>> &promise, const std::st
 }
 
 void ReadContent(FileContent &result, const std::function<void(double)> &tell) {
+    // A pipe would make the thread wait for ever.
+    formats::CheckIsRegular(result.file);
     formats::ByteSource source(result.file);
     if (const auto size = source.StoredSize())
         source.SetWatcher([&tell, all = double(*size)](std::uint64_t bytes) { tell(double(bytes) / all); });

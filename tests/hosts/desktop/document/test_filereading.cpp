@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 using namespace desktop;
 using testing::HasSubstr;
 
@@ -55,6 +57,15 @@ TEST_F(FileReadingTest, SaysWhyAFileCannotBeReadAndGoesOn) {
     EXPECT_EQ(files[0]->error, folder.File("absent.mrc") + ": cannot be read: No such file or directory");
     EXPECT_THAT(files[1]->error, HasSubstr("is neither PDB"));
     EXPECT_TRUE(files[2]->structure);
+}
+
+TEST_F(FileReadingTest, WaitsForNoPipe) {
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Read({QString::fromStdString(pipe), QString::fromStdString(folder.Path()), "/dev/zero"});
+    ASSERT_EQ(files.size(), 3u);
+    for (const auto &file : files)
+        EXPECT_THAT(file->error, testing::StartsWith(file->file + ": "));
 }
 
 TEST_F(FileReadingTest, StopsAtOnceAndForgetsWhatWaits) {
