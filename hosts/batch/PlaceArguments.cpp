@@ -16,6 +16,7 @@ using hosts::PartOptions;
 using hosts::PlaceOptions;
 using hosts::PlaceScope;
 using hosts::ResidueName;
+using hosts::SymmetryOptions;
 
 namespace batch {
 
@@ -56,6 +57,50 @@ std::optional<placement::Sphere> Region(const Arguments &arguments) {
     if (texts.size() != 4 || numbers.size() != 4 || !(numbers[3] > 0))
         Refuse("--region", arguments.Text("--region"), "X,Y,Z,R, four numbers of Å with R above 0");
     return placement::Sphere{{numbers[0], numbers[1], numbers[2]}, numbers[3]};
+}
+
+std::optional<placement::Point> PointIn(const Arguments &arguments, const std::string &option,
+                                        const std::string &what) {
+    if (!arguments.Has(option))
+        return std::nullopt;
+    std::vector<double> numbers;
+    const std::vector<std::string> texts = arguments.List(option).value();
+    for (const std::string &text : texts)
+        if (const auto number = base::ReadNumber(text); number && std::isfinite(*number))
+            numbers.push_back(*number);
+    if (texts.size() != 3 || numbers.size() != 3)
+        Refuse(option, arguments.Text(option), "X,Y,Z, " + what);
+    return placement::Point{numbers[0], numbers[1], numbers[2]};
+}
+
+/// "auto", "H" for any helix, or a symmetry by its name.
+std::optional<placement::Symmetry> SymmetryOf(const std::string &text) {
+    if (text == "auto")
+        return std::nullopt;
+    if (text == "H" || text == "h")
+        return placement::Symmetry{placement::SymmetryKind::Helical, 1};
+    const std::optional<placement::Symmetry> symmetry = placement::ReadSymmetry(text);
+    if (!symmetry || symmetry->IsNone())
+        Refuse("--symmetry", text,
+               "auto, Cn or Dn with n from 2 to 60, T, O, I, H or H:RISE,TWIST in Å and degrees");
+    return symmetry;
+}
+
+std::optional<SymmetryOptions> SymmetryIn(const Arguments &arguments) {
+    if (!arguments.Has("--symmetry") && !arguments.Has("--symmetry-from"))
+        return std::nullopt;
+    for (const char *option : {"--refine", "--hands", "--fixed"})
+        if (arguments.Has(option))
+            throw std::runtime_error(std::string(option) + " and --symmetry exclude one another");
+    SymmetryOptions options;
+    options.file = arguments.GivenText("--symmetry-from");
+    if (arguments.Has("--symmetry"))
+        options.request.symmetry = SymmetryOf(arguments.Text("--symmetry"));
+    options.request.axis = PointIn(arguments, "--symmetry-axis", "a direction");
+    options.request.centre = PointIn(arguments, "--symmetry-centre", "a point in Å");
+    if (options.request.axis && !(Length(*options.request.axis) > 0))
+        Refuse("--symmetry-axis", arguments.Text("--symmetry-axis"), "X,Y,Z, a direction");
+    return options;
 }
 
 /// An option that is nothing without another one.
@@ -121,8 +166,8 @@ std::vector<PartOptions> Parts(const Arguments &arguments) {
     if (parts.size() == 1 && !isCounted &&
         std::ranges::none_of(std::array{"--copies", "--assembly", "--rest", "--max-distance"}, isGiven))
         return {};
-    for (const char *option : {"--near", "--refine", "--region", "--hands", "--results", "--models",
-                               "--model-prefix", "--moved-map"})
+    for (const char *option : {"--near", "--refine", "--region", "--hands", "--symmetry", "--symmetry-from",
+                               "--results", "--models", "--model-prefix", "--moved-map"})
         if (arguments.Has(option))
             throw std::runtime_error(std::string(option) +
                                      " is of the places of one model, and not for copies or several models");
@@ -213,6 +258,30 @@ std::vector<Option> PlaceOptionTable() {
         {.name = "--hands",
          .help = "Search the mirrored map as well, and tell which hand is right. Where that is the mirrored "
                  "one, the places are those in the mirrored map"},
+        {.name = "--symmetry",
+         .value = Value::Text,
+         .valueName = "NAME",
+         .help =
+             "Place the model with its copies: C5, D7, T, O, I, a helix as H:27.6,-166.6 (rise in Å and twist "
+             "in degrees, by the right hand along the rise; H:4.8,179,C2 with a twofold axis along it), H for "
+             "any helix, or auto for the symmetry that the map has, if it has one",
+         .defaultText = "no symmetry is looked for"},
+        {.name = "--symmetry-axis",
+         .value = Value::Text,
+         .valueName = "X,Y,Z",
+         .help = "Direction of the main axis, in the map's coordinates",
+         .defaultText = "found from the map, or from the places"},
+        {.name = "--symmetry-centre",
+         .value = Value::Text,
+         .valueName = "X,Y,Z",
+         .help = "A point of the main axis, of Dn, T, O and I their centre, in Å in the map's coordinates",
+         .defaultText = "found from the map, or from the places"},
+        {.name = "--symmetry-from",
+         .value = Value::File,
+         .valueName = "FILE",
+         .help =
+             "Take symmetry, axis and centre from the operators of the first assembly in this mmCIF file, "
+             "whose coordinates are the map's"},
         ThreadsOption("search"),
 
         Headed(
@@ -255,6 +324,10 @@ std::vector<Option> PlaceOptionTable() {
 PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     CheckTogether(arguments, "--fixed-chains", "--fixed");
     CheckTogether(arguments, "--mirrored-map", "--hands");
+    CheckTogether(arguments, "--symmetry-axis", "--symmetry");
+    CheckTogether(arguments, "--symmetry-centre", "--symmetry");
+    if (arguments.Has("--symmetry") && arguments.Has("--symmetry-from"))
+        throw std::runtime_error("--symmetry and --symmetry-from exclude one another");
     PlaceOptions options;
     options.map = arguments.Text("--map");
     options.model = arguments.Texts("--model").front();
@@ -272,6 +345,7 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.fixed = arguments.Texts("--fixed");
     options.fixedChains = arguments.List("--fixed-chains");
     options.hands = arguments.Has("--hands");
+    options.symmetry = SymmetryIn(arguments);
     options.movedMap = arguments.GivenText("--moved-map");
     options.mirroredMap = arguments.GivenText("--mirrored-map");
     options.json = arguments.GivenText("--json");

@@ -100,6 +100,12 @@ void ReportTrimming(const PlaceRecord &record, const PlaceInput &input) {
                                   .arg(searched[2]));
 }
 
+void ReportSymmetry(const SymmetryRecord &record) {
+    const std::vector<std::string> texts = SymmetryTexts(record);
+    for (const std::string &text : texts)
+        PrintItem(&text == &texts.front() ? "Symmetry" : "", Text(text));
+}
+
 } // namespace
 
 void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
@@ -108,6 +114,8 @@ void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
         ReportTrimming(record, input);
     if (record.hand)
         PrintItem("Hand", Text(HandText(*record.hand)));
+    if (record.symmetry)
+        ReportSymmetry(*record.symmetry);
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");

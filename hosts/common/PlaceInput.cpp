@@ -204,6 +204,8 @@ placement::VolumeView ViewOf(const Grid &map) {
 
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn, InputSource &source) {
     PlaceInput input;
+    if (options.symmetry)
+        input.symmetry = ReadSymmetryRequest(*options.symmetry);
     const MovingPart moving = ReadModels(options, warn, source, input);
     input.fixed = ReadSolidFiles(options.fixed, options.fixedChains, moving,
                                  {"fixed chains", "fixed file", "fixed part"}, warn, source);

@@ -35,6 +35,7 @@ struct PlaceInput : PlaceModel {
     double resolution = 0;                        ///< Å, as given or as estimated
     std::vector<SolidFile> fixed;                 ///< what is already in place
     std::vector<placement::ModelAtom> neighbours; ///< the atoms of its chains, without hydrogens
+    placement::SymmetryRequest symmetry;          ///< where one is looked for
 };
 
 /// Reads the map, the model or the parts of an assembly, and what is already in place. `warn` hears what the

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hosts/common/SymmetryOptions.h"
+
 #include "placement/Geometry.h"
 
 #include <optional>
@@ -36,7 +38,7 @@ struct DistanceOptions {
 /// What `place` is asked to do.
 struct PlaceOptions {
     std::string map;
-    std::string model; ///< a structure, or a map that is laid on the first
+    std::string model;                ///< a structure, or a map that is laid on the first
     std::vector<PartOptions> parts;   ///< of an assembly; none: the places of one model are looked for
     std::optional<double> resolution; ///< Å; not set: estimated from the map
     std::optional<std::vector<std::string>> chains; ///< identifiers; not set: all polymer chains
@@ -47,6 +49,7 @@ struct PlaceOptions {
     std::vector<std::string> fixed;                      ///< files of what is already in place
     std::optional<std::vector<std::string>> fixedChains; ///< not set: all polymer chains but those placed
     bool hands = false;                                  ///< search the mirrored map too
+    std::optional<SymmetryOptions> symmetry;             ///< set: looked for and used
 
     std::optional<std::string> results;
     std::optional<std::string> json;

@@ -90,6 +90,7 @@ Json Head(const PlaceRecord &record) {
         {"copies", FoundCopies(result)},
         {"confidence", ConfidenceOf(result)},
         {"hand", record.hand ? HandJson(*record.hand) : Json(nullptr)},
+        {"symmetry", record.symmetry ? SymmetryJson(*record.symmetry) : Json(nullptr)},
         {"forecast",
          {{"signal", result.predictedSignal},
           {"prospect", ProspectName(result.predictedSignal)},
@@ -148,6 +149,13 @@ void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, Monitor &monitor
     if (options.scope == PlaceScope::Near) {
         const PointModel model = MakePointModel(input.atoms);
         parameters.region = Sphere{model.centre, model.radius};
+    }
+    if (options.symmetry) {
+        SymmetricResult result =
+            FindSymmetricPlaces(ViewOf(*input.map), input.atoms, parameters, input.symmetry, monitor);
+        record.symmetry = MakeSymmetryRecord(input.symmetry, result, ViewOf(*input.map));
+        record.result = std::move(result.placement);
+        return;
     }
     if (!options.hands) {
         record.result = SearchOneHand(input, parameters, options.scope, monitor);

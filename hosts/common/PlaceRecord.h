@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hosts/common/PlaceInput.h"
+#include "hosts/common/SymmetryRecord.h"
 
 #include "placement/Hand.h"
 
@@ -29,7 +30,8 @@ struct PlaceRecord {
     std::vector<PlacedResidue> residues;
     std::vector<FixedPart> fixed; ///< what was already in place
     placement::PlacementResult result;
-    std::optional<HandVerdict> hand; ///< where both were searched
+    std::optional<HandVerdict> hand;        ///< where both were searched
+    std::optional<SymmetryRecord> symmetry; ///< where one was looked for
     double seconds = 0;
 
     /// Whether the places lie in the mirrored map.
