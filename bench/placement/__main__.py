@@ -2,7 +2,8 @@
 
     bench/placement/run [--short | --tiny] [--section NAME]... [--program FILE] [--data FOLDER] [--out FOLDER]
 
-Sections: shared, refine, screen, growth, neighbours, hands, assemblies, calibration, test. `calibration` and `test` are made maps
+Sections: shared, refine, screen, growth, neighbours, hands, assemblies, symmetries, calibration, test. `calibration` and
+`test` are made maps
 of different structures; every run of theirs is a line of runs.csv in the folder --out, and is not repeated while it
 stands there. The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the
 chains of the bundled example.
@@ -19,10 +20,12 @@ import growth
 import made
 import shared
 import structures
+import symmetric
 import tables
 from runs import Program
 
-SECTIONS = ("shared", "refine", "screen", "growth", "neighbours", "hands", "assemblies", "calibration", "test")
+SECTIONS = ("shared", "refine", "screen", "growth", "neighbours", "hands", "assemblies", "symmetries", "calibration",
+            "test")
 TREATMENTS_IN_SHORT = ("plain", "too tight mask", "bent model")
 
 
@@ -90,6 +93,8 @@ def main():
         "neighbours": lambda: context.neighbours(program, arguments.data, say, 1 if arguments.short else 3),
         "hands": lambda: context.hands(program, arguments.data, say, 1 if arguments.short else 3),
         "assemblies": lambda: assembled.assemblies(program, data=arguments.data, write=say, short=arguments.short),
+        "symmetries": lambda: symmetric.symmetries(program, arguments.data, say, made.predicted,
+                                                   1 if arguments.short else 5),
         "calibration": lambda: made_maps(program, arguments.data, "calibration", arguments.short),
         "test": lambda: made_maps(program, arguments.data, "test", arguments.short),
     }

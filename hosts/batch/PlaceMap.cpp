@@ -29,6 +29,7 @@ void CheckOptions(const PlaceOptions &options) {
     refuse(options.minPlddt.has_value(), "min-plddt");
     refuse(!options.fixed.empty(), "fixed");
     refuse(options.mirroredMap.has_value(), "mirrored-map");
+    refuse(options.symmetry.has_value(), "symmetry");
     refuse(options.results.has_value(), "results");
     refuse(options.models > 0, "models");
 }
