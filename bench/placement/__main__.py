@@ -3,9 +3,8 @@
     bench/placement/run [--short | --tiny] [--section NAME]... [--program FILE] [--data FOLDER] [--out FOLDER]
 
 Sections: shared, refine, screen, growth, neighbours, hands, assemblies, symmetries, calibration, test. `calibration` and
-`test` are made maps
-of different structures; every run of theirs is a line of runs.csv in the folder --out, and is not repeated while it
-stands there. The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the
+`test` are made maps of different structures; every run of theirs is a line of runs.csv in the folder --out, and is not
+repeated while it stands there. The whole takes a quarter of an hour on one core, --short two minutes. --tiny needs no data: it places the
 chains of the bundled example.
 """
 

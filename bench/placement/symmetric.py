@@ -76,9 +76,7 @@ class Assembly:
     def __init__(self, name, model, rng):
         group = operators(name)
         turned = model.centred().moved(structures.random_rotation(rng), (0, 0, 0))
-        direction = structures.random_direction(rng)
-        if name.startswith("H:"):
-            direction = (1, 0, 0)
+        direction = (1, 0, 0) if name.startswith("H:") else (0.87, 0.24, 0.43)
         distance, alphas = 0, turned.alpha_positions()
         while touch(alphas, group, distance, direction):
             distance += 3

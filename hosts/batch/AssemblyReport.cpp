@@ -59,6 +59,8 @@ void ReportDistances(const AssemblyRecord &record) {
 } // namespace
 
 void ReportAssembly(const AssemblyRecord &record, const std::vector<std::string> &written) {
+    if (record.symmetry)
+        PrintSymmetry(*record.symmetry);
     PrintItem("Assembly", Text(AssemblyText(record)));
     for (std::size_t part = 0; part < record.parts.size(); ++part)
         PrintItem(part == 0 ? "Parts" : "", Text(record.parts[part].name + ": " + PartText(record, part)));

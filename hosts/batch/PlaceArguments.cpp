@@ -166,11 +166,19 @@ std::vector<PartOptions> Parts(const Arguments &arguments) {
     if (parts.size() == 1 && !isCounted &&
         std::ranges::none_of(std::array{"--copies", "--assembly", "--rest", "--max-distance"}, isGiven))
         return {};
-    for (const char *option : {"--near", "--refine", "--region", "--hands", "--symmetry", "--symmetry-from",
-                               "--results", "--models", "--model-prefix", "--moved-map"})
+    const auto refuse = [&](const char *option) {
         if (arguments.Has(option))
             throw std::runtime_error(std::string(option) +
                                      " is of the places of one model, and not for copies or several models");
+    };
+    for (const char *option : {"--near", "--refine", "--region", "--hands", "--results", "--models",
+                               "--model-prefix", "--moved-map"})
+        refuse(option);
+    const bool isSymmetric = isGiven("--symmetry") || isGiven("--symmetry-from");
+    if (isSymmetric && parts.size() == 1 && !isCounted && !isGiven("--copies") && !isGiven("--max-distance"))
+        return {{parts.front().file, std::nullopt}};
+    for (const char *option : {"--symmetry", "--symmetry-from"})
+        refuse(option);
     for (auto part = parts.begin(); part != parts.end(); ++part)
         if (std::any_of(parts.begin(), part,
                         [&](const PartOptions &other) { return other.file == part->file; }))

@@ -100,12 +100,6 @@ void ReportTrimming(const PlaceRecord &record, const PlaceInput &input) {
                                   .arg(searched[2]));
 }
 
-void ReportSymmetry(const SymmetryRecord &record) {
-    const std::vector<std::string> texts = SymmetryTexts(record);
-    for (const std::string &text : texts)
-        PrintItem(&text == &texts.front() ? "Symmetry" : "", Text(text));
-}
-
 } // namespace
 
 void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
@@ -115,7 +109,7 @@ void ReportPlaces(const PlaceRecord &record, const PlaceInput &input,
     if (record.hand)
         PrintItem("Hand", Text(HandText(*record.hand)));
     if (record.symmetry)
-        ReportSymmetry(*record.symmetry);
+        PrintSymmetry(*record.symmetry);
     PrintItem("Verdict", Text(VerdictText(record.result)));
     if (!record.result.places.empty()) {
         Print("");

@@ -18,6 +18,12 @@ void PrintItem(const QString &label, const QString &text) {
     Print(label.leftJustified(12) + text);
 }
 
+void PrintSymmetry(const hosts::SymmetryRecord &record) {
+    const std::vector<std::string> texts = SymmetryTexts(record);
+    for (const std::string &text : texts)
+        PrintItem(&text == &texts.front() ? "Symmetry" : "", Text(text));
+}
+
 void PrintWritten(const std::vector<std::string> &written) {
     for (const std::string &line : written)
         Print((line == written.front() ? "\nWrote " : "Wrote ") + Text(line));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hosts/common/SymmetryRecord.h"
+
 #include "placement/Geometry.h"
 
 #include <QString>
@@ -17,6 +19,8 @@ QString Text(const std::string &text);
 void Print(const QString &line);
 /// A line of the first part; an empty label goes on with the line before.
 void PrintItem(const QString &label, const QString &text);
+/// The symmetry that was looked for.
+void PrintSymmetry(const hosts::SymmetryRecord &record);
 /// The files written, a line each behind an empty one.
 void PrintWritten(const std::vector<std::string> &written);
 /// Three coordinates in Å, 27 characters or more.

@@ -8,6 +8,7 @@
 #include "hosts/common/JsonText.h"
 
 #include "formats/files/NodeName.h"
+#include "placement/SymmetricAssembly.h"
 
 #include <algorithm>
 #include <set>
@@ -139,6 +140,7 @@ Json Head(const AssemblyRecord &record) {
             {"complete", IsComplete(record)},
             {"statement", AssemblyText(record)},
             {"explained", result.explained},
+            {"symmetry", record.symmetry ? SymmetryJson(*record.symmetry) : Json(nullptr)},
             {"input", Input(record)},
             {"search",
              {{"searches", result.searches}, {"cancelled", result.cancelled}, {"seconds", record.seconds}}}};
@@ -221,7 +223,27 @@ AssemblyRecord MakeAssemblyRecord(const PlaceOptions &options, const PlaceInput 
     return record;
 }
 
+namespace {
+
+/// The copies of one model that a symmetry relates.
+void FindSymmetricAssemblyOf(const PlaceInput &input, AssemblyRecord &record, Monitor &monitor) {
+    const PlacementParameters parameters{
+        .resolution = input.resolution, .threads = unsigned(record.options.threads), .region = {}};
+    const VolumeView map = ViewOf(*input.map);
+    const std::vector<ModelAtom> &atoms = input.parts.front().atoms;
+    const SymmetricResult found = FindSymmetricPlaces(map, atoms, parameters, input.symmetry, monitor);
+    record.symmetry = MakeSymmetryRecord(input.symmetry, found, map);
+    record.result = AssemblyOf(found, map, atoms, parameters);
+}
+
+} // namespace
+
 void FindAssemblyOf(const PlaceInput &input, AssemblyRecord &record, Monitor &monitor) {
+    if (record.options.symmetry) {
+        FindSymmetricAssemblyOf(input, record, monitor);
+        NameChains(record);
+        return;
+    }
     std::vector<AssemblyPart> parts;
     for (std::size_t i = 0; i < input.parts.size(); ++i)
         parts.push_back({input.parts[i].atoms, record.parts[i].copies});
@@ -289,6 +311,8 @@ std::string DistanceText(const AssemblyRecord &record, std::size_t number) {
 }
 
 std::string RefinementText(const AssemblyRecord &record) {
+    if (record.symmetry && record.symmetry->used)
+        return "all copies together, by their symmetry";
     double sum = 0, most = 0;
     for (const PlacedCopy &copy : record.result.copies) {
         sum += copy.moved;

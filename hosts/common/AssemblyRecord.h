@@ -22,6 +22,7 @@ struct AssemblyRecord {
     std::vector<PartRecord> parts;
     std::vector<FixedPart> fixed; ///< what was already in place
     placement::AssemblyResult result;
+    std::optional<SymmetryRecord> symmetry; ///< where one was looked for
     /// Of each placed copy the names of its chains in the file of the assembly: the author's where they are
     /// free, else with the first number from 2 on that makes them so, "A2".
     std::vector<std::vector<std::string>> chainNames;

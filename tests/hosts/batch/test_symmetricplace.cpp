@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <filesystem>
 #include <numbers>
 
 using namespace VARNO;
@@ -196,6 +197,29 @@ TEST_F(SymmetricPlace, AnAssemblysOperatorsTellSymmetryAndFrame) {
 TEST_F(SymmetricPlace, ModelsAreWrittenForEveryCopy) {
     OutputOf(Words({"--symmetry", "C5", "--models", "5", "--model-prefix", m_folder.File("copy-")}));
     EXPECT_EQ(FilesOfFolder().size(), 5u);
+}
+
+TEST_F(SymmetricPlace, AllCopiesAreWrittenAsOneAssembly) {
+    const std::string file = m_folder.File("toxin.cif"), rest = m_folder.File("rest.mrc");
+    std::vector<std::string> words = Words(
+        {"--symmetry", "auto", "--assembly", file, "--rest", rest, "--json", m_folder.File("assembly.json")});
+    EXPECT_THAT(OutputOf(words), AllOf(HasSubstr("Symmetry    C5"), HasSubstr("5 copies placed"),
+                                       HasSubstr("all copies together, by their symmetry")));
+    std::vector<Compound *> chains;
+    GetPeptides(formats::ReadStructure(file), chains, true);
+    EXPECT_EQ(chains.size(), 5u);
+    const json result = json::parse(ReadFile(m_folder.File("assembly.json")));
+    EXPECT_EQ(result["symmetry"]["name"], "C5");
+    ASSERT_EQ(result["copies"].size(), 5u);
+    for (const json &copy : result["copies"]) {
+        EXPECT_GT(int(copy["contacts"]), 10);
+        EXPECT_LT(int(copy["clashes"]), 3);
+        EXPECT_GT(double(copy["explained"]), 0.05);
+    }
+    EXPECT_GT(double(result["explained"]), 0.4);
+    EXPECT_TRUE(std::filesystem::exists(rest));
+    EXPECT_THAT(ErrorOf(Words({"--symmetry", "C5", "--assembly", file, "--copies", "5"})),
+                HasSubstr("--symmetry"));
 }
 
 TEST_F(SymmetricPlace, IsTheSameOnAnyNumberOfThreads) {
