@@ -237,6 +237,8 @@ constexpr double minPlaceShare = 0.7;
 /// Voxels in which a map is averaged over its copies, resolutions, and how many of them there may be, 800 MB.
 /// Linear interpolation between them leaves less than a hundredth of a wave as long as the resolution.
 constexpr double averageVoxel = 0.16, maxAverageVoxels = 2e8;
+/// What a map shows with this probability is used where sure places say the same.
+constexpr double likelySymmetry = 0.5;
 /// A copy lies in the map where this part of its points does.
 constexpr double wholeCopy = 0.95;
 /// Steps along a helix that are correlated, to either side.

@@ -178,18 +178,56 @@ std::size_t OrderOf(const Symmetry &symmetry, const PlaceSymmetry &places) {
     return symmetry.IsHelical() ? places.places : OperatorsOf(symmetry).size();
 }
 
-/// The symmetry to be used: that of the map, or that of the places where it is larger or the map has none.
-std::optional<UsedSymmetry> Chosen(const SymmetricResult &result, const SymmetryRequest &request) {
+/// Whether an operator brings each of several places upon each other one.
+bool Relates(const Symmetry &symmetry, const Pose &frame, std::span<const Pose> places,
+             const PointModel &model, double tolerance) {
+    const std::vector<Motion> motions = MotionsOf(symmetry, frame, helixReach);
+    const auto related = [&](const Pose &from, const Pose &to) {
+        return std::ranges::any_of(motions, [&](const Motion &motion) {
+            return SquaredRmsd(model, Moved(motion, from), to) < tolerance * tolerance;
+        });
+    };
+    return places.size() > 1 && std::ranges::all_of(places.subspan(1), [&](const Pose &place) {
+               return related(places.front(), place);
+           });
+}
+
+/// The symmetry to be used: that of the map, or that of the places where it is larger or the map has none; or
+/// what the map shows best, where the places agree or the request leaves no other.
+std::optional<UsedSymmetry> Chosen(const SymmetricResult &result, const SymmetryRequest &request,
+                                   const PointModel &model, double resolution) {
     const PlaceSymmetry &places = result.ofPlaces;
-    const bool ofPlaces =
-        !places.symmetry.IsNone() && request.Asks(places.symmetry) &&
-        (!result.ofMap.found || (!result.ofMap.symmetry.IsHelical() &&
-                                 OrderOf(places.symmetry, places) > OrderOf(result.ofMap.symmetry, places)));
+    const MapSymmetry &map = result.ofMap;
+    const bool isHeld = request.axis || request.centre || request.frame;
+    const bool ofPlaces = !isHeld && !places.symmetry.IsNone() && request.Asks(places.symmetry) &&
+                          (!map.found || (!map.symmetry.IsHelical() &&
+                                          OrderOf(places.symmetry, places) > OrderOf(map.symmetry, places)));
     if (ofPlaces)
         return UsedSymmetry{places.symmetry, places.frame, SymmetrySource::Places};
-    if (result.ofMap.found)
-        return UsedSymmetry{result.ofMap.symmetry, result.ofMap.frame, SymmetrySource::Map};
+    if (map.found)
+        return UsedSymmetry{map.symmetry, map.frame, SymmetrySource::Map};
+    if (map.tried && map.probability >= likelySymmetry &&
+        Relates(*map.tried, map.frame, SurePoses(result.placement), model, samePlace * resolution))
+        return UsedSymmetry{*map.tried, map.frame, SymmetrySource::Both};
+    if (map.tried && request.IsHeld())
+        return UsedSymmetry{*map.tried, map.frame, SymmetrySource::Given};
     return std::nullopt;
+}
+
+/// Whether what the mean over the copies shows is to be believed.
+bool IsConvincing(const PlacementResult &together, const PlacementResult &alone, SymmetrySource source) {
+    return FoundCopies(together) > 0 && !together.cancelled &&
+           (source != SymmetrySource::Given ||
+            together.confidence.logExpected < alone.confidence.logExpected);
+}
+
+/// Why a symmetry, if there was one to be used, was not.
+NotUsed ReasonOf(const PlacementResult &alone, const std::optional<UsedSymmetry> &used) {
+    if (alone.cancelled)
+        return NotUsed::NotFinished;
+    if (!used || used->source == SymmetrySource::Given)
+        return NotUsed::NotFound;
+    return alone.verdict == Verdict::NotJudged ? NotUsed::NotJudged : NotUsed::NoPlace;
 }
 
 } // namespace
@@ -203,14 +241,14 @@ SymmetricResult FindSymmetricPlaces(const VolumeView &map, const std::vector<Mod
     if (!monitor.IsCancelled())
         result.ofMap = FindMapSymmetry(map, parameters.resolution, request, parameters.threads, monitor);
     monitor.Advance(symmetryEnd);
-    result.ofPlaces =
-        FindPlaceSymmetry(MakePointModel(atoms), SurePoses(result.placement), parameters.resolution);
-    std::optional<UsedSymmetry> used = Chosen(result, request);
+    const PointModel model = MakePointModel(atoms);
+    result.ofPlaces = FindPlaceSymmetry(model, SurePoses(result.placement), parameters.resolution);
+    std::optional<UsedSymmetry> used = Chosen(result, request, model, parameters.resolution);
     if (used && result.placement.verdict != Verdict::NotJudged && !monitor.IsCancelled()) {
         const Together together(map, atoms, parameters, request);
         PartMonitor part(monitor, symmetryEnd, togetherEnd);
         PlacementResult placement = together.Search(*used, part);
-        if (FoundCopies(placement) > 0 && !placement.cancelled) {
+        if (IsConvincing(placement, result.placement, used->source)) {
             together.Expand(placement, *used);
             placement.searched = result.placement.searched;
             placement.sharpShare = result.placement.sharpShare;
@@ -221,10 +259,7 @@ SymmetricResult FindSymmetricPlaces(const VolumeView &map, const std::vector<Mod
     }
     result.placement.cancelled |= monitor.IsCancelled();
     if (!result.used)
-        result.reason = result.placement.cancelled                       ? NotUsed::NotFinished
-                        : !used                                          ? NotUsed::NotFound
-                        : result.placement.verdict == Verdict::NotJudged ? NotUsed::NotJudged
-                                                                         : NotUsed::NoPlace;
+        result.reason = ReasonOf(result.placement, used);
     return result;
 }
 

@@ -10,6 +10,8 @@ namespace placement {
 enum class SymmetrySource {
     Map,    ///< the map's own density
     Places, ///< the places of the model that were found without a symmetry
+    Both,   ///< what the map shows best, not surely, relates all of these places
+    Given,  ///< the request alone: in the mean over the copies a place stands out more than in the map
 };
 
 /// A symmetry that was used.

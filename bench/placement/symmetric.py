@@ -158,7 +158,7 @@ def named(program, data, write, predicted, number):
 
 
 def together(program, data, write, predicted, number):
-    write("One model and its copies in noise: first place right, and called, alone and with the symmetry given")
+    write("One model and its copies in noise: first place right, and called, alone and with symmetry, axis and centre given")
     for noise in HARD_NOISES:
         counts, runs = [0, 0, 0, 0], 0
         for name in HARD_GROUPS:
@@ -168,7 +168,9 @@ def together(program, data, write, predicted, number):
                 make(program, assembly, noise, index)
                 start = started(program, assembly, rng)
                 runs += 1
-                for place, options in enumerate(({}, {"symmetry": name})):
+                given = {"symmetry": name, "symmetry_axis": ",".join(f"{x:.6f}" for x in assembly.axis),
+                         "symmetry_centre": ",".join(f"{x:.4f}" for x in assembly.centre)}
+                for place, options in enumerate(({}, given)):
                     result = program.place(program.file("map.mrc"), program.file("model.pdb"), RESOLUTION, **options)[0]
                     right = is_right(result, start, assembly)
                     counts[2 * place] += right

@@ -62,6 +62,11 @@ std::string MapText(const SymmetryRecord &record) {
     const std::string asked = AskedName(record.request);
     if (map.found)
         return PlainName(map.symmetry) + ", of the map: " + Correlations(map);
+    if (record.used && record.used->source == SymmetrySource::Both)
+        return PlainName(*map.tried) + ", of the map, and the places agree: " + Correlations(map);
+    if (record.used && record.used->source == SymmetrySource::Given)
+        return PlainName(*map.tried) +
+               ", as given; of the map by itself it is not sure: " + Correlations(map);
     if (record.reason == NotUsed::NotFinished && !map.tried)
         return "not looked for to the end";
     const std::string none = asked.empty() ? "none" : "the map does not have " + asked;
@@ -109,7 +114,17 @@ std::string NotUsedText(NotUsed reason) {
 }
 
 std::string SourceName(SymmetrySource source) {
-    return source == SymmetrySource::Map ? "map" : "places";
+    switch (source) {
+    case SymmetrySource::Map:
+        return "map";
+    case SymmetrySource::Places:
+        return "places";
+    case SymmetrySource::Both:
+        return "both";
+    case SymmetrySource::Given:
+        return "given";
+    }
+    return {};
 }
 
 Json NumberOrNull(bool known, double number) {

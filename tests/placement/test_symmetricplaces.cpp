@@ -92,6 +92,41 @@ TEST(SymmetricPlaces, TogetherCopiesAreFoundThatAloneAreNot) {
     EXPECT_LT(RmsdOf(result.placement.places.front(), assembly, atoms), 3);
 }
 
+// Noise in which the map by itself does not show it.
+TEST(SymmetricPlaces, ASymmetryThatIsGivenIsUsedWhereItHelps) {
+    const SyntheticAssembly assembly("D3", 100, 1);
+    const std::vector<ModelAtom> atoms = Displaced(assembly.subunit);
+    SymmetryRequest request;
+    request.symmetry = assembly.symmetry;
+    request.frame = assembly.frame;
+    PlacementParameters parameters;
+    parameters.resolution = 8;
+    Monitor silent;
+    const SymmetricResult result =
+        FindSymmetricPlaces(NoisyMap(assembly, 20), atoms, parameters, request, silent);
+    EXPECT_FALSE(result.ofMap.found);
+    ASSERT_TRUE(result.used);
+    EXPECT_EQ(result.used->source, SymmetrySource::Given);
+    EXPECT_EQ(result.used->copies, 6u);
+    EXPECT_LT(RmsdOf(result.placement.places.front(), assembly, atoms), 3);
+}
+
+TEST(SymmetricPlaces, ASymmetryThatIsGivenWronglyIsNotUsed) {
+    const SyntheticAssembly assembly("C1", 100, 1);
+    const std::vector<ModelAtom> atoms = Displaced(assembly.subunit);
+    SymmetryRequest request;
+    request.symmetry = ReadSymmetry("C3");
+    request.frame = {RotationBy({0.3, 0.2, 0.1}), assembly.frame.centre + Point{10, 5, 0}};
+    PlacementParameters parameters;
+    parameters.resolution = 8;
+    Monitor silent;
+    const SymmetricResult result =
+        FindSymmetricPlaces(NoisyMap(assembly, 0.5), atoms, parameters, request, silent);
+    EXPECT_FALSE(result.used);
+    EXPECT_EQ(result.reason, NotUsed::NotFound);
+    EXPECT_EQ(FoundCopies(result.placement), 1u);
+}
+
 TEST(SymmetricPlaces, WhatTheMapDoesNotHaveIsNotUsed) {
     const SyntheticAssembly assembly("C5", 100, 1);
     const std::vector<ModelAtom> atoms = Displaced(assembly.subunit);
