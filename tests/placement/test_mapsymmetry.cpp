@@ -82,6 +82,24 @@ TEST(MapSymmetry, NeitherNoiseNorAConstantHasOne) {
     EXPECT_FALSE(FindIn(map).found);
 }
 
+// Every turn about its axis lays it upon itself, and none is an operator.
+TEST(MapSymmetry, ABarrelHasNoFold) {
+    Volume map{{48, 48, 40}, {2, 2, 2}, {-47, -46, -39}, {}};
+    map.values.assign(map.count[0] * map.count[1] * map.count[2], 0);
+    for (std::size_t k = 0; k < map.count[2]; ++k)
+        for (std::size_t j = 0; j < map.count[1]; ++j)
+            for (std::size_t i = 0; i < map.count[0]; ++i) {
+                const Point p = map.At(i, j, k);
+                const double across = std::hypot(p.x, p.y) - 22, up = std::abs(p.z) - 10 - 0.1 * across;
+                map.values[map.Index(i, j, k)] =
+                    float(std::exp(-across * across / 20) * (up < 0 ? 1 : std::exp(-up * up / 20)));
+            }
+    AddNoise(map, 0.1, 1);
+    const MapSymmetry found = FindIn(map);
+    // Half turns across the axis are operators, and two of them make a third one.
+    EXPECT_LE(found.symmetry.fold, 2u) << NameOf(found.symmetry);
+}
+
 TEST(MapSymmetry, ASmallerGroupIsFoundWhereItIsAskedFor) {
     const Volume map = NoisyMap(SyntheticAssembly("D3", 80, 2), 0.5, 1);
     EXPECT_EQ(NameOf(FindIn(map, Asked("C3")).symmetry), "C3");
