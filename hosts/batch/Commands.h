@@ -13,5 +13,7 @@ cli::Command FitCommand();
 cli::Command InfoCommand();
 cli::Command BuildCommand();
 cli::Command SimulateCommand();
+cli::Command ScreenCommand();
+cli::Command ScreenExportCommand();
 
 } // namespace batch

@@ -5,6 +5,7 @@
 #include "Atom.h"
 #include "Collect.h"
 #include "DataMaker.h"
+#include "formats/files/ReplaceFile.h"
 #include "formats/structures/FreeClump.h"
 
 #include <pybind11/numpy.h>
@@ -60,19 +61,22 @@ void CopyAtom(const Atom &atom, const Transform &pose, Compound *to) {
                         atom.GetOrbital(), atom.GetCharge(), atom.GetBFactor());
 }
 
+void CopyResidue(Compound *node, const Transform &pose, Compound *to) {
+    const auto *residue = static_cast<const Residue *>(node);
+    Compound *group = DataMaker::makeGroup(to, residue->GetName(), residue->GetSeqId());
+    std::vector<Compound *> atoms;
+    GetAtoms(node, atoms, true);
+    for (const Compound *atom : atoms)
+        CopyAtom(*static_cast<const Atom *>(atom), pose, group);
+    group->Complete();
+}
+
 void CopyChain(Chain *chain, const Transform &pose, Compound *to) {
     Compound *copy = DataMaker::makeChain(to, chain->GetName(), chain->IsPolymer());
     std::vector<Compound *> residues;
     GetResidues(chain, residues, true);
-    for (Compound *node : residues) {
-        const auto *residue = static_cast<const Residue *>(node);
-        Compound *group = DataMaker::makeGroup(copy, residue->GetName(), residue->GetSeqId());
-        std::vector<Compound *> atoms;
-        GetAtoms(node, atoms, true);
-        for (const Compound *atom : atoms)
-            CopyAtom(*static_cast<const Atom *>(atom), pose, group);
-        group->Complete();
-    }
+    for (Compound *residue : residues)
+        CopyResidue(residue, pose, copy);
 }
 
 /// The polymer chains of those identifiers, or without any the whole, moved.
@@ -94,6 +98,60 @@ StructureObject Moved(const StructureObject &structure, const std::array<double,
                 chains, [&](const Chain *chain) { return hosts::IsNamed(*chain, report.identifier); });
         });
     return moved;
+}
+
+std::vector<Compound *> PolymerResidues(const StructureObject &structure) {
+    std::vector<Compound *> residues;
+    for (Chain *chain : hosts::AllChains(structure.clump.get()))
+        if (chain->IsPolymer())
+            GetResidues(chain, residues, true);
+    return residues;
+}
+
+double MeanBFactor(Compound *residue) {
+    std::vector<Compound *> atoms;
+    GetAtoms(residue, atoms, true);
+    double sum = 0;
+    for (const Compound *atom : atoms)
+        sum += double(static_cast<const Atom *>(atom)->GetBFactor());
+    return atoms.empty() ? 0 : sum / double(atoms.size());
+}
+
+/// Chain, label and mean B factor of each residue of the polymer chains.
+py::list ResidueTable(const StructureObject &structure) {
+    py::list table;
+    for (Compound *residue : PolymerResidues(structure))
+        table.append(
+            py::make_tuple(residue->GetParent()->GetName(), residue->GetLabel(), MeanBFactor(residue)));
+    return table;
+}
+
+/// Those residues of the polymer chains for which `mask` is true.
+StructureObject Picked(const StructureObject &structure, const std::vector<bool> &mask) {
+    const std::vector<Compound *> residues = PolymerResidues(structure);
+    if (mask.size() != residues.size())
+        throw py::value_error("mask has " + std::to_string(mask.size()) + " entries for " +
+                              std::to_string(residues.size()) + " residues");
+    StructureObject picked{nullptr, structure.report, structure.file};
+    picked.report.chains.clear();
+    auto clump = std::make_shared<formats::FreeClump>(structure.clump->GetName());
+    Compound *molecule = DataMaker::makeMolecule(clump.get(), clump->GetName());
+    const Compound *chain = nullptr;
+    Compound *copy = nullptr;
+    for (std::size_t i = 0; i < residues.size(); ++i) {
+        if (!mask[i])
+            continue;
+        if (residues[i]->GetParent() != chain) {
+            chain = residues[i]->GetParent();
+            copy = DataMaker::makeChain(molecule, chain->GetName(), true);
+            picked.report.chains.push_back({chain->GetName(), {}, 0, 0, 0});
+        }
+        CopyResidue(residues[i], Transform({}, {}), copy);
+        ++picked.report.chains.back().residues;
+    }
+    clump->Complete();
+    picked.clump = clump;
+    return picked;
 }
 
 void Write(const std::filesystem::path &file, const StructureObject &structure) {
@@ -127,6 +185,8 @@ void DefineStructure(py::module_ &module) {
         .def_property_readonly("coordinates", &CoordinatesOf)
         .def_property_readonly("warnings",
                                [](const StructureObject &structure) { return structure.report.warnings; })
+        .def_property_readonly("residue_table", &ResidueTable)
+        .def("picked", &Picked, py::arg("mask"))
         .def("moved", &Moved, py::arg("rotation"), py::arg("translation"), py::arg("chains"));
     module.def(
         "read_structure",
@@ -134,10 +194,16 @@ void DefineStructure(py::module_ &module) {
         py::arg("file"));
     module.def(
         "parse_structure",
-        [](const std::string &text, const std::string &name) {
-            return Read(formats::ByteSource(name, text));
+        [](const std::string &content, const std::string &name) {
+            return Read(formats::ByteSource(name, content));
         },
-        py::arg("text"), py::arg("name"));
+        py::arg("content"), py::arg("name"));
+    module.def(
+        "replace_file",
+        [](const std::filesystem::path &file, const std::string &text) {
+            formats::ReplaceFile(file, [&](std::ostream &out) { out << text; });
+        },
+        py::arg("file"), py::arg("text"));
     module.def("write_structure", &Write, py::arg("file"), py::arg("structure"));
 }
 

@@ -27,7 +27,7 @@ struct Option {
 
 /// A subcommand of the program: one file each.
 struct Command {
-    std::string name;                 ///< "fit"
+    std::string name;                 ///< "fit"; of two words, "screen export"
     std::string summary;              ///< one line for the list of commands
     std::string description;          ///< paragraphs for its help, separated by empty lines
     std::vector<Option> options = {}; ///< in the order in which the help shows them

@@ -14,6 +14,13 @@ namespace cli {
 
 namespace {
 
+/// How many of the words name a command: two where there is one of such a name, "screen export".
+std::size_t WordsOfName(const std::vector<Command> &commands, const std::vector<std::string> &words) {
+    const bool isPair =
+        words.size() > 1 && std::ranges::count(commands, words[0] + ' ' + words[1], &Command::name) > 0;
+    return isPair ? 2 : 1;
+}
+
 const Command &FindCommand(const std::vector<Command> &commands, const std::string &name) {
     const auto found = std::ranges::find(commands, name, &Command::name);
     if (found == commands.end()) {
@@ -43,6 +50,8 @@ int Dispatch(const std::vector<Command> &commands, const std::vector<std::string
         std::cout << "morvanex " MORVANEX_VERSION "\n";
     else if (first == "--man")
         std::cout << ManualPage(commands);
+    else if (WordsOfName(commands, words) == 2)
+        return RunCommand(FindCommand(commands, first + ' ' + words[1]), {words.begin() + 2, words.end()});
     else
         return RunCommand(FindCommand(commands, first), {words.begin() + 1, words.end()});
     return Succeeded;

@@ -6,7 +6,7 @@ import os
 import sys
 import warnings
 from collections.abc import Iterable
-from typing import Any, Optional, Union
+from typing import Any, NamedTuple, Optional, Union
 
 import numpy
 from numpy.typing import NDArray
@@ -16,6 +16,15 @@ from ._errors import MorvanexWarning
 from ._poses import Pose
 
 Path = Union[str, "os.PathLike[str]"]
+
+
+class ResidueInfo(NamedTuple):
+    """A residue of a polymer chain: the chain's identifier, its name and number, and its mean B factor, which is the
+    confidence (pLDDT) of a predicted one."""
+
+    chain: str
+    label: str
+    b_factor: float
 
 
 class Structure:
@@ -47,6 +56,27 @@ class Structure:
     def coordinates(self) -> NDArray[numpy.float32]:
         """Of all atoms in Å, shape (atoms, 3): a copy."""
         return self._native.coordinates
+
+    @property
+    def polymer_residues(self) -> list[ResidueInfo]:
+        """Of the polymer chains, in model order.
+
+        >>> read_structure("examples/1tii_D_displaced.pdb").polymer_residues[0].label
+        'GLY1'
+        """
+        return [ResidueInfo(*row) for row in self._native.residue_table]
+
+    def picked(self, mask: Iterable[bool]) -> "Structure":
+        """Those of the `polymer_residues` for which `mask` is true.
+
+        Raises:
+            ValueError: where it has not an entry for each.
+
+        >>> model = read_structure("examples/1tii_D_displaced.pdb")
+        >>> len(model.picked(residue.b_factor < 50 for residue in model.polymer_residues).polymer_residues)
+        93
+        """
+        return Structure(self._native.picked([bool(entry) for entry in mask]))
 
     def moved(self, pose: Pose, chains: Optional[Iterable[str]] = None) -> "Structure":
         """A copy moved by a pose: of the whole model, or of those polymer chains alone.

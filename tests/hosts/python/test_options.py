@@ -13,7 +13,10 @@ NOT_IN_PYTHON = {
     "place": {
         "quiet": "Python prints nothing",
         "copies": "Python places one model at a time",
-        "assembly": "likewise",
+        "assembly": "of copies and several models",
+        "max_distance": "of copies and several models",
+        "rest": "of copies and several models",
+        "moved_map": "Python places models, not maps",
     },
     "fit": {"quiet": "Python prints nothing"},
     "simulate": {},

@@ -28,7 +28,12 @@ std::vector<Command> Commands() {
         std::cout << "done " << arguments.operand << '\n';
         return Succeeded;
     };
-    return {command};
+    Command pair{.name = "do again", .summary = "do it again", .description = "Does it.", .options = {}};
+    pair.run = [](const Arguments &) -> int {
+        std::cout << "done again\n";
+        return Succeeded;
+    };
+    return {command, pair};
 }
 
 struct Outcome {
@@ -50,6 +55,12 @@ TEST(RunProgram, RunsTheCommand) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "done it\n");
     EXPECT_EQ(outcome.errors, "");
+}
+
+TEST(RunProgram, RunsACommandOfTwoWords) {
+    EXPECT_EQ(OutcomeOf({"do", "again"}).output, "done again\n");
+    EXPECT_EQ(OutcomeOf({"do", "--", "again"}).output, "done again\n") << "here it is the operand";
+    EXPECT_EQ(OutcomeOf({"do", "again", "--no"}).errors.substr(0, 17), "morvanex do again");
 }
 
 TEST(RunProgram, ReportsAFailure) {
