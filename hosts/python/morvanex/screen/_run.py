@@ -289,7 +289,7 @@ def run(
         models: see `find_models`.
         settings: with which they are placed.
         results: an SQLite file; made where there is none.
-        scheduler: address of a Dask scheduler, "tcp://…" or "tls://…"; processes of this machine unless given.
+        scheduler: address of a Dask scheduler, ``tcp://HOST:PORT`` or ``tls://HOST:PORT``; processes of this machine unless given.
         workers: number of these processes, one for each core unless given.
         tls: files for a scheduler behind TLS: tls_ca_file, tls_client_cert, tls_client_key.
         show: is called about once a second with how far the run is.
