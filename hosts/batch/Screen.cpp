@@ -206,8 +206,7 @@ Command ScreenCommand() {
             "Ctrl-C, SIGTERM and SIGHUP stop it (exit status 130, 143 and 129). This command needs the "
             "Python part of Morvanex.",
         .options = ScreenOptions(),
-        .example =
-            "morvanex screen --map map.mrc --resolution 6.6 --models models/ --results run.sqlite --top 3",
+        .example = "morvanex screen --map m.mrc --resolution 7 --models models --results r.sqlite",
         .run = RunScreen,
     };
 }
