@@ -12,10 +12,10 @@ from conftest import command
 NOT_IN_PYTHON = {
     "place": {
         "quiet": "Python prints nothing",
-        "copies": "Python places one model at a time",
-        "assembly": "of copies and several models",
-        "max_distance": "of copies and several models",
-        "rest": "of copies and several models",
+        **dict.fromkeys(
+            ["copies", "assembly", "max_distance", "rest", "symmetry", "symmetry_axis", "symmetry_centre", "symmetry_from"],
+            "Python places one model at a time, not copies or several models together",
+        ),
         "moved_map": "Python places models, not maps",
     },
     "fit": {"quiet": "Python prints nothing"},
