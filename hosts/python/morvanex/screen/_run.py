@@ -9,6 +9,7 @@ import pathlib
 import sqlite3
 import tempfile
 import time
+import warnings
 from collections import deque
 from collections.abc import Callable, Iterator, Sequence
 from concurrent.futures import CancelledError
@@ -98,6 +99,8 @@ def client_of(scheduler: Optional[str], workers: int, tls: Optional[dict[str, st
     # What goes wrong is told in the run's own words.
     for logger in ("distributed", "distributed.client", "distributed.core", "tornado.application"):
         logging.getLogger(logger).setLevel(logging.CRITICAL)
+    # A batch of models weighs about as much as Dask thinks unusual.
+    warnings.filterwarnings("ignore", message="Large object of size", category=UserWarning)
     # The run itself decides what is tried again.
     dask.config.set({"distributed.scheduler.allowed-failures": 0})
     if scheduler is not None:
