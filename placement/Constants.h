@@ -239,6 +239,8 @@ constexpr double minPlaceShare = 0.7;
 constexpr double averageVoxel = 0.16, maxAverageVoxels = 2e8;
 /// What a map shows with this probability is used where sure places say the same.
 constexpr double likelySymmetry = 0.5;
+/// Steps along a helix between places that say the same.
+constexpr int farthestSteps = 20;
 /// A copy lies in the map where this part of its points does.
 constexpr double wholeCopy = 0.95;
 /// Steps along a helix that are correlated, to either side.

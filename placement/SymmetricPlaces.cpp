@@ -181,7 +181,7 @@ std::size_t OrderOf(const Symmetry &symmetry, const PlaceSymmetry &places) {
 /// Whether an operator brings each of several places upon each other one.
 bool Relates(const Symmetry &symmetry, const Pose &frame, std::span<const Pose> places,
              const PointModel &model, double tolerance) {
-    const std::vector<Motion> motions = MotionsOf(symmetry, frame, helixReach);
+    const std::vector<Motion> motions = MotionsOf(symmetry, frame, farthestSteps);
     const auto related = [&](const Pose &from, const Pose &to) {
         return std::ranges::any_of(motions, [&](const Motion &motion) {
             return SquaredRmsd(model, Moved(motion, from), to) < tolerance * tolerance;
