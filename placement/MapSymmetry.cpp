@@ -196,8 +196,10 @@ private:
     std::vector<double> WrongScores(const SymmetricPose &at) const {
         const int reach =
             at.symmetry.IsHelical() ? int(m_map.body.gyration / at.symmetry.rise) + helixReach : 0;
+        const std::vector<Motion> motions = MotionsOf(at.symmetry, at.frame, reach);
         std::vector<Pose> right;
-        for (const Motion &motion : MotionsOf(at.symmetry, at.frame, reach))
+        right.reserve(motions.size());
+        for (const Motion &motion : motions)
             right.push_back(Moved(motion, at.pose));
         std::vector<double> scores;
         for (const ScoredPose &motion : m_motions) {

@@ -155,7 +155,10 @@ Json PlacesJson(const PlaceSymmetry &places) {
 SymmetryRecord MakeSymmetryRecord(const SymmetryRequest &request, const SymmetricResult &result,
                                   const VolumeView &map) {
     SymmetryRecord record{request, result.ofMap, result.ofPlaces, result.used, result.reason, map.origin};
-    const auto voxel = [&](std::size_t axis) { return double(map.count[axis] / 2) * map.spacing[axis]; };
+    const auto voxel = [&](std::size_t axis) {
+        const std::size_t half = map.count[axis] / 2;
+        return double(half) * map.spacing[axis];
+    };
     record.middle = map.origin + Point{voxel(0), voxel(1), voxel(2)};
     return record;
 }
