@@ -85,7 +85,7 @@ QString WriteBeside(const QString &folder, int number, Compound *top) {
     if (!QDir().mkpath(own))
         throw formats::FileError(own.toStdString(), "", "the folder cannot be made");
     const auto *map = dynamic_cast<const Grid *>(top);
-    const QString file = own + '/' + FileNameOf(top) + (map ? ".mrc" : ".cif");
+    QString file = own + '/' + FileNameOf(top) + (map ? ".mrc" : ".cif");
     if (map)
         formats::WriteMap(file.toStdString(), *map, top->GetName());
     else

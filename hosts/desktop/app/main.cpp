@@ -4,9 +4,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QTimer>
-
-#include <cstdio>
 
 int main(int count, char **words) {
     desktop::SceneView::PrepareApplication();
@@ -36,9 +33,7 @@ int main(int count, char **words) {
     QObject::connect(&window, &desktop::MainWindow::closed, &application, &QApplication::quit,
                      Qt::QueuedConnection);
     window.show();
-    QTimer::singleShot(0, &window, [&] {
-        window.OfferToRestore();
-        window.Open(parser.positionalArguments());
-    });
+    window.OfferToRestore();
+    window.Open(parser.positionalArguments());
     return QApplication::exec();
 }

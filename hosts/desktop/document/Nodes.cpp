@@ -62,7 +62,7 @@ std::vector<Compound *> Uppermost(const std::vector<Compound *> &nodes) {
 }
 
 QString NameOf(const Compound *node) {
-    const QString label = QString::fromStdString(node->GetLabel());
+    QString label = QString::fromStdString(node->GetLabel());
     const auto *chain = dynamic_cast<const Chain *>(node);
     if (!chain)
         return label;

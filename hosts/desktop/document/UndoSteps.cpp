@@ -2,8 +2,6 @@
 
 #include "Space.h"
 
-#include <ranges>
-
 using namespace VARNO;
 
 namespace desktop {
@@ -23,8 +21,8 @@ void NodesStep::TakeOut() {
 void NodesStep::PutBack() {
     m_out = false;
     // The other way round, so that each finds its former place.
-    for (Compound *node : m_nodes | std::views::reverse)
-        Space::instance()->PutBack(node);
+    for (auto node = m_nodes.rbegin(); node != m_nodes.rend(); ++node)
+        Space::instance()->PutBack(*node);
 }
 
 } // namespace desktop

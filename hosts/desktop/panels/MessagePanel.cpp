@@ -63,6 +63,8 @@ MessagePanel::MessagePanel()
     buttons->addStretch();
     layout->addWidget(m_text);
     layout->addLayout(buttons);
+    // Queued where it is said on another thread.
+    connect(this, &MessagePanel::said, this, &MessagePanel::Append);
     listener = this;
     previous = qInstallMessageHandler(Hear);
 }
@@ -74,11 +76,11 @@ MessagePanel::~MessagePanel() {
 }
 
 void MessagePanel::Add(QtMsgType level, const QString &text) {
-    QMetaObject::invokeMethod(
-        this, [this, level, text] { Append(level, text); }, Qt::AutoConnection);
+    emit said(int(level), text);
 }
 
-void MessagePanel::Append(QtMsgType level, const QString &text) {
+void MessagePanel::Append(int type, const QString &text) {
+    const auto level = QtMsgType(type);
     m_text->appendPlainText(QTime::currentTime().toString("HH:mm:ss") + "  " + NameOf(level) + ": " + text);
     if (level != QtDebugMsg && level != QtInfoMsg)
         emit warned(text);

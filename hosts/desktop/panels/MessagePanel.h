@@ -22,9 +22,11 @@ public:
 signals:
     /// A warning or worse has come.
     void warned(const QString &text);
+    /// A message of that QtMsgType, on the thread that it came on.
+    void said(int level, const QString &text);
 
 private:
-    void Append(QtMsgType level, const QString &text);
+    void Append(int type, const QString &text);
 
     QPlainTextEdit *m_text;
 };
