@@ -49,11 +49,13 @@ def without_time(json):
 
 
 @contextlib.contextmanager
-def interrupted_after(seconds):
-    """Ctrl-C reaches this process, unless the work within has ended by then."""
-    timer = threading.Timer(seconds, signal.pthread_kill, (threading.main_thread().ident, signal.SIGINT))
-    timer.start()
-    try:
-        yield
-    finally:
-        timer.cancel()
+def interruption():
+    """A `progress` that has Ctrl-C reach this process, from another thread, once some work is done."""
+    begun = threading.Event()
+
+    def interrupt():
+        begun.wait()
+        signal.pthread_kill(threading.main_thread().ident, signal.SIGINT)
+
+    threading.Thread(target=interrupt, daemon=True).start()
+    yield lambda share: begun.set() if share > 0 else None

@@ -9,7 +9,7 @@ import gemmi
 import pytest
 
 import morvanex
-from conftest import COMPLEX, MAP, MODEL, CommandFailed, command, interrupted_after, without_time
+from conftest import COMPLEX, MAP, MODEL, CommandFailed, command, interruption, without_time
 
 SMALL = dict(axis=1, rotation_step=30, keep=20)
 WORDS = ["--axis", 1, "--rotation-step", 30, "--keep", 20]
@@ -101,8 +101,8 @@ def test_settings_come_from_where_the_command_has_them(tmp_path):
 
 
 def test_ctrl_c_raises_after_keeping_what_was_found():
-    with interrupted_after(0.5), pytest.raises(KeyboardInterrupt) as error:
-        morvanex.fit(MAP, MODEL, axis=4, rotation_step=1, threads=1, json="stopped.json")
+    with interruption() as progress, pytest.raises(KeyboardInterrupt) as error:
+        morvanex.fit(MAP, MODEL, axis=9, rotation_step=1, threads=1, json="stopped.json", progress=progress)
     counts = error.value.result.as_dict()["counts"]
     assert 0 < counts["axesDone"] < counts["axes"]
     assert error.value.result.solutions

@@ -10,7 +10,7 @@ import numpy
 import pytest
 
 import morvanex
-from conftest import COMPLEX, MAP, MODEL, CommandFailed, command, interrupted_after, without_time
+from conftest import COMPLEX, MAP, MODEL, CommandFailed, command, interruption, without_time
 
 SETTINGS = dict(resolution=8)
 
@@ -181,8 +181,8 @@ def test_an_exception_of_progress_stops_the_search_and_comes_out(slow_search):
 
 
 def test_ctrl_c_raises_after_keeping_what_was_found(slow_search):
-    with interrupted_after(0.5), pytest.raises(KeyboardInterrupt) as error:
-        slow_search(json="stopped.json")
+    with interruption() as progress, pytest.raises(KeyboardInterrupt) as error:
+        slow_search(json="stopped.json", progress=progress)
     assert error.value.result.as_dict()["search"]["cancelled"]
     assert json.loads(pathlib.Path("stopped.json").read_text())["search"]["cancelled"]
 
