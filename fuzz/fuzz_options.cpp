@@ -24,6 +24,9 @@ const cli::Command *CommandNamed(const std::string &name) {
 
 void Read(const cli::Command &command, const std::vector<std::string> &words) {
     const cli::Arguments arguments = cli::ParseArguments(command, words);
+    // Nothing was checked then, and the program reads no more.
+    if (arguments.wantsHelp)
+        return;
     for (const cli::Option &option : command.options) {
         arguments.List(option.name);
         if (option.value == cli::Value::Integer)
