@@ -1,6 +1,6 @@
 #pragma once
 
-#include "placement/Confidence.h"
+#include "placement/FindPlaces.h"
 
 #include <nlohmann/json.hpp>
 
@@ -31,6 +31,20 @@ inline Json ConfidenceJson(const placement::Confidence &confidence) {
             {"place", confidence.place},
             {"otherTurns", confidence.otherTurns},
             {"logExpected", confidence.logExpected}};
+}
+
+/// A place of a list, the best of which has the rank 1; of one that is not judged no probability is known.
+inline Json PlaceEntry(const placement::Place &place, std::size_t rank, bool judged) {
+    return {{"rank", rank},
+            {"score", place.score},
+            {"probability", judged ? Json(place.probability) : Json(nullptr)},
+            {"logExpected", judged ? Json(place.logExpected) : Json(nullptr)},
+            {"otherTurn", place.otherTurn},
+            {"inDensity", place.inDensity},
+            {"overlap", place.overlap},
+            {"centre", PointOf(place.pose.centre)},
+            {"rotation", RotationOf(place.pose.rotation)},
+            {"translation", PointOf(place.translation)}};
 }
 
 /// Begins a file with the members of an object, which is still to be closed.

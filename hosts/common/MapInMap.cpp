@@ -61,18 +61,6 @@ Json Head(const MapInMapRecord &record) {
     };
 }
 
-Json Entry(const Place &place, std::size_t rank, bool judged) {
-    return {{"rank", rank},
-            {"score", place.score},
-            {"probability", judged ? Json(place.probability) : Json(nullptr)},
-            {"logExpected", judged ? Json(place.logExpected) : Json(nullptr)},
-            {"otherTurn", place.otherTurn},
-            {"inDensity", place.inDensity},
-            {"centre", PointOf(place.pose.centre)},
-            {"rotation", RotationOf(place.pose.rotation)},
-            {"translation", PointOf(place.translation)}};
-}
-
 /// The centre of a map's box, and how far its corners lie from it.
 Sphere BoxOf(const Grid &map) {
     const VolumeView view = ViewOf(map);
@@ -168,7 +156,7 @@ void WriteMapInMapJson(std::ostream &out, const MapInMapRecord &record) {
     const MapInMapResult &result = record.result;
     WriteHead(out, Head(record));
     WriteList(out, "places", result.result.places.size(), [&](std::size_t i) {
-        return Entry(result.result.places[i], i + 1, result.result.verdict != Verdict::Refined);
+        return PlaceEntry(result.result.places[i], i + 1, result.result.verdict != Verdict::Refined);
     });
     WriteList(out, "shells", result.shells.size(), [&](std::size_t i) {
         return Json{{"wavenumber", result.shells[i].wavenumber},

@@ -108,19 +108,6 @@ Json Head(const PlaceRecord &record) {
     };
 }
 
-Json Entry(const Place &place, std::size_t rank, bool judged) {
-    return {{"rank", rank},
-            {"score", place.score},
-            {"probability", judged ? Json(place.probability) : Json(nullptr)},
-            {"logExpected", judged ? Json(place.logExpected) : Json(nullptr)},
-            {"otherTurn", place.otherTurn},
-            {"inDensity", place.inDensity},
-            {"overlap", place.overlap},
-            {"centre", PointOf(place.pose.centre)},
-            {"rotation", RotationOf(place.pose.rotation)},
-            {"translation", PointOf(place.translation)}};
-}
-
 PlacementResult SearchOneHand(const PlaceInput &input, const PlacementParameters &parameters,
                               PlaceScope scope, Monitor &monitor) {
     return scope == PlaceScope::Refine ? RefinePlace(ViewOf(*input.map), input.atoms, parameters, monitor)
@@ -286,7 +273,7 @@ void WritePlaceJson(std::ostream &out, const PlaceRecord &record) {
     WriteHead(out, Head(record));
     const PlacementResult &result = record.result;
     WriteList(out, "places", result.places.size(), [&](std::size_t i) {
-        return Entry(result.places[i], i + 1, result.verdict != Verdict::Refined);
+        return PlaceEntry(result.places[i], i + 1, result.verdict != Verdict::Refined);
     });
     WriteList(out, "profile", result.profile.size(), [&](std::size_t i) {
         return Json{{"chain", record.residues[i].chain},
