@@ -3,6 +3,7 @@
 #include "CommonOptions.h"
 
 #include "base/Numbers.h"
+#include "hosts/common/PlaceChecks.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +14,7 @@
 using namespace cli;
 using hosts::DistanceOptions;
 using hosts::PartOptions;
+using hosts::Placed;
 using hosts::PlaceOptions;
 using hosts::PlaceScope;
 using hosts::ResidueName;
@@ -33,14 +35,6 @@ std::optional<double> Resolution(const Arguments &arguments) {
 }
 
 PlaceScope Scope(const Arguments &arguments) {
-    const std::vector<std::string> exclusive{"--near", "--refine", "--region"};
-    std::vector<std::string> given;
-    std::ranges::copy_if(exclusive, std::back_inserter(given),
-                         [&](const std::string &option) { return arguments.Has(option); });
-    if (given.size() > 1)
-        throw std::runtime_error(given[0] + " and " + given[1] + " exclude one another");
-    if (arguments.Has("--refine") && arguments.Has("--hands"))
-        throw std::runtime_error("--refine and --hands exclude one another");
     if (arguments.Has("--refine"))
         return PlaceScope::Refine;
     return arguments.Has("--near") ? PlaceScope::Near : PlaceScope::WholeMap;
@@ -73,29 +67,13 @@ std::optional<placement::Point> PointIn(const Arguments &arguments, const std::s
     return placement::Point{numbers[0], numbers[1], numbers[2]};
 }
 
-/// "auto", "H" for any helix, or a symmetry by its name.
-std::optional<placement::Symmetry> SymmetryOf(const std::string &text) {
-    if (text == "auto")
-        return std::nullopt;
-    if (text == "H" || text == "h")
-        return placement::Symmetry{placement::SymmetryKind::Helical, 1};
-    const std::optional<placement::Symmetry> symmetry = placement::ReadSymmetry(text);
-    if (!symmetry || symmetry->IsNone())
-        Refuse("--symmetry", text,
-               "auto, Cn or Dn with n from 2 to 60, T, O, I, H or H:RISE,TWIST in Å and degrees");
-    return symmetry;
-}
-
 std::optional<SymmetryOptions> SymmetryIn(const Arguments &arguments) {
     if (!arguments.Has("--symmetry") && !arguments.Has("--symmetry-from"))
         return std::nullopt;
-    for (const char *option : {"--refine", "--hands", "--fixed"})
-        if (arguments.Has(option))
-            throw std::runtime_error(std::string(option) + " and --symmetry exclude one another");
     SymmetryOptions options;
     options.file = arguments.GivenText("--symmetry-from");
     if (arguments.Has("--symmetry"))
-        options.request.symmetry = SymmetryOf(arguments.Text("--symmetry"));
+        options.request.symmetry = hosts::ReadAskedSymmetry(arguments.Text("--symmetry"));
     options.request.axis = PointIn(arguments, "--symmetry-axis", "a direction");
     options.request.centre = PointIn(arguments, "--symmetry-centre", "a point in Å");
     if (options.request.axis && !(Length(*options.request.axis) > 0))
@@ -153,6 +131,10 @@ std::vector<DistanceOptions> Distances(const Arguments &arguments) {
     return distances;
 }
 
+hosts::GivenOptions GivenOf(const Arguments &arguments) {
+    return {[&arguments](const std::string &option) { return arguments.Has(OptionOf(option)); }, OptionOf};
+}
+
 /// The parts of an assembly, where one is asked for.
 std::vector<PartOptions> Parts(const Arguments &arguments) {
     const std::string text = arguments.Text("--copies");
@@ -164,26 +146,18 @@ std::vector<PartOptions> Parts(const Arguments &arguments) {
     const bool isCounted = parts.front().file != arguments.Texts("--model").front();
     const auto isGiven = [&](const char *option) { return arguments.Has(option); };
     if (parts.size() == 1 && !isCounted &&
-        std::ranges::none_of(std::array{"--copies", "--assembly", "--rest", "--max-distance"}, isGiven))
+        std::ranges::none_of(std::array{"--copies", "--assembly", "--rest", "--max-distance"}, isGiven)) {
+        CheckCombination(GivenOf(arguments), Placed::OneModel);
         return {};
-    const auto refuse = [&](const char *option) {
-        if (arguments.Has(option))
-            throw std::runtime_error(std::string(option) +
-                                     " is of the places of one model, and not for copies or several models");
-    };
-    for (const char *option : {"--near", "--refine", "--region", "--hands", "--results", "--models",
-                               "--model-prefix", "--moved-map"})
-        refuse(option);
+    }
     const bool isSymmetric = isGiven("--symmetry") || isGiven("--symmetry-from");
-    if (isSymmetric && parts.size() == 1 && !isCounted && !isGiven("--copies") && !isGiven("--max-distance"))
+    if (isSymmetric && parts.size() == 1 && !isCounted && !isGiven("--copies") &&
+        !isGiven("--max-distance")) {
+        CheckCombination(GivenOf(arguments), Placed::SymmetricCopies);
         return {{parts.front().file, std::nullopt}};
-    for (const char *option : {"--symmetry", "--symmetry-from"})
-        refuse(option);
-    for (auto part = parts.begin(); part != parts.end(); ++part)
-        if (std::any_of(parts.begin(), part,
-                        [&](const PartOptions &other) { return other.file == part->file; }))
-            throw std::runtime_error("--model: " + part->file + " is given twice; " + part->file +
-                                     "=2 places two copies");
+    }
+    CheckCombination(GivenOf(arguments), Placed::Assembly);
+    CheckParts(parts);
     return parts;
 }
 
@@ -334,8 +308,6 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     CheckTogether(arguments, "--mirrored-map", "--hands");
     CheckTogether(arguments, "--symmetry-axis", "--symmetry");
     CheckTogether(arguments, "--symmetry-centre", "--symmetry");
-    if (arguments.Has("--symmetry") && arguments.Has("--symmetry-from"))
-        throw std::runtime_error("--symmetry and --symmetry-from exclude one another");
     PlaceOptions options;
     options.map = arguments.Text("--map");
     options.model = arguments.Texts("--model").front();

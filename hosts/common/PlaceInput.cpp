@@ -192,6 +192,13 @@ void CollectModelAtoms(PlaceModel &model, std::optional<double> minBFactor) {
     }
 }
 
+double ResolutionOf(const PlaceOptions &options, const PlaceInput &input) {
+    return options.resolution ? *options.resolution
+                              : placement::EstimateResolution(ViewOf(*input.map),
+                                                              placement::MakePointModel(TypicalAtoms(input)),
+                                                              unsigned(options.threads));
+}
+
 placement::VolumeView ViewOf(const Grid &map) {
     const auto &size = map.Dimensions();
     const auto &voxel = map.Spacing();
@@ -212,11 +219,7 @@ PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn, 
     input.map = LoadMap(options.map, warn, &input.mapReport, source);
     if (options.invert)
         std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
-    input.resolution = options.resolution
-                           ? *options.resolution
-                           : placement::EstimateResolution(ViewOf(*input.map),
-                                                           placement::MakePointModel(TypicalAtoms(input)),
-                                                           unsigned(options.threads));
+    input.resolution = ResolutionOf(options, input);
     CollectNeighbours(input, warn);
     if (!options.parts.empty())
         WarnOfClashes(input.fixed, warn);

@@ -44,6 +44,9 @@ struct PlaceInput : PlaceModel {
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn,
                           InputSource &source = InputFiles());
 
+/// The map's resolution in Å, as given or as estimated with the model, or the largest part.
+double ResolutionOf(const PlaceOptions &options, const PlaceInput &input);
+
 /// The map as the search takes it; valid as long as the map is.
 placement::VolumeView ViewOf(const VARNO::Grid &map);
 

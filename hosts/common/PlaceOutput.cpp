@@ -39,17 +39,6 @@ void WriteResultsList(const std::string &file, const std::vector<Place> &places)
     formats::ReplaceFile(file, [&](std::ostream &out) { out.write(buffer.data().data(), buffer.size()); });
 }
 
-/// The map with its voxels in the opposite order along x.
-std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map) {
-    auto mirrored = std::make_unique<VARNO::Grid>(map.GetName(), map.Dimensions(), map.Origin(),
-                                                  map.Spacing(), map.Angles());
-    const std::size_t row = map.Dimensions()[0];
-    for (std::size_t first = 0; first < map.Values().size(); first += row)
-        std::ranges::reverse_copy(map.Values().subspan(first, row),
-                                  mirrored->Values().begin() + std::ptrdiff_t(first));
-    return mirrored;
-}
-
 } // namespace
 
 void CheckPlaceOutputs(const PlaceOptions &options, formats::StructureFormat format) {
@@ -86,6 +75,16 @@ Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input) {
                                     VARNO::Transform(solution.rotation, solution.translation));
         });
     return writer.Result();
+}
+
+std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map) {
+    auto mirrored = std::make_unique<VARNO::Grid>(map.GetName(), map.Dimensions(), map.Origin(),
+                                                  map.Spacing(), map.Angles());
+    const std::size_t row = map.Dimensions()[0];
+    for (std::size_t first = 0; first < map.Values().size(); first += row)
+        std::ranges::reverse_copy(map.Values().subspan(first, row),
+                                  mirrored->Values().begin() + std::ptrdiff_t(first));
+    return mirrored;
 }
 
 } // namespace hosts

@@ -15,4 +15,7 @@ void CheckPlaceOutputs(const PlaceOptions &options, formats::StructureFormat for
 /// written.
 Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input);
 
+/// The map with its voxels in the opposite order along x.
+std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map);
+
 } // namespace hosts

@@ -1,5 +1,7 @@
 #include "hosts/common/SymmetryOptions.h"
 
+#include "hosts/common/ParameterError.h"
+
 #include "formats/files/FileError.h"
 #include "formats/structures/AssemblyOperators.h"
 #include "placement/PlaceSymmetry.h"
@@ -17,6 +19,19 @@ PointModel MarkerModel() {
 }
 
 } // namespace
+
+std::optional<Symmetry> ReadAskedSymmetry(const std::string &text) {
+    if (text == "auto")
+        return std::nullopt;
+    if (text == "H" || text == "h")
+        return Symmetry{SymmetryKind::Helical, 1};
+    const std::optional<Symmetry> symmetry = ReadSymmetry(text);
+    if (!symmetry || symmetry->IsNone())
+        throw ParameterError(
+            "symmetry",
+            text + " is not auto, Cn or Dn with n from 2 to 60, T, O, I, H or H:RISE,TWIST in Å and degrees");
+    return symmetry;
+}
 
 SymmetryRequest ReadSymmetryRequest(const SymmetryOptions &options) {
     SymmetryRequest request = options.request;

@@ -326,7 +326,7 @@ TEST_F(Assemble, RefusesWhatMakesNoAssembly) {
     EXPECT_EQ(errorOf({"--model", "a.pdb=many"}),
               "--model: a.pdb=many is not a whole number of copies from 1 to 1000, or auto\n");
     EXPECT_EQ(errorOf({"--model", "a.pdb", "--model", "a.pdb=3"}),
-              "--model: a.pdb is given twice; a.pdb=2 places two copies\n");
+              "--model: a.pdb is given twice; ask for two copies of it instead\n");
     EXPECT_THAT(errorOf({"--model", "a.pdb=2", "--hands"}), HasSubstr("--hands is"));
     EXPECT_THAT(errorOf({"--model", "none.pdb=2"}), HasSubstr("none.pdb"));
     EXPECT_THAT(errorOf({"--model", Example("1tii_8A.mrc"), "--copies", "2"}),
