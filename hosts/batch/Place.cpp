@@ -8,7 +8,6 @@
 #include "PlaceReport.h"
 #include "cli/Diagnostics.h"
 #include "cli/StopSignals.h"
-#include "hosts/common/MapInMap.h"
 #include "hosts/common/ParameterError.h"
 #include "hosts/common/PlaceOutput.h"
 
@@ -34,10 +33,8 @@ int PlaceAsTold(const Arguments &arguments) {
     const PlaceOptions options = ReadPlaceOptions(arguments);
     if (!options.parts.empty())
         return Assemble(options);
-    if (IsMapFile(options.model))
+    if (InputFiles().IsMap(options.model))
         return PlaceMap(options);
-    if (options.movedMap)
-        throw ParameterError("moved-map", "is for a map as the model");
     const PlaceInput input = ReadPlaceInput(options, Warn);
     CheckPlaceOutputs(options, input.format);
     PlaceRecord record = MakePlaceRecord(options, input);

@@ -9,7 +9,6 @@
 #include "cli/Diagnostics.h"
 #include "cli/StopSignals.h"
 #include "hosts/common/MapInMap.h"
-#include "hosts/common/ParameterError.h"
 
 #include <iostream>
 
@@ -19,20 +18,6 @@ using namespace hosts;
 namespace batch {
 
 namespace {
-
-void CheckOptions(const PlaceOptions &options) {
-    const auto refuse = [](bool given, const std::string &parameter) {
-        if (given)
-            throw ParameterError(parameter, "is for structures, and the model is a map");
-    };
-    refuse(options.chains.has_value(), "chain");
-    refuse(options.minPlddt.has_value(), "min-plddt");
-    refuse(!options.fixed.empty(), "fixed");
-    refuse(options.mirroredMap.has_value(), "mirrored-map");
-    refuse(options.symmetry.has_value(), "symmetry");
-    refuse(options.results.has_value(), "results");
-    refuse(options.models > 0, "models");
-}
 
 void ReportMap(const std::string &label, const std::string &file, const VARNO::Grid &map) {
     const auto &size = map.Dimensions();
@@ -72,7 +57,6 @@ void ReportResult(const MapInMapRecord &record, const std::vector<std::string> &
 } // namespace
 
 int PlaceMap(const PlaceOptions &options) {
-    CheckOptions(options);
     const MapInMapInput input = ReadMapInMapInput(options, Warn);
     CheckMapInMapOutputs(options);
     MapInMapRecord record{options, {}, 0};
@@ -90,8 +74,8 @@ int PlaceMap(const PlaceOptions &options) {
     stopSignals.EnterStep("the writing of what was found");
     // The files come first: whoever reads standard output may have gone away.
     const auto [written, errors] = WriteMapInMapOutputs(record, input);
-    if (options.movedMap && record.result.result.places.empty())
-        Warn(*options.movedMap + " is not written, since the map has no place");
+    for (const std::string &warning : WarningsOf(record))
+        Warn(warning);
     ReportResult(record, written);
     for (const std::string &error : errors)
         ReportError(error);

@@ -327,6 +327,12 @@ std::string ExplainedText(const AssemblyRecord &record) {
     return base::PlainFixed(100 * record.result.explained, 1) + " % of the map's power up to its resolution";
 }
 
+std::vector<std::string> WarningsOf(const AssemblyRecord &record) {
+    if (record.options.assembly && record.result.copies.empty())
+        return {*record.options.assembly + " is not written, since nothing is placed"};
+    return {};
+}
+
 void WriteAssemblyJson(std::ostream &out, const AssemblyRecord &record) {
     WriteHead(out, Head(record));
     WriteList(out, "parts", record.parts.size(), [&](std::size_t i) { return PartEntry(record, i); });

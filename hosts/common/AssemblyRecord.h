@@ -63,6 +63,9 @@ std::string DistanceText(const AssemblyRecord &record, std::size_t distance);
 std::string RefinementText(const AssemblyRecord &record);
 std::string ExplainedText(const AssemblyRecord &record);
 
+/// What is remarkable in what came of a search, for the user: a warning each.
+std::vector<std::string> WarningsOf(const AssemblyRecord &record);
+
 /// Writes the record: numbers in full precision.
 void WriteAssemblyJson(std::ostream &out, const AssemblyRecord &record);
 

@@ -1,5 +1,9 @@
 #include "hosts/common/Inputs.h"
 
+#include "formats/files/FileError.h"
+
+#include <filesystem>
+
 using namespace VARNO;
 
 namespace hosts {
@@ -23,6 +27,18 @@ void WarnOf(const std::string &file, const Report &report, const WarningSink &wa
 }
 
 } // namespace
+
+bool InputSource::IsMap(const std::string &name) const {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(name, ignored))
+        return false;
+    try {
+        formats::ByteSource source(name);
+        return formats::IsMap(source);
+    } catch (const formats::FileError &) {
+        return false;
+    }
+}
 
 InputSource &InputFiles() {
     static Files files;

@@ -16,6 +16,8 @@ public:
     virtual VARNO::Clump *Structure(const std::string &name, formats::StructureReport &report) = 0;
     /// Throws FileError. The caller may change the grid's values.
     virtual VARNO::Grid *Map(const std::string &name, formats::MapReport &report) = 0;
+    /// Whether it is a density map, by what it holds; no where it cannot be read, or only once.
+    virtual bool IsMap(const std::string &name) const;
 };
 
 /// Files, each read into the model.

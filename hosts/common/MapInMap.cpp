@@ -12,7 +12,6 @@
 #include "formats/files/ReplaceFile.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <functional>
 
 using namespace placement;
@@ -80,25 +79,30 @@ std::unique_ptr<Grid> Moved(const MapInMapRecord &record, const MapInMapInput &i
     return grid;
 }
 
-} // namespace
-
-bool IsMapFile(const std::string &file) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(file, ignored))
-        return false;
-    try {
-        formats::ByteSource source(file);
-        return formats::IsMap(source);
-    } catch (const formats::FileError &) {
-        return false;
-    }
+/// What only a structure has.
+void RefuseStructures(const PlaceOptions &options) {
+    const auto refuse = [](bool given, const std::string &parameter) {
+        if (given)
+            throw ParameterError(parameter, "is for structures, and the model is a map");
+    };
+    refuse(options.chains.has_value(), "chain");
+    refuse(options.minPlddt.has_value(), "min-plddt");
+    refuse(!options.fixed.empty(), "fixed");
+    refuse(options.mirroredMap.has_value(), "mirrored-map");
+    refuse(options.symmetry.has_value(), "symmetry");
+    refuse(options.results.has_value(), "results");
+    refuse(options.models > 0, "models");
 }
 
-MapInMapInput ReadMapInMapInput(const PlaceOptions &options, const WarningSink &warn) {
+} // namespace
+
+MapInMapInput ReadMapInMapInput(const PlaceOptions &options, const WarningSink &warn, InputSource &source) {
+    RefuseStructures(options);
     if (!options.resolution)
         throw ParameterError("resolution",
                              "is needed where the model is a map: that of the coarser of the two");
-    MapInMapInput input{LoadMap(options.map, warn), LoadMap(options.model, warn)};
+    MapInMapInput input{LoadMap(options.map, warn, nullptr, source),
+                        LoadMap(options.model, warn, nullptr, source)};
     if (options.invert)
         std::ranges::transform(input.map->Values(), input.map->Values().begin(), std::negate());
     return input;
@@ -150,6 +154,12 @@ std::string CorrelationText(const MapInMapResult &result) {
         return "the maps do not agree: their shell correlation lies below 0.5 everywhere";
     return "the shell correlation falls below 0.5 at " + base::PlainFixed(half, 1) +
            " Å and below 0.143 at " + base::PlainFixed(low, 1) + " Å";
+}
+
+std::vector<std::string> WarningsOf(const MapInMapRecord &record) {
+    if (record.options.movedMap && record.result.result.places.empty())
+        return {*record.options.movedMap + " is not written, since the map has no place"};
+    return {};
 }
 
 void WriteMapInMapJson(std::ostream &out, const MapInMapRecord &record) {

@@ -22,12 +22,11 @@ struct MapInMapRecord {
     double seconds = 0;
 };
 
-/// Whether a file is a density map, by what it holds; no where it cannot be read, or only once.
-bool IsMapFile(const std::string &file);
-
 /// Reads both maps, that of `options.model` being the one that moves; `warn` hears what the reader took
-/// differently from how it stands. Throws FileError, and ParameterError without a resolution.
-MapInMapInput ReadMapInMapInput(const PlaceOptions &options, const WarningSink &warn);
+/// differently from how it stands. Throws FileError, and ParameterError without a resolution and for what
+/// only a structure has.
+MapInMapInput ReadMapInMapInput(const PlaceOptions &options, const WarningSink &warn,
+                                InputSource &source = InputFiles());
 
 /// Throws FileError for an output that cannot be written, is one of the inputs or is named twice.
 void CheckMapInMapOutputs(const PlaceOptions &options);
@@ -38,6 +37,9 @@ void FindMapOf(const MapInMapInput &input, MapInMapRecord &record, placement::Mo
 /// Sentences for people, without the last full stop: which hand the second map has, and how well it agrees.
 std::string MapHandText(const placement::MapInMapResult &result);
 std::string CorrelationText(const placement::MapInMapResult &result);
+
+/// What is remarkable in what came of a search, for the user: a warning each.
+std::vector<std::string> WarningsOf(const MapInMapRecord &record);
 
 /// Writes the record: numbers in full precision, the best place first.
 void WriteMapInMapJson(std::ostream &out, const MapInMapRecord &record);

@@ -3,6 +3,7 @@
 #include "base/Words.h"
 
 #include "hosts/common/Chains.h"
+#include "hosts/common/ParameterError.h"
 
 #include "Atom.h"
 #include "Collect.h"
@@ -171,6 +172,15 @@ const std::vector<placement::ModelAtom> &TypicalAtoms(const PlaceInput &input) {
         ->atoms;
 }
 
+/// What only a map as the model has.
+void RefuseMaps(const PlaceOptions &options, const InputSource &source) {
+    if (options.movedMap)
+        throw ParameterError("moved-map", "is for a map as the model");
+    for (const PartOptions &part : options.parts)
+        if (source.IsMap(part.file))
+            throw formats::FileError(part.file, "", "is a map; copies and several models are of structures");
+}
+
 } // namespace
 
 void CollectModelAtoms(PlaceModel &model, std::optional<double> minBFactor) {
@@ -210,6 +220,7 @@ placement::VolumeView ViewOf(const Grid &map) {
 }
 
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn, InputSource &source) {
+    RefuseMaps(options, source);
     PlaceInput input;
     if (options.symmetry)
         input.symmetry = ReadSymmetryRequest(*options.symmetry);

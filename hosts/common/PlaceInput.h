@@ -40,7 +40,8 @@ struct PlaceInput : PlaceModel {
 
 /// Reads the map, the model or the parts of an assembly, and what is already in place. `warn` hears what the
 /// readers took differently from how it stands, and of fixed residues that lie outside of the map. Throws
-/// FileError, also where no atom is left to be placed, and ParameterError for a chain that no fixed file has.
+/// FileError, also where no atom is left to be placed and for a part that is a map, and ParameterError for a
+/// chain that no fixed file has and for what only a map as the model has.
 PlaceInput ReadPlaceInput(const PlaceOptions &options, const WarningSink &warn,
                           InputSource &source = InputFiles());
 

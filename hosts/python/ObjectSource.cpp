@@ -43,4 +43,8 @@ Grid *ObjectSource::Map(const std::string &name, formats::MapReport &report) {
     return grid.get();
 }
 
+bool ObjectSource::IsMap(const std::string &name) const {
+    return m_maps.contains(name) || (!m_structures.contains(name) && InputSource::IsMap(name));
+}
+
 } // namespace python

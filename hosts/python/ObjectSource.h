@@ -25,6 +25,7 @@ public:
 
     VARNO::Clump *Structure(const std::string &name, formats::StructureReport &report) override;
     VARNO::Grid *Map(const std::string &name, formats::MapReport &report) override;
+    bool IsMap(const std::string &name) const override;
 
 private:
     Maps m_maps;

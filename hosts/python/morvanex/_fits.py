@@ -3,19 +3,19 @@
 from __future__ import annotations
 
 import json as json_format
-from collections.abc import Iterable, Sequence
+from collections.abc import Iterable
 from dataclasses import dataclass
 from typing import Any, Optional, Union
 
 from . import _morvanex
 from ._options import options
 from ._poses import Pose
-from ._structures import Structure, is_gemmi, moved_gemmi, read_structure
-from ._work import Inputs, MapInput, Path, Progress, StructureInput, finish
+from ._records import Record, Result, at, finish, moved
+from ._work import Inputs, MapInput, Path, Progress, StructureInput
 
 
 @dataclass(frozen=True)
-class Solution:
+class Solution(Record):
     """A pose that a fit kept.
 
     Attributes:
@@ -32,38 +32,18 @@ class Solution:
     score: float
     restraint_distances: tuple[float, ...]
 
-    @classmethod
-    def _of(cls, entry: dict[str, Any]) -> "Solution":
-        return cls(
-            rank=entry["rank"],
-            rank_in_file=entry["rankInFile"],
-            pose=Pose.from_json(entry),
-            score=float(entry["score"]),
-            restraint_distances=tuple(float(distance) for distance in entry["restraintDistances"]),
-        )
-
 
 @dataclass(frozen=True)
-class Fit:
+class Fit(Result):
     """What a fit came to.
 
     Attributes:
         solutions: those kept, the best first.
         chain: identifier of the chain that was fitted.
-        json: the record, as `morvanex fit --json` writes it.
-        written: what was written and where, a line for each file.
     """
 
     solutions: tuple[Solution, ...]
-    chain: str
-    json: str
-    written: tuple[str, ...]
-    _target: StructureInput
-
-    def as_dict(self) -> dict[str, Any]:
-        """Everything that the command's JSON file holds, under the same names."""
-        record: dict[str, Any] = json_format.loads(self.json)
-        return record
+    chain: str = at("input", "chain")
 
     def model(self, rank: int = 1) -> Any:
         """The target chain in the pose of that rank: a Structure, or a gemmi.Structure where one was given.
@@ -73,22 +53,7 @@ class Fit:
         """
         if not 1 <= rank <= len(self.solutions):
             raise IndexError(f"there is no solution of rank {rank}, only {len(self.solutions)}")
-        pose = self.solutions[rank - 1].pose
-        if is_gemmi(self._target):
-            return moved_gemmi(self._target, pose, [self.chain])
-        target = self._target if isinstance(self._target, Structure) else read_structure(self._target)
-        return target.moved(pose, [self.chain])
-
-    @classmethod
-    def _of(cls, json: str, written: Sequence[str], target: StructureInput) -> "Fit":
-        record = json_format.loads(json)
-        return cls(
-            solutions=tuple(map(Solution._of, record["solutions"])),
-            chain=record["input"]["chain"],
-            json=json,
-            written=tuple(written),
-            _target=target,
-        )
+        return moved(self._models[0], self.solutions[rank - 1].pose, (self.chain,))
 
 
 def fit(
@@ -171,12 +136,8 @@ def fit(
             "models": models,
             "model_prefix": model_prefix,
             "force": bool(force),
-        }
+        },
+        repeated={"solid": inputs.every(solid)},
     )
-    files = inputs.every(solid)
-    if files:
-        texts["--solid"] = files
     outcome = _morvanex.fit(texts, inputs.maps, inputs.structures, progress)
-    result = Fit._of(outcome["json"], outcome["written"], target)
-    finish(outcome, result)
-    return result
+    return finish(outcome, json_format.loads(outcome["json"]), Fit, (target,))

@@ -32,15 +32,17 @@ def text_of(value: object) -> str:
     raise TypeError(f"neither a number nor a text: {value!r}")
 
 
-def options(parameters: Mapping[str, Option]) -> dict[str, list[str]]:
-    """The options that were given, each with its values. None and False leave an option out, True is a flag.
+def options(parameters: Mapping[str, Option], repeated: Mapping[str, list[str]] = {}) -> dict[str, list[str]]:
+    """The options that were given, each with its values. None and False leave an option out, True is a flag; each text of
+    a repeated one is a value of its own.
 
-    >>> options({"resolution": 8, "chain": ["A", "B"], "invert": False, "near": True, "json": None})
-    {'--resolution': ['8'], '--chain': ['A,B'], '--near': []}
+    >>> options({"resolution": 8, "chain": ["A", "B"], "invert": False, "near": True, "json": None}, {"fixed": ["a", "b"]})
+    {'--resolution': ['8'], '--chain': ['A,B'], '--near': [], '--fixed': ['a', 'b']}
     """
     texts: dict[str, list[str]] = {}
     for parameter, value in parameters.items():
         if value is None or value is False:
             continue
         texts[option_name(parameter)] = [] if value is True else [text_of(value)]
+    texts.update((option_name(parameter), values) for parameter, values in repeated.items() if values)
     return texts

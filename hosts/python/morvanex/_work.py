@@ -3,12 +3,10 @@
 from __future__ import annotations
 
 import os
-import warnings
 from collections.abc import Callable, Iterable
 from typing import Any, Optional, TypedDict, Union
 
 from . import _morvanex
-from ._errors import FileError, MorvanexWarning
 from ._maps import Map
 from ._structures import Structure, from_gemmi, is_gemmi
 
@@ -39,8 +37,9 @@ class Inputs:
     def map(self, value: MapInput) -> str:
         if not isinstance(value, Map):
             return os.fsdecode(value)
-        self.maps[value.name] = value._native
-        return value.name
+        name = self._free(value.name, value._native)
+        self.maps[name] = value._native
+        return name
 
     def structure(self, value: StructureInput) -> str:
         if is_gemmi(value):
@@ -48,10 +47,8 @@ class Inputs:
         if not isinstance(value, Structure):
             return os.fsdecode(value)
         # Behind an equals sign the command's option would expect a number of copies.
-        name, number = value.name if os.path.exists(value.name) else value.name.replace("=", "-"), 1
-        while self.structures.get(name, value._native) is not value._native:
-            number += 1
-            name = f"{value.name} {number}"
+        name = value.name if os.path.exists(value.name) else value.name.replace("=", "-")
+        name = self._free(name, value._native)
         self.structures[name] = value._native
         return name
 
@@ -63,17 +60,10 @@ class Inputs:
             return [self.structure(values)]
         return [self.structure(value) for value in values]
 
-
-def finish(outcome: Outcome, result: Any) -> None:
-    """Tells the warnings, and raises what stopped the work or kept a file from being written; either carries the
-    result."""
-    for warning in outcome["warnings"]:
-        warnings.warn(warning, MorvanexWarning, stacklevel=3)
-    stopped = outcome["stopped"]
-    if stopped is not None:
-        stopped.result = result  # type: ignore[attr-defined]
-        raise stopped
-    if outcome["errors"]:
-        error = FileError("\n".join(outcome["errors"]))
-        error.result = result
-        raise error
+    def _free(self, name: str, native: object) -> str:
+        """A name that stands for nothing else."""
+        free, number = name, 1
+        while self.maps.get(free, native) is not native or self.structures.get(free, native) is not native:
+            number += 1
+            free = f"{name} {number}"
+        return free

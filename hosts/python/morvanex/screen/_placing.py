@@ -13,7 +13,8 @@ import numpy
 from .. import _morvanex
 from .._errors import Error, MorvanexWarning
 from .._maps import Map
-from .._places import Placement, place
+from .._place import place
+from .._places import Placement
 from .._structures import Structure
 from ._domains import CONFIDENT, domains
 from ._store import Result
