@@ -2,6 +2,7 @@
 
 #include "cli/Command.h"
 #include "formats/files/FileError.h"
+#include "hosts/common/ParameterError.h"
 
 #include <pybind11/pybind11.h>
 
@@ -16,6 +17,8 @@ auto ReadOptions(Read read) {
     try {
         return read();
     } catch (const formats::FileError &) {
+        throw;
+    } catch (const hosts::ParameterError &) {
         throw;
     } catch (const std::runtime_error &error) {
         throw cli::UsageError(error.what());

@@ -10,14 +10,7 @@ from conftest import command
 
 # Options that Python does not have, and why; parameters that the command does not have.
 NOT_IN_PYTHON = {
-    "place": {
-        "quiet": "Python prints nothing",
-        **dict.fromkeys(
-            ["copies", "assembly", "max_distance", "rest", "symmetry", "symmetry_axis", "symmetry_centre", "symmetry_from"],
-            "Python places one model at a time, not copies or several models together",
-        ),
-        "moved_map": "Python places models, not maps",
-    },
+    "place": {"quiet": "Python prints nothing"},
     "fit": {"quiet": "Python prints nothing"},
     "simulate": {},
 }

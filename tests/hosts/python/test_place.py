@@ -86,6 +86,18 @@ def test_results_hold_what_the_record_holds():
         assert list(place.pose.quaternion) == entry["rotation"]
     assert placement.confidence.probability == record["confidence"]["probability"]
     assert len(placement.profile) == 98 and placement.profile[0].chain == "D"
+    assert placement.copies == record["copies"] and placement.hand is None and placement.symmetry is None
+    assert placement.forecast.statement == record["forecast"]["statement"]
+    assert placement.confidence.background.places == record["confidence"]["background"]["places"]
+    assert list(placement.search.voxels) == record["search"]["voxels"] and not placement.search.cancelled
+
+
+def test_results_hold_the_hand():
+    placement = morvanex.place(MAP, MODEL, **SETTINGS, hands=True)
+    record = placement.as_dict()["hand"]
+    assert placement.hand.verdict == record["verdict"] and not placement.hand.places_are_mirrored
+    assert placement.hand.as_given.probability == record["asGiven"]["probability"] > placement.hand.mirrored.probability
+    assert placement.hand.mirrored.confidence.place == record["mirrored"]["confidence"]["place"]
 
 
 def test_the_pose_acts_on_the_input_coordinates():
@@ -132,8 +144,6 @@ def test_errors_are_those_of_the_command(words, parameters):
 
 
 def test_names_of_models_are_no_numbers_of_copies():
-    with pytest.raises(morvanex.ParameterError, match="from Python one model is placed"):
-        morvanex.place(MAP, MODEL + "=2", **SETTINGS)
     model = gemmi.read_structure(MODEL)
     model.name = "toxin=2"
     assert morvanex.place(MAP, model, **SETTINGS).as_dict()["input"]["model"] == "toxin-2"
