@@ -139,10 +139,6 @@ PlaceModel ReadModel(const std::string &file, const PlaceOptions &options, const
     model.chains = ChooseChains(file, clump, options.chains);
     model.format = report.format == "mmCIF" ? formats::StructureFormat::Mmcif : formats::StructureFormat::Pdb;
     CollectModelAtoms(model, options.minPlddt);
-    if (model.atoms.empty())
-        throw formats::FileError(file, "chains " + ChainNames(model.chains),
-                                 model.lowConfidence > 0 ? "no residue reaches the confidence asked for"
-                                                         : "there is no atom that a map could show");
     return model;
 }
 
@@ -200,6 +196,10 @@ void CollectModelAtoms(PlaceModel &model, std::optional<double> minBFactor) {
                 model.residues.push_back({model.chains[chain]->GetName(), residue->GetLabel()});
         }
     }
+    if (model.atoms.empty())
+        throw formats::FileError(model.file, "chains " + ChainNames(model.chains),
+                                 model.lowConfidence > 0 ? "no residue reaches the confidence asked for"
+                                                         : "there is no atom that a map could show");
 }
 
 double ResolutionOf(const PlaceOptions &options, const PlaceInput &input) {

@@ -52,7 +52,7 @@ double ResolutionOf(const PlaceOptions &options, const PlaceInput &input);
 placement::VolumeView ViewOf(const VARNO::Grid &map);
 
 /// The chains' atoms for a search. Hydrogens, atoms of unknown elements and residues whose mean B factor lies
-/// below `minBFactor` are left out; the last are counted.
+/// below `minBFactor` are left out; the last are counted. Throws FileError where no atom is left.
 void CollectModelAtoms(PlaceModel &model, std::optional<double> minBFactor);
 
 } // namespace hosts

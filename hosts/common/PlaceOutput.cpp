@@ -64,7 +64,8 @@ Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input) {
         });
     if (options.mirroredMap && record.IsMirrored())
         writer.Write(*options.mirroredMap, "the mirrored map", [&] {
-            formats::WriteMap(*options.mirroredMap, *Mirrored(*input.map), "mirrored along x");
+            formats::WriteMap(*options.mirroredMap, *Mirrored(*input.map, input.map->GetName()),
+                              "mirrored along x");
         });
     const std::vector<std::string> models = RankedFiles(options.modelPrefix, options.models, input.format);
     const std::vector<const VARNO::Compound *> chains(input.chains.begin(), input.chains.end());
@@ -77,9 +78,9 @@ Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input) {
     return writer.Result();
 }
 
-std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map) {
-    auto mirrored = std::make_unique<VARNO::Grid>(map.GetName(), map.Dimensions(), map.Origin(),
-                                                  map.Spacing(), map.Angles());
+std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map, const std::string &name) {
+    auto mirrored =
+        std::make_unique<VARNO::Grid>(name, map.Dimensions(), map.Origin(), map.Spacing(), map.Angles());
     const std::size_t row = map.Dimensions()[0];
     for (std::size_t first = 0; first < map.Values().size(); first += row)
         std::ranges::reverse_copy(map.Values().subspan(first, row),

@@ -16,6 +16,6 @@ void CheckPlaceOutputs(const PlaceOptions &options, formats::StructureFormat for
 Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input);
 
 /// The map with its voxels in the opposite order along x.
-std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map);
+std::unique_ptr<VARNO::Grid> Mirrored(const VARNO::Grid &map, const std::string &name);
 
 } // namespace hosts

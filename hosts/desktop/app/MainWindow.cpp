@@ -76,7 +76,7 @@ MainWindow::MainWindow()
         statusBar()->showMessage(
             tr("%1 Å from %2 to %3").arg(distance, 0, 'f', 2).arg(PathOf(from), PathOf(to)));
     });
-    connect(m_place, &PlacePanel::placeShown, m_view, &SceneView::ShowGhost);
+    connect(m_place, &PlacePanel::placesShown, m_view, &SceneView::ShowGhosts);
     connect(m_messages, &MessagePanel::warned, this,
             [this](const QString &text) { statusBar()->showMessage(text); });
     FollowTheme();

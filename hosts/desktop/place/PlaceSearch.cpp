@@ -1,17 +1,13 @@
 #include "place/PlaceSearch.h"
 
-#include "document/Nodes.h"
-
-#include "Atom.h"
-#include "DataMaker.h"
-#include "Group.h"
-#include "placement/Resolution.h"
+#include "hosts/common/ParameterError.h"
+#include "hosts/common/PlaceChecks.h"
+#include "hosts/common/PlaceOutput.h"
 
 #include <QPromise>
 #include <QtConcurrentRun>
 
 #include <algorithm>
-#include <functional>
 #include <new>
 
 using namespace VARNO;
@@ -20,7 +16,7 @@ namespace desktop {
 
 namespace {
 
-using Answer = std::shared_ptr<const PlaceAnswer>;
+using Answer = std::shared_ptr<PlaceAnswer>;
 using Flag = std::shared_ptr<std::atomic<bool>>;
 
 constexpr int progressSteps = 1000;
@@ -44,22 +40,48 @@ private:
 /// What the thread works on: its own map, which shares the values, and the atoms.
 struct Task {
     std::unique_ptr<Grid> map;
+    hosts::PlaceOptions options;
     hosts::PlaceInput input;
-    std::shared_ptr<PlaceAnswer> answer;
+    Answer answer = std::make_shared<PlaceAnswer>();
 };
+
+std::vector<hosts::PartOptions> PartsOf(const PlaceQuestion &question) {
+    std::vector<hosts::PartOptions> parts;
+    for (const SoughtModel &model : question.models)
+        parts.push_back({model.name, model.copies});
+    return parts;
+}
+
+/// Throws formats::FileError where no atom is left to be placed.
+hosts::PlaceModel ModelOf(const SoughtModel &sought, std::optional<double> minPlddt) {
+    hosts::PlaceModel model;
+    model.file = sought.name;
+    model.chains = sought.chains;
+    CollectModelAtoms(model, minPlddt);
+    return model;
+}
+
+void CollectModels(Task &task, const PlaceQuestion &question) {
+    if (!question.IsAssembly()) {
+        static_cast<hosts::PlaceModel &>(task.input) =
+            ModelOf(question.models.front(), question.options.minPlddt);
+        return;
+    }
+    task.options.parts = PartsOf(question);
+    for (const SoughtModel &model : question.models)
+        task.input.parts.push_back(ModelOf(model, question.options.minPlddt));
+}
 
 std::shared_ptr<Task> MakeTask(const PlaceQuestion &question) {
     auto task = std::make_shared<Task>();
     task->map = question.map->Share();
     task->input.map = task->map.get();
-    task->input.chains = question.chains;
-    hosts::CollectModelAtoms(task->input, question.options.minPlddt);
-    task->answer = std::make_shared<PlaceAnswer>();
-    task->answer->chains = question.chains;
-    task->answer->record.options = question.options;
-    for (const Chain *chain : question.chains)
-        task->answer->record.chains.push_back(chain->GetName());
-    task->answer->record.residues = task->input.residues;
+    task->options = question.options;
+    task->answer->models = question.models;
+    task->answer->isAssembly = question.IsAssembly();
+    if (question.options.symmetry)
+        task->input.symmetry = question.options.symmetry->request;
+    CollectModels(*task, question);
     return task;
 }
 
@@ -72,24 +94,34 @@ void Negate(Task &task) {
     task.input.map = task.map.get();
 }
 
+void SearchPlaces(Task &task, placement::Monitor &monitor) {
+    hosts::PlaceRecord record = MakePlaceRecord(task.options, task.input);
+    hosts::FindPlacesOf(task.input, record, monitor);
+    Enter(record, *task.answer);
+    if (record.IsMirrored())
+        task.answer->mirrored = hosts::Mirrored(*task.map, task.map->GetName() + "-mirrored");
+}
+
+void SearchAssembly(Task &task, placement::Monitor &monitor) {
+    hosts::AssemblyRecord record = MakeAssemblyRecord(task.options, task.input);
+    for (std::size_t i = 0; i < record.parts.size(); ++i)
+        record.parts[i].name = task.answer->models[i].name; // not a file's name with an extension
+    hosts::FindAssemblyOf(task.input, record, monitor);
+    Enter(record, *task.answer);
+}
+
 void Search(Task &task, placement::Monitor &monitor) {
-    hosts::PlaceRecord &record = task.answer->record;
-    hosts::PlaceInput &input = task.input;
-    if (record.options.invert)
+    if (task.options.invert)
         Negate(task);
-    input.resolution =
-        record.options.resolution
-            ? *record.options.resolution
-            : placement::EstimateResolution(hosts::ViewOf(*input.map), placement::MakePointModel(input.atoms),
-                                            unsigned(record.options.threads));
-    record.resolution = input.resolution;
-    hosts::FindPlacesOf(input, record, monitor);
+    task.input.resolution = hosts::ResolutionOf(task.options, task.input);
+    if (task.answer->isAssembly)
+        SearchAssembly(task, monitor);
+    else
+        SearchPlaces(task, monitor);
 }
 
 void SearchInThread(QPromise<Answer> &promise, const std::shared_ptr<Task> &task, const Flag &cancelled) {
     PromiseMonitor monitor(promise, cancelled);
-    QElapsedTimer timer;
-    timer.start();
     try {
         Search(*task, monitor);
     } catch (const std::bad_alloc &) {
@@ -97,28 +129,27 @@ void SearchInThread(QPromise<Answer> &promise, const std::shared_ptr<Task> &task
     } catch (const std::exception &error) {
         task->answer->error = error.what();
     }
-    task->answer->record.seconds = double(timer.nsecsElapsed()) * 1e-9;
     promise.addResult(task->answer);
 }
 
-Vertex Moved(const placement::Place &place, const Vertex &at) {
-    const placement::Point moved =
-        place.pose.rotation * placement::Point{double(at[0]), double(at[1]), double(at[2])} +
-        place.translation;
-    return Vertex(float(moved.x), float(moved.y), float(moved.z), at.IsValid());
-}
-
-void CopyResidue(Compound *to, const Group &residue, const placement::Place &place) {
-    Compound *copy = DataMaker::makeGroup(to, residue.GetName(), residue.GetSeqId());
-    for (const Compound *node : Below(&residue))
-        if (const auto *atom = dynamic_cast<const Atom *>(node))
-            DataMaker::makeAtom(copy, atom->GetLabel(), atom->GetName(), atom->GetModelNumber(),
-                                Moved(place, atom->GetPosition()), 1, atom->GetOrbital(), atom->GetCharge(),
-                                atom->GetBFactor());
-    copy->Complete();
-}
-
 } // namespace
+
+void CheckQuestion(const PlaceQuestion &question,
+                   const std::function<std::string(const std::string &)> &nameOf) {
+    const hosts::PlaceOptions &options = question.options;
+    const auto isGiven = [&](const std::string &option) {
+        return (option == "near" && options.scope == hosts::PlaceScope::Near) ||
+               (option == "refine" && options.scope == hosts::PlaceScope::Refine) ||
+               (option == "hands" && options.hands) || (option == "symmetry" && options.symmetry);
+    };
+    hosts::CheckCombination({isGiven, nameOf},
+                            question.IsAssembly() ? hosts::Placed::Assembly : hosts::Placed::OneModel);
+    try {
+        hosts::CheckParts(PartsOf(question));
+    } catch (const hosts::ParameterError &error) {
+        throw std::runtime_error(nameOf(error.Parameter()) + ": " + error.Problem());
+    }
+}
 
 PlaceSearch::PlaceSearch() {
     connect(&m_watcher, &QFutureWatcherBase::progressValueChanged, this, [this](int value) {
@@ -151,40 +182,6 @@ void PlaceSearch::Cancel() {
 void PlaceSearch::Take() {
     m_isRunning = false;
     emit answered(m_watcher.result());
-}
-
-std::array<double, 16> MatrixOf(const placement::Place &place) {
-    const placement::Matrix &r = place.pose.rotation;
-    const placement::Point &t = place.translation;
-    return {r[0], r[1], r[2], t.x, r[3], r[4], r[5], t.y, r[6], r[7], r[8], t.z, 0, 0, 0, 1};
-}
-
-void MakePlacedCopy(const std::string &name, const std::vector<Chain *> &chains,
-                    const placement::Place &place) {
-    Compound *molecule = DataMaker::makeMolecule(DataMaker::makeClump(name), name);
-    for (const Chain *chain : chains) {
-        Compound *copy = DataMaker::makeChain(molecule, chain->GetName(), chain->IsPolymer());
-        for (const Compound *node : Below(chain))
-            if (const auto *residue = dynamic_cast<const Group *>(node))
-                CopyResidue(copy, *residue, place);
-    }
-}
-
-QString ConfidenceInWords(const hosts::PlaceRecord &record, const placement::Place &place) {
-    using placement::Verdict;
-    if (record.result.verdict == Verdict::Refined)
-        return PlaceSearch::tr("refined");
-    if (record.result.verdict == Verdict::NotJudged)
-        return PlaceSearch::tr("not judged");
-    if (place.otherTurn)
-        return PlaceSearch::tr("another turn of the first");
-    if (place.probability >= 0.95)
-        return PlaceSearch::tr("sure");
-    if (place.probability >= 0.7)
-        return PlaceSearch::tr("likely");
-    if (place.probability >= 0.3)
-        return PlaceSearch::tr("doubtful");
-    return PlaceSearch::tr("by chance");
 }
 
 } // namespace desktop

@@ -1,34 +1,34 @@
 #pragma once
 
-#include "document/Document.h"
-#include "hosts/common/PlaceRecord.h"
+#include "place/PlaceAnswer.h"
 
 #include <QElapsedTimer>
 #include <QFutureWatcher>
 #include <QObject>
 
-#include <array>
 #include <atomic>
+#include <functional>
 #include <memory>
 
 namespace desktop {
 
-/// What is looked for and where.
+/// What is looked for and where. Copies, several models, or as many as are found are placed together, as an
+/// assembly; of one copy of one model the places are listed.
 struct PlaceQuestion {
-    const VARNO::Grid *map = nullptr;
-    std::vector<VARNO::Chain *> chains; ///< that move together
-    hosts::PlaceOptions options;        ///< without files
+    VARNO::Grid *map = nullptr;
+    std::vector<SoughtModel> models;
+    hosts::PlaceOptions options; ///< without files and parts
+
+    bool IsAssembly() const { return models.size() > 1 || models.front().copies != 1; }
 };
 
-/// What came of a search. The chains are nodes of the model, which stay alive when they leave it.
-struct PlaceAnswer {
-    std::vector<VARNO::Chain *> chains;
-    hosts::PlaceRecord record;
-    std::string error; ///< why there was no search; else empty
-};
+/// Refuses what cannot be asked for together, as the command does. `nameOf` gives what the user calls an
+/// option of the command's: "near", "refine", "hands", "symmetry", "model". Throws std::runtime_error.
+void CheckQuestion(const PlaceQuestion &question,
+                   const std::function<std::string(const std::string &)> &nameOf);
 
-/// Finds the places of chains in a map on a thread of its own. Map and chains may leave the model meanwhile:
-/// the search has what it needs of them.
+/// Finds the places of models in a map on a thread of its own. Map and models may leave the model tree
+/// meanwhile: the search has what it needs of them.
 class PlaceSearch : public QObject {
     Q_OBJECT
 
@@ -37,6 +37,7 @@ public:
     /// Stops the search, and waits for that.
     ~PlaceSearch() override;
 
+    /// Throws formats::FileError for a model of which no atom is left to be placed.
     void Start(const PlaceQuestion &question);
     /// The search ends soon, and answers with what it has found by then.
     void Cancel();
@@ -45,7 +46,7 @@ public:
 signals:
     /// How much is done, from 0 to 1, and how many seconds that leaves, as far as it can be told.
     void progressed(double share, double secondsLeft);
-    void answered(const std::shared_ptr<const desktop::PlaceAnswer> &answer);
+    void answered(const std::shared_ptr<desktop::PlaceAnswer> &answer);
 
 private:
     void Take();
@@ -53,17 +54,7 @@ private:
     bool m_isRunning = false;
     std::shared_ptr<std::atomic<bool>> m_cancelled;
     QElapsedTimer m_timer;
-    QFutureWatcher<std::shared_ptr<const PlaceAnswer>> m_watcher;
+    QFutureWatcher<std::shared_ptr<PlaceAnswer>> m_watcher;
 };
-
-/// The pose that brings the chains of a search to a place, as a 4 x 4 matrix, rows first.
-std::array<double, 16> MatrixOf(const placement::Place &place);
-
-/// Copies chains into the model at a place, as one clump with one molecule of that name.
-void MakePlacedCopy(const std::string &name, const std::vector<VARNO::Chain *> &chains,
-                    const placement::Place &place);
-
-/// How sure a place is, in words.
-QString ConfidenceInWords(const hosts::PlaceRecord &record, const placement::Place &place);
 
 } // namespace desktop

@@ -6,7 +6,6 @@
 
 #include <vtkCamera.h>
 #include <vtkLineSource.h>
-#include <vtkMatrix4x4.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
 
@@ -135,25 +134,30 @@ void Scene::ShowDistance(const Compound *from, const Compound *to) {
     emit changed();
 }
 
-void Scene::ShowGhost(const Document::Nodes &chains, const std::array<double, 16> &matrix) {
+void Scene::ShowGhosts(const std::vector<Ghost> &ghosts) {
     for (vtkActor *ghost : m_ghosts)
         m_renderer.RemoveViewProp(ghost);
     m_ghosts.clear();
-    vtkNew<vtkMatrix4x4> pose;
-    pose->DeepCopy(matrix.data());
-    for (const Compound *chain : chains) {
-        vtkNew<vtkPolyDataMapper> mapper;
-        constexpr double radius = 1.1; // Å, so that it stands out of a chain in the same place
-        mapper->SetInputData(TubeOf(*chain, radius));
-        mapper->ScalarVisibilityOff();
-        auto ghost = vtkSmartPointer<vtkActor>::New();
-        ghost->SetMapper(mapper);
-        ghost->SetUserMatrix(pose);
-        ghost->GetProperty()->SetColor(0.95, 0.55, 0.1);
-        m_renderer.AddViewProp(ghost);
-        m_ghosts.push_back(ghost);
+    for (const Ghost &ghost : ghosts) {
+        vtkNew<vtkMatrix4x4> pose;
+        pose->DeepCopy(ghost.matrix.data());
+        for (const Compound *chain : ghost.chains)
+            AddGhost(*chain, pose);
     }
     emit changed();
+}
+
+void Scene::AddGhost(const Compound &chain, vtkMatrix4x4 *pose) {
+    vtkNew<vtkPolyDataMapper> mapper;
+    constexpr double radius = 1.1; // Å, so that it stands out of a chain in the same place
+    mapper->SetInputData(TubeOf(chain, radius));
+    mapper->ScalarVisibilityOff();
+    auto ghost = vtkSmartPointer<vtkActor>::New();
+    ghost->SetMapper(mapper);
+    ghost->SetUserMatrix(pose);
+    ghost->GetProperty()->SetColor(0.95, 0.55, 0.1);
+    m_renderer.AddViewProp(ghost);
+    m_ghosts.push_back(ghost);
 }
 
 void Scene::TakeIn(const Document::Nodes &nodes) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "document/Document.h"
+#include "view/Ghost.h"
 
 #include <vtkActor.h>
+#include <vtkMatrix4x4.h>
 #include <vtkNew.h>
 #include <vtkRenderer.h>
 
@@ -42,8 +44,8 @@ public:
     /// Draws a line between two positions; none where `from` and `to` are null.
     void ShowDistance(const VARNO::Compound *from, const VARNO::Compound *to);
 
-    /// Draws chains moved by a 4 x 4 matrix, rows first; nothing where there are none.
-    void ShowGhost(const Document::Nodes &chains, const std::array<double, 16> &matrix);
+    /// Draws chains at other places, in the stead of those drawn so before.
+    void ShowGhosts(const std::vector<Ghost> &ghosts);
 
 signals:
     void changed();
@@ -56,6 +58,7 @@ private:
     /// Draws those chains anew that have gained or lost residues.
     void UpdateChains();
     void UpdateSelection();
+    void AddGhost(const VARNO::Compound &chain, vtkMatrix4x4 *pose);
 
     Document &m_document;
     vtkRenderer &m_renderer;

@@ -158,9 +158,9 @@ void SceneView::SetMeasuring(bool measuring) {
         m_drawing->scene.ShowDistance(nullptr, nullptr);
 }
 
-void SceneView::ShowGhost(const std::vector<Compound *> &chains, const std::array<double, 16> &matrix) {
+void SceneView::ShowGhosts(const std::vector<Ghost> &ghosts) {
     if (m_drawing)
-        m_drawing->scene.ShowGhost(chains, matrix);
+        m_drawing->scene.ShowGhosts(ghosts);
 }
 
 bool SceneView::IsUpToDate() const {

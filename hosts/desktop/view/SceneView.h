@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/Document.h"
+#include "view/Ghost.h"
 
 #include <QImage>
 #include <QTimer>
@@ -48,8 +49,8 @@ public:
     /// While it is on, two clicks measure a distance instead of selecting.
     void SetMeasuring(bool measuring);
 
-    /// Draws chains as they would lie after a 4 x 4 matrix, rows first; none where there are none.
-    void ShowGhost(const std::vector<VARNO::Compound *> &chains, const std::array<double, 16> &matrix);
+    /// Draws chains as they would lie at other places, in the stead of those drawn so before.
+    void ShowGhosts(const std::vector<Ghost> &ghosts);
 
     /// Whether every surface is that of its map's level.
     bool IsUpToDate() const;

@@ -228,9 +228,9 @@ TEST_F(SceneViewTest, DrawsAChainAtAnotherPlaceUntilThatIsTakenBack) {
     Compound *chain = AddChain("one", "A", 11);
     view.FitToView();
     const QImage without = Settled();
-    view.ShowGhost({chain}, {1, 0, 0, 0, 0, 1, 0, 5, 0, 0, 1, 0, 0, 0, 0, 1});
+    view.ShowGhosts({{{chain}, {1, 0, 0, 0, 0, 1, 0, 5, 0, 0, 1, 0, 0, 0, 0, 1}}});
     EXPECT_NE(Settled(), without);
-    view.ShowGhost({}, {});
+    view.ShowGhosts({});
     EXPECT_EQ(Settled(), without);
 }
 
