@@ -25,9 +25,10 @@ bool IsAlive(qint64 process) {
 
 } // namespace
 
-Autosave::Autosave(const Document &document, const SceneView &view, int milliseconds)
+Autosave::Autosave(const Document &document, const SceneView &view, const PlacePanel &place, int milliseconds)
     : m_document(document)
     , m_view(view)
+    , m_place(place)
     , m_file(Folder().toStdString() + "/autosave-" + std::to_string(QCoreApplication::applicationPid()) +
              ".json") {
     const auto note = [this] { m_hasChanged = true; };
@@ -35,6 +36,7 @@ Autosave::Autosave(const Document &document, const SceneView &view, int millisec
     connect(&document, &Document::removed, this, note);
     connect(&document, &Document::shownChanged, this, note);
     connect(&document, &Document::lookChanged, this, note);
+    connect(&place, &PlacePanel::listed, this, note);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         if (m_hasChanged)
             SaveNow();
@@ -46,7 +48,7 @@ void Autosave::SaveNow() {
     m_hasChanged = false;
     QDir().mkpath(Folder());
     try {
-        SaveSession(m_file, m_document, m_view);
+        SaveSession(m_file, m_document, m_view, m_place);
     } catch (const formats::FileError &error) {
         qWarning("The session is not saved: %s", error.what());
     }

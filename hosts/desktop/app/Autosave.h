@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/Document.h"
+#include "panels/PlacePanel.h"
 #include "view/SceneView.h"
 
 #include <QObject>
@@ -14,7 +15,8 @@ class Autosave : public QObject {
     Q_OBJECT
 
 public:
-    Autosave(const Document &document, const SceneView &view, int milliseconds = 60'000);
+    Autosave(const Document &document, const SceneView &view, const PlacePanel &place,
+             int milliseconds = 60'000);
 
     void SaveNow();
     /// Nothing is to be restored any more.
@@ -26,6 +28,7 @@ public:
 private:
     const Document &m_document;
     const SceneView &m_view;
+    const PlacePanel &m_place;
     std::string m_file;
     QTimer m_timer;
     bool m_hasChanged = false;

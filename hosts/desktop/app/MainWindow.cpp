@@ -66,7 +66,7 @@ MainWindow::MainWindow()
     MakePluginsMenu();
     MakeHelpMenu();
     MakeReadingBar();
-    m_autosave = std::make_unique<Autosave>(m_document, *m_view);
+    m_autosave = std::make_unique<Autosave>(m_document, *m_view, *m_place);
     connect(&m_document, &Document::arrived, this, &MainWindow::ShowAdded);
     connect(m_view, &SceneView::picked, this, [this](Compound *node, bool adds) {
         m_model->Pick(node, adds);
@@ -293,6 +293,7 @@ void MainWindow::Restore(const QString &session) {
 void MainWindow::FinishRestoring() {
     if (!m_session)
         return;
+    m_session->Apply(*m_place);
     const Viewpoint viewpoint = m_session->GetViewpoint();
     m_session.reset();
     m_view->SetViewpoint(viewpoint);
@@ -339,7 +340,7 @@ void MainWindow::SaveSessionAs() {
     if (dialog.exec() != QDialog::Accepted)
         return;
     try {
-        SaveSession(dialog.selectedFiles().front().toStdString(), m_document, *m_view);
+        SaveSession(dialog.selectedFiles().front().toStdString(), m_document, *m_view, *m_place);
     } catch (const formats::FileError &error) {
         ShowError(this, tr("The session could not be written"), QString::fromStdString(error.what()));
     }

@@ -39,6 +39,7 @@ public:
     void OfferToRestore();
     Document &GetDocument() { return m_document; }
     SceneView &View() { return *m_view; }
+    PlacePanel &Places() { return *m_place; }
 
 signals:
     /// All files that were to be read have been, or have failed.

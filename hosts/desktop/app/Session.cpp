@@ -70,6 +70,18 @@ QJsonObject JsonOf(const Compound *drawn, const Document &document) {
     return json;
 }
 
+/// A node by its entry in the file, and by its number of what is drawn of it; null where it is none of them.
+QJsonValue NameOfNode(const Compound *node, const std::vector<Compound *> &tops) {
+    for (std::size_t entry = 0; entry < tops.size(); ++entry) {
+        if (tops[entry] == node)
+            return QJsonArray{qint64(entry)};
+        const std::vector<Compound *> drawn = Drawn(tops[entry]);
+        if (const auto place = std::ranges::find(drawn, node); place != drawn.end())
+            return QJsonArray{qint64(entry), qint64(place - drawn.begin())};
+    }
+    return {};
+}
+
 /// A name that is one of a file, whatever the node is called.
 QString FileNameOf(const Compound *top) {
     QString name = NameOf(top);
@@ -101,14 +113,29 @@ bool CanBeWritten(Compound *top) {
     });
 }
 
+/// Gives what is drawn of a node, one after the other, the state that it was saved with.
+void ApplyStates(const QJsonArray &states, Compound *top, Document &document) {
+    const std::vector<Compound *> drawn = Drawn(top);
+    for (std::size_t i = 0; i < std::min(drawn.size(), std::size_t(states.size())); ++i) {
+        const QJsonObject state = states[qsizetype(i)].toObject();
+        if (auto *map = dynamic_cast<Grid *>(drawn[i]))
+            document.SetLook(map, MapLookOf(state, document.LookOf(map)));
+        else
+            document.SetLookOfChain(drawn[i], ChainLookOf(state, document.LookOfChain(drawn[i])));
+        document.SetShown({drawn[i]}, state["shown"].toBool(true));
+    }
+}
+
 QString FolderBeside(const std::string &file) {
     return QString::fromStdString(file) + ".files";
 }
 
 } // namespace
 
-void SaveSession(const std::string &file, const Document &document, const SceneView &view) {
+void SaveSession(const std::string &file, const Document &document, const SceneView &view,
+                 const PlacePanel &place) {
     QJsonArray entries;
+    std::vector<Compound *> tops;
     for (Compound *top : document.Tops()) {
         if (!CanBeWritten(top))
             continue;
@@ -118,17 +145,20 @@ void SaveSession(const std::string &file, const Document &document, const SceneV
             drawn.append(JsonOf(one, document));
         const QString path = own.empty() ? WriteBeside(FolderBeside(file), int(entries.size()), top)
                                          : QFileInfo(QString::fromStdString(own)).absoluteFilePath();
+        tops.push_back(top);
         entries.append(QJsonObject{{"file", path}, {"unsaved", own.empty()}, {"drawn", drawn}});
     }
     const Viewpoint viewpoint = view.GetViewpoint();
-    const QJsonObject session{{"format", format},
-                              {"version", 1},
-                              {"entries", entries},
-                              {"viewpoint", QJsonObject{{"position", ArrayOf(viewpoint.position)},
-                                                        {"focus", ArrayOf(viewpoint.focus)},
-                                                        {"up", ArrayOf(viewpoint.up)},
-                                                        {"scale", viewpoint.scale},
-                                                        {"perspective", viewpoint.perspective}}}};
+    const QJsonObject session{
+        {"format", format},
+        {"version", 1},
+        {"entries", entries},
+        {"place", place.State([&](const Compound *node) { return NameOfNode(node, tops); })},
+        {"viewpoint", QJsonObject{{"position", ArrayOf(viewpoint.position)},
+                                  {"focus", ArrayOf(viewpoint.focus)},
+                                  {"up", ArrayOf(viewpoint.up)},
+                                  {"scale", viewpoint.scale},
+                                  {"perspective", viewpoint.perspective}}}};
     const QByteArray text = QJsonDocument(session).toJson();
     formats::ReplaceFile(file, [&](std::ostream &out) { out.write(text.data(), text.size()); });
 }
@@ -148,6 +178,7 @@ SavedSession::SavedSession(const std::string &file) {
     if (m_json["version"] != 1)
         throw formats::FileError(file, "\"version\"",
                                  "is of a later version: " + std::to_string(m_json["version"].toInt()));
+    m_tops.resize(std::size_t(m_json["entries"].toArray().size()));
 }
 
 QStringList SavedSession::Files() const {
@@ -157,25 +188,33 @@ QStringList SavedSession::Files() const {
     return files;
 }
 
-void SavedSession::Apply(Compound *top, Document &document) const {
+void SavedSession::Apply(Compound *top, Document &document) {
     const QString file = QString::fromStdString(document.FileOf(top));
-    for (const QJsonValue entry : m_json["entries"].toArray()) {
-        if (entry["file"].toString() != file)
+    const QJsonArray entries = m_json["entries"].toArray();
+    for (std::size_t number = 0; number < m_tops.size(); ++number) {
+        const QJsonObject entry = entries[qsizetype(number)].toObject();
+        if (m_tops[number] || entry["file"].toString() != file)
             continue;
-        const QJsonArray states = entry["drawn"].toArray();
-        const std::vector<Compound *> drawn = Drawn(top);
-        for (std::size_t i = 0; i < std::min(drawn.size(), std::size_t(states.size())); ++i) {
-            const QJsonObject state = states[qsizetype(i)].toObject();
-            if (auto *map = dynamic_cast<Grid *>(drawn[i]))
-                document.SetLook(map, MapLookOf(state, document.LookOf(map)));
-            else
-                document.SetLookOfChain(drawn[i], ChainLookOf(state, document.LookOfChain(drawn[i])));
-            document.SetShown({drawn[i]}, state["shown"].toBool(true));
-        }
+        m_tops[number] = top;
+        ApplyStates(entry["drawn"].toArray(), top, document);
         if (entry["unsaved"].toBool())
             document.SetSaved(top, "");
         return;
     }
+}
+
+void SavedSession::Apply(PlacePanel &place) const {
+    place.Restore(m_json["place"].toObject(), [this](const QJsonValue &name) { return NodeOf(name); });
+}
+
+Compound *SavedSession::NodeOf(const QJsonValue &name) const {
+    const auto entry = std::size_t(name[0].toInteger(-1));
+    Compound *top = entry < m_tops.size() ? m_tops[entry] : nullptr;
+    if (!top || name.toArray().size() < 2)
+        return top;
+    const std::vector<Compound *> drawn = Drawn(top);
+    const auto number = std::size_t(name[1].toInteger(-1));
+    return number < drawn.size() ? drawn[number] : nullptr;
 }
 
 Viewpoint SavedSession::GetViewpoint() const {

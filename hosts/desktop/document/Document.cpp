@@ -39,7 +39,7 @@ QString Document::Add(FileContent file) {
         top = DataMaker::addClump(std::move(file.structure));
     else
         top = DataMaker::addGrid(nullptr, std::move(file.map));
-    m_files[top] = file.file;
+    m_files[top] = {file.file};
     if (auto *map = dynamic_cast<Grid *>(top)) {
         m_maps[map] = {{.colour = DistinctColour(m_colours++)}, file.statistics};
         m_shown[map] = true;
@@ -64,18 +64,23 @@ bool Document::Make(const QString &what, const std::function<void()> &make) {
 void Document::Remove(const Nodes &nodes) {
     Nodes attached = Uppermost(nodes);
     std::erase_if(attached, [](const Compound *node) { return !node->IsAttached(); });
-    NoteChanged(attached);
     if (!attached.empty())
         m_undo.push(new RemovalStep(attached.size() == 1
                                         ? "remove " + NameOf(attached.front())
                                         : "remove " + Counted(qsizetype(attached.size()), "item"),
-                                    attached));
+                                    attached, RemovalCount(attached)));
 }
 
-void Document::NoteChanged(const Nodes &removed) {
+std::function<void(int)> Document::RemovalCount(const Nodes &removed) {
+    Nodes changed;
     for (Compound *node : removed)
-        if (const Compound *top = TopOf(node); top != node)
-            m_files.erase(top);
+        if (Compound *top = TopOf(node); top != node)
+            changed.push_back(top);
+    return [this, changed](int by) {
+        for (const Compound *top : changed)
+            if (const auto file = m_files.find(top); file != m_files.end())
+                file->second.removals += by;
+    };
 }
 
 void Document::Clear() {
@@ -150,11 +155,11 @@ void Document::Select(const Nodes &nodes) {
 
 std::string Document::FileOf(const Compound *top) const {
     const auto found = m_files.find(top);
-    return found == m_files.end() ? std::string() : found->second;
+    return found == m_files.end() || found->second.removals != 0 ? std::string() : found->second.name;
 }
 
 void Document::SetSaved(const Compound *top, const std::string &file) {
-    m_files[top] = file;
+    m_files[top] = {file};
 }
 
 Document::Nodes Document::Unsaved() const {

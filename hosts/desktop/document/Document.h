@@ -60,7 +60,7 @@ public:
     /// The nodes as they were selected, in the model still.
     const Nodes &Selection() const { return m_selection; }
 
-    /// The file that a clump or map was read from or saved to last; empty where there is none.
+    /// The file that a clump or map was read from or saved to last; empty where none holds it as it is.
     std::string FileOf(const VARNO::Compound *top) const;
     void SetSaved(const VARNO::Compound *top, const std::string &file);
     /// Molecules that were built or placed, and are in no file.
@@ -84,13 +84,19 @@ private:
         mutable std::optional<formats::MapStatistics> statistics;
     };
 
+    struct File {
+        std::string name;
+        /// Removals from the molecule since it was as the file holds it; those undone count against them.
+        int removals = 0;
+    };
+
     void Notify(const VARNO::DataPointBase &notice) override;
     void TakeIn(const Nodes &nodes);
     void TakeIn(VARNO::Grid *map);
     void LetGo(VARNO::Compound *node);
     void DropFromSelection();
-    /// What is taken out of a file's molecule leaves it as it is in no file.
-    void NoteChanged(const Nodes &removed);
+    /// Hears of what is taken out of some files' molecules, and of its return.
+    std::function<void(int)> RemovalCount(const Nodes &removed);
 
     QUndoStack m_undo;
     Nodes m_selection;
@@ -99,7 +105,7 @@ private:
     std::unordered_map<const VARNO::Compound *, bool> m_shown;
     std::unordered_map<const VARNO::Compound *, Map> m_maps;
     std::unordered_map<const VARNO::Compound *, ChainLook> m_chains;
-    std::unordered_map<const VARNO::Compound *, std::string> m_files;
+    std::unordered_map<const VARNO::Compound *, File> m_files;
     int m_colours = 0; ///< given out so far
 };
 

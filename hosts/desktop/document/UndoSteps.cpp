@@ -25,4 +25,14 @@ void NodesStep::PutBack() {
         Space::instance()->PutBack(*node);
 }
 
+void RemovalStep::redo() {
+    m_count(1);
+    TakeOut();
+}
+
+void RemovalStep::undo() {
+    PutBack();
+    m_count(-1);
+}
+
 } // namespace desktop

@@ -4,6 +4,7 @@
 
 #include <QUndoCommand>
 
+#include <functional>
 #include <vector>
 
 namespace desktop {
@@ -30,11 +31,16 @@ private:
 /// The removal of nodes none of which lies below another.
 class RemovalStep : public NodesStep {
 public:
-    RemovalStep(const QString &text, std::vector<VARNO::Compound *> nodes)
-        : NodesStep(text, std::move(nodes)) {}
+    /// `count` hears 1 for the removal and -1 for its undoing.
+    RemovalStep(const QString &text, std::vector<VARNO::Compound *> nodes, std::function<void(int)> count)
+        : NodesStep(text, std::move(nodes))
+        , m_count(std::move(count)) {}
 
-    void redo() override { TakeOut(); }
-    void undo() override { PutBack(); }
+    void redo() override;
+    void undo() override;
+
+private:
+    std::function<void(int)> m_count;
 };
 
 /// The addition of nodes that are in the model already when the step is made.

@@ -4,14 +4,18 @@
 #include "hosts/common/ParameterError.h"
 #include "panels/NodeChoice.h"
 #include "panels/PlaceModels.h"
+#include "place/PlaceJson.h"
 
 #include "Collect.h"
 
 #include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
+#include <QJsonArray>
 #include <QThread>
 #include <QToolButton>
+
+#include <algorithm>
 
 using namespace VARNO;
 
@@ -151,6 +155,36 @@ PlaceQuestion PlaceForm::Question() const {
     }
     CheckQuestion(question, [this](const std::string &option) { return NameOf(option); });
     return question;
+}
+
+QJsonObject PlaceForm::State(const JsonOfNode &jsonOf) const {
+    QJsonArray models;
+    for (const auto &[node, copies] : m_models->Choices())
+        models.append(QJsonObject{{"node", jsonOf(node)}, {"copies", JsonOfCopies(copies)}});
+    return {{"map", jsonOf(m_map->Node())},          {"models", models},
+            {"resolution", m_resolution->value()},   {"scope", m_scope->currentIndex()},
+            {"symmetry", m_symmetry->currentText()}, {"hands", m_hands->isChecked()},
+            {"invert", m_invert->isChecked()},       {"leavesOut", m_leavesOut->isChecked()},
+            {"minPlddt", m_minPlddt->value()}};
+}
+
+void PlaceForm::Restore(const QJsonObject &state, const NodeOfJson &nodeOf) {
+    m_map->Choose(nodeOf(state["map"]));
+    RestoreModels(state["models"].toArray(), nodeOf);
+    m_resolution->setValue(state["resolution"].toDouble());
+    m_scope->setCurrentIndex(std::clamp(state["scope"].toInt(), 0, m_scope->count() - 1));
+    m_symmetry->setCurrentText(state["symmetry"].toString(m_symmetry->itemText(0)));
+    m_hands->setChecked(state["hands"].toBool());
+    m_invert->setChecked(state["invert"].toBool());
+    m_leavesOut->setChecked(state["leavesOut"].toBool());
+    m_minPlddt->setValue(state["minPlddt"].toDouble(m_minPlddt->value()));
+}
+
+void PlaceForm::RestoreModels(const QJsonArray &models, const NodeOfJson &nodeOf) {
+    std::vector<PlaceModels::Choice> choices;
+    for (const QJsonValue model : models)
+        choices.push_back({nodeOf(model["node"]), CopiesOf(model["copies"])});
+    m_models->Choose(choices);
 }
 
 hosts::PlaceOptions PlaceForm::Options() const {

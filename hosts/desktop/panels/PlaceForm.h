@@ -1,8 +1,10 @@
 #pragma once
 
 #include "document/Document.h"
+#include "document/NodeJson.h"
 #include "place/PlaceSearch.h"
 
+#include <QJsonObject>
 #include <QWidget>
 
 class QCheckBox;
@@ -27,12 +29,18 @@ public:
     /// Throws std::runtime_error for what cannot be asked for, in the words of the form.
     PlaceQuestion Question() const;
 
+    /// What the form asks for, as a session keeps it; and back. Nodes that are not there leave the choice as
+    /// it is.
+    QJsonObject State(const JsonOfNode &jsonOf) const;
+    void Restore(const QJsonObject &state, const NodeOfJson &nodeOf);
+
 signals:
     /// What can be chosen has changed.
     void changed();
 
 private:
     QWidget *MakeMore();
+    void RestoreModels(const QJsonArray &models, const NodeOfJson &nodeOf);
     void UpdateChoices();
     hosts::PlaceOptions Options() const;
     /// What the form calls an option of the command's.

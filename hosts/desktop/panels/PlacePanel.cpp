@@ -2,10 +2,12 @@
 
 #include "document/Nodes.h"
 #include "panels/PlaceForm.h"
+#include "place/PlaceJson.h"
 
 #include "DataMaker.h"
 
 #include <QHeaderView>
+#include <QJsonArray>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -165,6 +167,7 @@ void PlacePanel::ShowAnswer(const std::shared_ptr<PlaceAnswer> &answer) {
         AddMirroredMap();
     ListPlaces();
     Update();
+    emit listed();
 }
 
 void PlacePanel::ListPlaces() {
@@ -213,6 +216,32 @@ void PlacePanel::Keep() {
         m_verdict->setText(tr("The model accepts no additions at present; try again in a moment."));
     else
         emit placesShown({});
+}
+
+QJsonObject PlacePanel::State(const JsonOfNode &jsonOf) const {
+    QJsonObject state{{"question", m_form->State(jsonOf)}};
+    if (!m_answer || !m_answer->error.empty())
+        return state;
+    QJsonArray chosen;
+    for (QTreeWidgetItem *row : m_places->selectedItems())
+        chosen.append(m_places->indexOfTopLevelItem(row));
+    state["answer"] = JsonOf(*m_answer, jsonOf);
+    state["chosen"] = chosen;
+    return state;
+}
+
+void PlacePanel::Restore(const QJsonObject &state, const NodeOfJson &nodeOf) {
+    if (m_search.IsRunning())
+        return;
+    m_form->Restore(state["question"].toObject(), nodeOf);
+    const std::shared_ptr<PlaceAnswer> answer = AnswerOf(state["answer"].toObject(), nodeOf);
+    if (!answer)
+        return;
+    ShowAnswer(answer);
+    m_places->clearSelection();
+    for (const QJsonValue row : state["chosen"].toArray())
+        if (QTreeWidgetItem *item = m_places->topLevelItem(row.toInt(-1)))
+            item->setSelected(true);
 }
 
 /// In the order of the list.

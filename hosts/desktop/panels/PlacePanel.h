@@ -1,9 +1,11 @@
 #pragma once
 
 #include "document/Document.h"
+#include "document/NodeJson.h"
 #include "place/PlaceSearch.h"
 #include "view/Ghost.h"
 
+#include <QJsonObject>
 #include <QWidget>
 
 class QLabel;
@@ -25,7 +27,14 @@ public:
     /// Whether a search runs, whose places would be lost.
     bool IsSearching() const { return m_search.IsRunning(); }
 
+    /// What is asked for and the list of places, as a session keeps them; and back, as far as the nodes are
+    /// there.
+    QJsonObject State(const JsonOfNode &jsonOf) const;
+    void Restore(const QJsonObject &state, const NodeOfJson &nodeOf);
+
 signals:
+    /// There is another list of places.
+    void listed();
     /// The chosen places, which are to be shown.
     void placesShown(const std::vector<desktop::Ghost> &ghosts);
 

@@ -4,9 +4,17 @@
 #include "DataAdder.h"
 #include "DataMaker.h"
 #include "formats/files/FileError.h"
+#include "place/PlaceJson.h"
 
+#include <QComboBox>
 #include <QDir>
+#include <QDoubleSpinBox>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLabel>
+#include <QPushButton>
 #include <QStandardPaths>
+#include <QTreeWidget>
 
 #include <gmock/gmock.h>
 
@@ -15,7 +23,9 @@
 
 using namespace desktop;
 using namespace VARNO;
+using testing::ElementsAreArray;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 namespace {
 
@@ -25,6 +35,32 @@ protected:
     void StartAnew() {
         window.GetDocument().Clear();
         ASSERT_TRUE(window.GetDocument().Tops().empty());
+    }
+    void Save(const QString &file) {
+        SaveSession(file.toStdString(), window.GetDocument(), window.View(), window.Places());
+    }
+    /// Of the displaced chain, whose second place is then chosen.
+    void PlaceThreeCopies() {
+        auto *model = Child<QComboBox>("placeModel");
+        model->setFocus();
+        PressKey(model, Qt::Key_End);
+        ASSERT_EQ(model->currentText(), "1tii_D_displaced");
+        Type(Child<QWidget>("placeCopies"), "3");
+        Type(Child<QWidget>("placeResolution"), "8");
+        Click(Child<QPushButton>("placeStart"));
+        WaitUntil([this] { return Child<QPushButton>("placeStart")->isEnabled(); });
+        ClickRow(Child<QTreeWidget>("places"), 0, "2");
+    }
+    std::vector<std::string> RowsOfPlaces() {
+        std::vector<std::string> rows;
+        const auto *places = Child<QTreeWidget>("places");
+        for (int i = 0; i < places->topLevelItemCount(); ++i) {
+            QStringList texts;
+            for (int column = 0; column < places->columnCount(); ++column)
+                texts << places->topLevelItem(i)->text(column);
+            rows.push_back(texts.join(' ').toStdString());
+        }
+        return rows;
     }
     std::string ErrorOf(const std::string &text) {
         try {
@@ -77,7 +113,7 @@ TEST_F(SessionTest, RestoresFilesAndHowTheyWereShown) {
 
 TEST_F(SessionTest, RestoresWhatNoFileHoldsAndStillAsksToSaveIt) {
     MakeBuilt();
-    SaveSession(session.toStdString(), window.GetDocument(), window.View());
+    Save(session);
     StartAnew();
     window.Restore(session);
     WaitForFiles();
@@ -92,12 +128,82 @@ TEST_F(SessionTest, RestoresAFileWithoutTheChainsThatWereRemoved) {
     Open({Example("1tii.pdb")});
     window.GetDocument().Remove({ChainOf("1tii", "D")});
     EXPECT_EQ(window.GetDocument().Unsaved().size(), 1u);
-    SaveSession(session.toStdString(), window.GetDocument(), window.View());
+    Save(session);
     StartAnew();
     window.Restore(session);
     WaitForFiles();
     EXPECT_EQ(ChainOf("1tii", "D"), nullptr);
     EXPECT_NE(ChainOf("1tii", "E"), nullptr);
+}
+
+TEST_F(SessionTest, KeepsTwoOfOneFileApart) {
+    Open({Example("1tii.pdb"), Example("1tii.pdb")});
+    const Document &document = window.GetDocument();
+    window.GetDocument().SetShown({document.Tops()[1]}, false);
+    Save(session);
+    StartAnew();
+    window.Restore(session);
+    WaitForFiles();
+    EXPECT_TRUE(document.IsShown(Drawn(document.Tops()[0])[0]));
+    EXPECT_FALSE(document.IsShown(Drawn(document.Tops()[1])[0]));
+}
+
+TEST_F(SessionTest, RestoresWhatPlaceWasAskedForAndFound) {
+    Open({Example("1tii.pdb"), Example("1tii_8A.mrc"), Example("1tii_D_displaced.pdb")});
+    PlaceThreeCopies();
+    const std::vector<std::string> rows = RowsOfPlaces();
+    const std::string verdict = Child<QLabel>("placeVerdict")->text().toStdString();
+    {
+        const FileDialogAnswer answer(session);
+        Choose("saveSession");
+    }
+    StartAnew();
+    window.Restore(session);
+    WaitForFiles();
+    EXPECT_EQ(Child<QComboBox>("placeModel")->currentText(), "1tii_D_displaced");
+    EXPECT_EQ(Child<QSpinBox>("placeCopies")->value(), 3);
+    EXPECT_EQ(Child<QDoubleSpinBox>("placeResolution")->value(), 8);
+    EXPECT_EQ(Child<QLabel>("placeVerdict")->text().toStdString(), verdict);
+    EXPECT_THAT(RowsOfPlaces(), ElementsAreArray(rows));
+    auto *places = Child<QTreeWidget>("places");
+    EXPECT_EQ(places->selectedItems().size(), 1);
+    EXPECT_TRUE(places->topLevelItem(1)->isSelected());
+    Click(Child<QPushButton>("placeKeep"));
+    EXPECT_TRUE(ChainOf("1tii_D_displaced-2", "D2"));
+}
+
+TEST_F(SessionTest, RestoresNoPlacesOfAModelThatHasLeft) {
+    Open({Example("1tii_8A.mrc"), Example("1tii_D_displaced.pdb")});
+    PlaceThreeCopies();
+    window.GetDocument().Remove({Top("1tii_D_displaced")});
+    Save(session);
+    StartAnew();
+    Child<QTreeWidget>("places")->clear();
+    window.Restore(session);
+    WaitForFiles();
+    EXPECT_TRUE(Top("1tii_8A"));
+    EXPECT_THAT(RowsOfPlaces(), IsEmpty());
+}
+
+TEST_F(SessionTest, TakesNoListOfPlacesThatIsNone) {
+    Open({Example("1tii.pdb")});
+    auto *chain = ChainOf("1tii", "D");
+    const NodeOfJson nodeOf = [&](const QJsonValue &name) { return name == "D" ? chain : nullptr; };
+    const auto listOf = [&](const QByteArray &places) {
+        return AnswerOf(
+            QJsonDocument::fromJson(
+                R"({"models": [{"name": "D", "chains": ["D"], "copies": null}], "places": [)" + places + "]}")
+                .object(),
+            nodeOf);
+    };
+    ASSERT_TRUE(listOf(R"({"model": 0, "number": 1, "chainNames": ["D"]})"));
+    EXPECT_FALSE(listOf("1"));
+    EXPECT_FALSE(listOf(R"({"model": 1, "chainNames": ["D"]})"));
+    EXPECT_FALSE(listOf(R"({"model": -1, "chainNames": ["D"]})"));
+    EXPECT_FALSE(listOf(R"({"model": 0, "chainNames": ["D", "E"]})"));
+    EXPECT_FALSE(AnswerOf({}, nodeOf));
+    const QJsonArray absent{QJsonObject{{"name", "E"}, {"chains", QJsonArray{"E"}}}};
+    EXPECT_FALSE(AnswerOf({{"models", absent}}, nodeOf));
 }
 
 TEST_F(SessionTest, SaysWhyAFileIsNoSession) {
@@ -110,9 +216,9 @@ TEST_F(SessionTest, SaysWhyAFileIsNoSession) {
 }
 
 TEST_F(SessionTest, TakesOddValuesOfASessionForWhatTheyCanBe) {
-    const SavedSession odd(folder.Write("session.json", R"({"format":"varno session","version":1,
+    SavedSession odd(folder.Write("session.json", R"({"format":"varno session","version":1,
         "entries":[{"file":")" + Example("1tii_8A.mrc").toStdString() +
-                                                            R"(",
+                                                      R"(",
         "drawn":[{"level":"x","opacity":7,"sliceAxis":9,"slice":-1}, 3]}], "viewpoint": [1]})"));
     Open(odd.Files());
     odd.Apply(Top("1tii_8A"), window.GetDocument());
@@ -128,7 +234,7 @@ TEST_F(SessionTest, IsSavedWithinAMinuteAndGoesWhenTheApplicationEnds) {
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/varno";
     const QString own =
         folderOfSessions + QString("/autosave-%1.json").arg(QCoreApplication::applicationPid());
-    Autosave autosave(window.GetDocument(), window.View(), 10);
+    Autosave autosave(window.GetDocument(), window.View(), window.Places(), 10);
     MakeBuilt();
     WaitUntil([&] { return QFile::exists(own); });
     // Its process lives: nothing to be restored.
@@ -148,7 +254,7 @@ TEST_F(SessionTest, IsOfferedWhereAnApplicationHasDied) {
     ASSERT_TRUE(QDir().mkpath(folderOfSessions));
     const QString left = folderOfSessions + QString("/autosave-%1.json").arg(dead);
     MakeBuilt();
-    SaveSession(left.toStdString(), window.GetDocument(), window.View());
+    Save(left);
     StartAnew();
     {
         const BoxAnswer answer(QMessageBox::Yes);

@@ -130,6 +130,33 @@ TEST_F(DocumentTest, HidesAPlugInsMapAtFirst) {
     EXPECT_GT(document.StatisticsOf(map).deviation, 0);
 }
 
+TEST_F(DocumentTest, KnowsThatAFileHoldsAMoleculeAgainWhenARemovalIsUndone) {
+    Compound *chain = MakeChain("one", "A", 3), *top = TopOf(chain);
+    document.SetSaved(top, "one.cif");
+    document.Remove({Below(chain)[0]});
+    document.Remove({Below(chain)[1], Below(chain)[0]});
+    EXPECT_THAT(document.Unsaved(), ElementsAre(top));
+    document.UndoStack().undo();
+    EXPECT_THAT(document.Unsaved(), ElementsAre(top));
+    document.UndoStack().undo();
+    EXPECT_THAT(document.Unsaved(), IsEmpty());
+    EXPECT_EQ(document.FileOf(top), "one.cif");
+    document.UndoStack().redo();
+    EXPECT_THAT(document.Unsaved(), ElementsAre(top));
+}
+
+TEST_F(DocumentTest, KnowsThatUndoingARemovalLeavesTheFileThatWasSavedAfterIt) {
+    Compound *chain = MakeChain("one", "A", 3), *top = TopOf(chain);
+    document.SetSaved(top, "one.cif");
+    document.Remove({Below(chain)[0]});
+    document.SetSaved(top, "two.cif");
+    EXPECT_THAT(document.Unsaved(), IsEmpty());
+    document.UndoStack().undo();
+    EXPECT_THAT(document.Unsaved(), ElementsAre(top));
+    document.UndoStack().redo();
+    EXPECT_EQ(document.FileOf(top), "two.cif");
+}
+
 TEST_F(DocumentTest, KnowsWhichMoleculesNoFileHolds) {
     Compound *built = TopOf(MakeChain("built", "A", 3));
     MakeMap("map");
