@@ -1,6 +1,7 @@
 #include "cli/Program.h"
 
 #include "cli/CommandLine.h"
+#include "cli/Completion.h"
 #include "cli/Diagnostics.h"
 #include "cli/Help.h"
 #include "cli/Suggestion.h"
@@ -40,6 +41,14 @@ int RunCommand(const Command &command, const std::vector<std::string> &words) {
     return Succeeded;
 }
 
+std::string CompletionFor(const std::string &shell, const std::vector<Command> &commands) {
+    if (shell == "bash")
+        return BashCompletion(commands);
+    if (shell == "zsh")
+        return ZshCompletion(commands);
+    throw UsageError("--completion: '" + shell + "' is neither bash nor zsh");
+}
+
 int Dispatch(const std::vector<Command> &commands, const std::vector<std::string> &words) {
     if (words.empty())
         throw UsageError("a command is missing");
@@ -50,6 +59,8 @@ int Dispatch(const std::vector<Command> &commands, const std::vector<std::string
         std::cout << "morvanex " MORVANEX_VERSION "\n";
     else if (first == "--man")
         std::cout << ManualPage(commands);
+    else if (first == "--completion")
+        std::cout << CompletionFor(words.size() > 1 ? words[1] : "", commands);
     else if (WordsOfName(commands, words) == 2)
         return RunCommand(FindCommand(commands, first + ' ' + words[1]), {words.begin() + 2, words.end()});
     else
