@@ -169,8 +169,8 @@ int RunPython(const std::string &action, const Arguments &arguments) {
     ShowPackage();
     std::cout.flush();
     execv(pointers.front(), pointers.data());
-    ReportError(std::string("needs Python, and ") + MORVANEX_PYTHON_PROGRAM +
-                " cannot be started: " + std::strerror(errno));
+    ReportError(std::string("needs Python, which Debian's python3-morvanex brings: ") +
+                MORVANEX_PYTHON_PROGRAM + " cannot be started: " + std::strerror(errno));
     return Failed;
 }
 
