@@ -93,7 +93,7 @@ std::string ZshBranch(const Command &command) {
 }
 
 std::string ZshDescription(const std::string &word, const Command &command) {
-    return "'" + ZshText(word) + ':' + ZshText(command.summary) + "' ";
+    return std::string("'").append(ZshText(word)) + ':' + ZshText(command.summary) + "' ";
 }
 
 } // namespace
