@@ -8,7 +8,6 @@
 #include "placement/Explained.h"
 #include "placement/JointRefinement.h"
 #include "placement/KnownNeighbours.h"
-#include "placement/Trim.h"
 
 #include <algorithm>
 #include <limits>
@@ -35,6 +34,7 @@ public:
     AssemblySearch(const VolumeView &map, std::span<const AssemblyPart> parts,
                    const AssemblyParameters &parameters, Monitor &monitor)
         : m_map(map)
+        , m_prepared(map, parameters.resolution, parameters.threads)
         , m_parts(parts)
         , m_parameters(parameters)
         , m_monitor(monitor) {
@@ -214,7 +214,7 @@ private:
         const double begin = m_share;
         m_share += (1 - m_share) / (2.0 * double(m_parts.size()) + 2);
         PartMonitor monitor(m_monitor, begin, m_share);
-        JudgedPlaces found = FindJudgedPlaces(m_map, m_parts[part].atoms,
+        JudgedPlaces found = FindJudgedPlaces(m_prepared, m_parts[part].atoms,
                                               {.resolution = m_parameters.resolution,
                                                .threads = m_parameters.threads,
                                                .region = {},
@@ -290,8 +290,8 @@ private:
     void Refine() {
         const unsigned threads = m_parameters.threads;
         const PointModel &largest = *std::ranges::max_element(m_models, {}, &PointModel::radius);
-        const Spectrum map = TransformMap(Trimmed(m_map, largest, m_parameters.resolution, threads),
-                                          m_parameters.resolution, threads);
+        const std::shared_ptr<const MapPart> part = m_prepared.PartFor(largest);
+        const Spectrum &map = part->MapSpectrum();
         RefineIn(map);
         std::vector<std::vector<Scatterer>> densities;
         for (const Claim &claim : m_placed)
@@ -367,6 +367,7 @@ private:
     }
 
     VolumeView m_map;
+    PreparedMap m_prepared;
     std::span<const AssemblyPart> m_parts;
     const AssemblyParameters &m_parameters;
     Monitor &m_monitor;

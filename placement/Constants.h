@@ -64,6 +64,11 @@ constexpr double scanPerRadius = 0.25;
 /// for each residue.
 constexpr double scanCells = 100, residueVolume = 135;
 
+// What is kept for the next model
+
+/// Bytes of filtered maps and of spectra that are kept: those of a box of 300 Å at 6 Å.
+constexpr std::size_t keptFiltered = std::size_t(64) << 20, keptSpectra = std::size_t(64) << 20;
+
 // The scan
 
 /// Step of the rotation set: a point at the radius of gyration moves by this many widths of the level.

@@ -7,6 +7,7 @@
 #include "placement/KnownNeighbours.h"
 #include "placement/OccupiedSpace.h"
 #include "placement/Parallel.h"
+#include "placement/PreparedMap.h"
 #include "placement/Rotations.h"
 #include "placement/Trim.h"
 
@@ -94,31 +95,30 @@ bool SeemsInverted(const Volume &smoothed, const std::array<std::size_t, 3> &inB
     return *middle - lowest > invertedRatio * (highest - *middle);
 }
 
-void CheckResolution(const PlacementParameters &parameters) {
-    if (!(parameters.resolution > 0) || !std::isfinite(parameters.resolution))
+void CheckResolution(double resolution) {
+    if (!(resolution > 0) || !std::isfinite(resolution))
         throw std::invalid_argument("the resolution is not a positive number of Å");
 }
 
 class Search {
 public:
-    Search(const VolumeView &map, const std::vector<ModelAtom> &atoms, const PlacementParameters &parameters,
+    /// `map` is the part that matters to the model.
+    Search(std::shared_ptr<MapPart> map, PointModel model, const PlacementParameters &parameters,
            Monitor &monitor)
         : m_parameters(parameters)
         , m_monitor(monitor)
-        , m_model(MakePointModel(atoms))
+        , m_model(std::move(model))
         , m_neighbours(parameters.neighbours)
-        , m_map(Trimmed(map, m_model, parameters.resolution, parameters.threads))
-        , m_spectrum(TransformMap(m_map, parameters.resolution, parameters.threads))
+        , m_map(WithoutNeighbours(std::move(map)))
+        , m_spectrum(m_map->MapSpectrum())
         , m_points(m_model.points, m_model.weights) {
         m_result.start = m_model.centre;
-        m_result.searched = m_map.count;
+        m_result.searched = m_map->View().count;
         m_result.predictedSignal = PredictedSignal(m_model.atoms, parameters.resolution);
         m_result.sharpShare = m_spectrum.sharpShare;
         m_result.scanResolution = ScanResolution(m_model, parameters.resolution);
         m_result.rotationStep = RotationStep(m_model, m_result.scanResolution);
         m_coarsest = coarseWidth * m_result.scanResolution;
-        if (!parameters.neighbours.empty())
-            m_neighbours.SubtractFrom(m_spectrum, parameters.threads);
     }
 
     PlacementResult Run() {
@@ -155,19 +155,33 @@ public:
     }
 
 private:
+    using FilteredMap = std::shared_ptr<const Volume>;
+    using Use = FilteredKind::Use;
+
+    std::shared_ptr<MapPart> WithoutNeighbours(std::shared_ptr<MapPart> map) const {
+        if (m_parameters.neighbours.empty())
+            return map;
+        return MapPart::Changed(std::move(map), [&](Spectrum &spectrum) {
+            m_neighbours.SubtractFrom(spectrum, m_parameters.threads);
+        });
+    }
+
     std::vector<Pose> Scan() {
         const double scan = m_result.scanResolution;
-        const Volume level =
-            MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan, Between::Nothing);
+        const FilteredMap level = m_map->Filtered({Use::Scan, m_coarsest}, [&] {
+            return MakeLevel(LevelFilter(m_spectrum, m_coarsest), coarseVoxel * scan, Between::Nothing);
+        });
         const double smoothing = MaskWidth(m_model, m_parameters.resolution);
         const Volume smoothed = MakeDensity(Smoothing(smoothing), coarseVoxel * scan);
-        const std::array<std::size_t, 3> inBox = InBox(level);
-        m_result.seemsInverted =
-            SeemsInverted(MakeDensity(Smoothing(maskWidth * scan), coarseVoxel * scan), inBox);
+        const std::array<std::size_t, 3> inBox = InBox(*level);
+        const FilteredMap extremes = m_map->Filtered({Use::Extremes, maskWidth * scan}, [&] {
+            return MakeDensity(Smoothing(maskWidth * scan), coarseVoxel * scan);
+        });
+        m_result.seemsInverted = SeemsInverted(*extremes, inBox);
         m_result.rotations = RotationsForStep(m_result.rotationStep);
         const std::vector<Matrix> rotations = SpreadRotations(m_result.rotations);
         PartMonitor monitor(m_monitor, transformEnd, scanEnd);
-        return CoarseSearch({.level = level,
+        return CoarseSearch({.level = *level,
                              .places = PlacesOnce(smoothed, inBox),
                              .inBox = inBox,
                              .points = m_model.scanPoints,
@@ -239,7 +253,6 @@ private:
     }
 
     void RefineAll(const std::vector<Pose> &starts) {
-        const double resolution = m_parameters.resolution;
         std::vector<ScoredPose> poses = NotScored(starts);
         const double before = RefineThroughLevels(poses);
         Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
@@ -249,14 +262,15 @@ private:
         ListPlaces(places);
         AddProfile(finest);
         finest = {}; // before the next one takes as much memory
-        finest = MakeFinest(LevelFilter(m_spectrum, finestWidth * resolution));
-        const Confidence second =
-            SecondOpinion(m_result.places.front().pose, Finish(poses, finest, before), finest);
-        m_result.confidence = LessSure(m_result.confidence, second);
+        m_result.confidence = LessSure(m_result.confidence, SecondOpinionOfFirst(poses, before));
         m_result.verdict = VerdictOf(m_result.confidence);
-        finest = {};
         DropOverlapping();
         AddDensityShares();
+    }
+
+    Confidence SecondOpinionOfFirst(const std::vector<ScoredPose> &poses, double before) {
+        const FilteredMap finest = FinestWithoutModel();
+        return SecondOpinion(m_result.places.front().pose, Finish(poses, *finest, before), *finest);
     }
 
     /// Every distinct place with what both filters say of it.
@@ -266,8 +280,8 @@ private:
         const std::vector<ScoredPose> places =
             Finish(poses, MakeFinest(MatchedFilter(m_spectrum, ModelPower())), before);
         const WrongTail tail = FitWrongTail(ScoresOf(places));
-        const Volume finest = MakeFinest(LevelFilter(m_spectrum, finestWidth * m_parameters.resolution));
-        const std::vector<ScoredPose> seconds = Finish(poses, finest, before);
+        const FilteredMap finest = FinestWithoutModel();
+        const std::vector<ScoredPose> seconds = Finish(poses, *finest, before);
         std::vector<JudgedPlace> judged;
         for (const ScoredPose &place : places) {
             std::vector<ScoredPose> list = places;
@@ -275,7 +289,7 @@ private:
             Confidence confidence = ConfidenceOf(m_model, list, tail);
             // A second opinion only lessens a probability: there is none to ask of what one filter rules out.
             if (confidence.place >= unsureTurn)
-                confidence = LessSure(confidence, SecondOpinion(place.pose, seconds, finest));
+                confidence = LessSure(confidence, SecondOpinion(place.pose, seconds, *finest));
             judged.push_back({PlaceOf(place), confidence});
             judged.back().place.probability = confidence.probability;
             judged.back().place.logExpected = confidence.logExpected;
@@ -296,8 +310,10 @@ private:
         const WeightedPoints scanned(m_model.scanPoints, equal);
         double before = m_coarsest;
         for (auto width = widths.begin(); width + 1 != widths.end(); before = *width++) {
-            const Volume level = MakeLevel(LevelFilter(m_spectrum, *width), levelVoxel * *width);
-            RefineList(poses, level, *width > pointWidth ? scanned : m_points,
+            const FilteredMap level = m_map->Filtered({Use::Level, *width}, [&] {
+                return MakeLevel(LevelFilter(m_spectrum, *width), levelVoxel * *width);
+            });
+            RefineList(poses, *level, *width > pointWidth ? scanned : m_points,
                        {levelSteps, firstLevelStep * before, longestLevelStep * before});
             poses = DistinctBest(m_model, std::move(poses), mergedAtLevel * *width,
                                  std::size_t(survivors * double(refinedPoses)), m_parameters.mates);
@@ -308,11 +324,19 @@ private:
     Volume MakeFinest(const RadialCurve &filter) const {
         double voxel = finestVoxel * finestWidth * m_parameters.resolution;
         // Of a large map, finer voxels than its own would take more memory than the map itself.
-        if (m_map.count[0] * m_map.count[1] * m_map.count[2] > largeMap)
-            voxel = std::max(voxel, *std::ranges::min_element(m_map.spacing));
+        const VolumeView &map = m_map->View();
+        if (map.count[0] * map.count[1] * map.count[2] > largeMap)
+            voxel = std::max(voxel, *std::ranges::min_element(map.spacing));
         Volume finest = MakeLevel(filter, voxel);
         ScaleToUnitPower(finest, m_parameters.threads);
         return finest;
+    }
+
+    /// The finest level under the filter without the model.
+    FilteredMap FinestWithoutModel() {
+        const double width = finestWidth * m_parameters.resolution;
+        return m_map->Filtered({Use::Finest, width},
+                               [&] { return MakeFinest(LevelFilter(m_spectrum, width)); });
     }
 
     /// Climbs to the maxima of the finest level; returns distinct places, best first.
@@ -448,18 +472,24 @@ private:
             m_result.profile[i] /= weights[i];
     }
 
-    /// How much of the model lies in density, for each place.
-    void AddDensityShares() {
-        const double width = finestWidth * m_parameters.resolution;
+    /// 1 where there is density, else 0.
+    Volume MakeMask(double width) const {
         Volume density = MakeDensity(Smoothing(width), levelVoxel * width);
         const auto threshold = float(DensityThreshold(density, InBox(density)));
         for (float &value : density.values)
             value = value > threshold ? 1.0f : 0.0f;
+        return density;
+    }
+
+    /// How much of the model lies in density, for each place.
+    void AddDensityShares() {
+        const double width = finestWidth * m_parameters.resolution;
+        const FilteredMap density = m_map->Filtered({Use::Density, width}, [&] { return MakeMask(width); });
         double all = 0;
         for (const double weight : m_model.weights)
             all += weight;
         for (Place &place : m_result.places)
-            place.inDensity = ScorePose(density, m_points, place.pose).score / all;
+            place.inDensity = ScorePose(*density, m_points, place.pose).score / all;
     }
 
     Verdict VerdictOf(const Confidence &confidence) const {
@@ -476,8 +506,8 @@ private:
     Monitor &m_monitor;
     PointModel m_model;
     KnownNeighbours m_neighbours;
-    VolumeView m_map; ///< the part of it that matters
-    Spectrum m_spectrum;
+    std::shared_ptr<MapPart> m_map; ///< the part of it that matters
+    const Spectrum &m_spectrum;
     WeightedPoints m_points;
     double m_coarsest = 0;                    ///< width of the scan's level, Å
     std::size_t m_lists = 1, m_listsDone = 0; ///< of poses that are refined, for the progress
@@ -493,24 +523,49 @@ std::size_t FoundCopies(const PlacementResult &result) {
         result.places, [](const Place &place) { return !place.otherTurn && place.probability >= declared; }));
 }
 
-PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
-                           const PlacementParameters &parameters, Monitor &monitor) {
-    CheckResolution(parameters);
-    return Search(map, atoms, parameters, monitor).Run();
+namespace {
+
+Search SearchIn(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+                const PlacementParameters &parameters, Monitor &monitor) {
+    CheckResolution(parameters.resolution);
+    PointModel model = MakePointModel(atoms);
+    auto part = std::make_shared<MapPart>(Trimmed(map, model, parameters.resolution, parameters.threads),
+                                          parameters.resolution, parameters.threads);
+    return {std::move(part), std::move(model), parameters, monitor};
 }
 
-JudgedPlaces FindJudgedPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+Search SearchIn(PreparedMap &map, const std::vector<ModelAtom> &atoms, const PlacementParameters &parameters,
+                Monitor &monitor) {
+    CheckResolution(parameters.resolution);
+    if (parameters.resolution != map.Resolution())
+        throw std::invalid_argument("the map is prepared for another resolution");
+    PointModel model = MakePointModel(atoms);
+    std::shared_ptr<MapPart> part = map.PartFor(model);
+    return {std::move(part), std::move(model), parameters, monitor};
+}
+
+} // namespace
+
+PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+                           const PlacementParameters &parameters, Monitor &monitor) {
+    return SearchIn(map, atoms, parameters, monitor).Run();
+}
+
+PlacementResult FindPlaces(PreparedMap &map, const std::vector<ModelAtom> &atoms,
+                           const PlacementParameters &parameters, Monitor &monitor) {
+    return SearchIn(map, atoms, parameters, monitor).Run();
+}
+
+JudgedPlaces FindJudgedPlaces(PreparedMap &map, const std::vector<ModelAtom> &atoms,
                               const PlacementParameters &parameters, Monitor &monitor) {
-    CheckResolution(parameters);
-    return Search(map, atoms, parameters, monitor).RunForAll();
+    return SearchIn(map, atoms, parameters, monitor).RunForAll();
 }
 
 PlacementResult RefinePlace(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                             const PlacementParameters &parameters, Monitor &monitor) {
-    CheckResolution(parameters);
     PlacementParameters own = parameters;
     own.region.reset();
-    return Search(map, atoms, own, monitor).RunNearby();
+    return SearchIn(map, atoms, own, monitor).RunNearby();
 }
 
 } // namespace placement

@@ -3,6 +3,7 @@
 #include "placement/CoarseSearch.h"
 #include "placement/Confidence.h"
 #include "placement/Motion.h"
+#include "placement/PreparedMap.h"
 
 namespace placement {
 
@@ -76,6 +77,9 @@ std::size_t FoundCopies(const PlacementResult &result);
 /// positive, std::bad_alloc where memory does not suffice.
 PlacementResult FindPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
                            const PlacementParameters &parameters, Monitor &monitor);
+/// Likewise, in a map that is prepared for this resolution; throws std::invalid_argument for another one.
+PlacementResult FindPlaces(PreparedMap &map, const std::vector<ModelAtom> &atoms,
+                           const PlacementParameters &parameters, Monitor &monitor);
 
 /// A place of a search, and how sure it is by itself.
 struct JudgedPlace {
@@ -91,7 +95,7 @@ struct JudgedPlaces {
 };
 
 /// Searches as FindPlaces does and judges every place by both filters. Throws as it does.
-JudgedPlaces FindJudgedPlaces(const VolumeView &map, const std::vector<ModelAtom> &atoms,
+JudgedPlaces FindJudgedPlaces(PreparedMap &map, const std::vector<ModelAtom> &atoms,
                               const PlacementParameters &parameters, Monitor &monitor);
 
 /// Brings a model that stands nearly right to the best place near by: its own turn and those up to 30° off

@@ -46,9 +46,17 @@ double MaskWidth(const PointModel &model, double resolution) {
     return std::max(maskWidth * ScanResolution(model, resolution), maskWidthPerRadius * model.gyration);
 }
 
-VolumeView Trimmed(const VolumeView &map, const PointModel &model, double resolution, unsigned threads) {
+double TrimCutOff(const PointModel &model, double resolution) {
+    return gaussianEnd / MaskWidth(model, resolution);
+}
+
+Waves TrimWaves(const VolumeView &map, double resolution, double cutOff, unsigned threads) {
+    return TransformPadded(map, padding * resolution, cutOff, threads);
+}
+
+VolumeView Trimmed(const VolumeView &map, const Waves &waves, const PointModel &model, double resolution,
+                   unsigned threads) {
     const double width = MaskWidth(model, resolution), pad = padding * resolution;
-    const Waves waves = TransformPadded(map, pad, gaussianEnd / width, threads);
     const Volume smoothed =
         Synthesise(waves, GaussianFilter(width, gaussianEnd / width), trimVoxel * width, threads);
     std::array<double, 3> lengths;
@@ -69,6 +77,11 @@ VolumeView Trimmed(const VolumeView &map, const PointModel &model, double resolu
         share *= double(count[axis]) / double(map.count[axis]);
     }
     return share < maxTrimmedShare ? map.Part(first, count) : map;
+}
+
+VolumeView Trimmed(const VolumeView &map, const PointModel &model, double resolution, unsigned threads) {
+    return Trimmed(map, TrimWaves(map, resolution, TrimCutOff(model, resolution), threads), model, resolution,
+                   threads);
 }
 
 } // namespace placement

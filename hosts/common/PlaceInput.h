@@ -7,8 +7,7 @@
 #include "Grid.h"
 #include "formats/maps/MapFile.h"
 #include "formats/structures/StructureFile.h"
-#include "placement/PointModel.h"
-#include "placement/Volume.h"
+#include "placement/PreparedMap.h"
 
 namespace hosts {
 
@@ -31,6 +30,8 @@ struct PlaceModel {
 struct PlaceInput : PlaceModel {
     std::vector<PlaceModel> parts; ///< of an assembly
     VARNO::Grid *map = nullptr;
+    /// The map, where it is prepared for many models at this resolution: not set, or it has to outlive this.
+    placement::PreparedMap *prepared = nullptr;
     formats::MapReport mapReport;
     double resolution = 0;                        ///< Å, as given or as estimated
     std::vector<SolidFile> fixed;                 ///< what is already in place

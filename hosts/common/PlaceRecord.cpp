@@ -110,8 +110,10 @@ Json Head(const PlaceRecord &record) {
 
 PlacementResult SearchOneHand(const PlaceInput &input, const PlacementParameters &parameters,
                               PlaceScope scope, Monitor &monitor) {
-    return scope == PlaceScope::Refine ? RefinePlace(ViewOf(*input.map), input.atoms, parameters, monitor)
-                                       : FindPlaces(ViewOf(*input.map), input.atoms, parameters, monitor);
+    if (scope == PlaceScope::Refine)
+        return RefinePlace(ViewOf(*input.map), input.atoms, parameters, monitor);
+    return input.prepared ? FindPlaces(*input.prepared, input.atoms, parameters, monitor)
+                          : FindPlaces(ViewOf(*input.map), input.atoms, parameters, monitor);
 }
 
 } // namespace

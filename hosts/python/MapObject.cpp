@@ -5,6 +5,7 @@
 #include "formats/files/FileError.h"
 #include "formats/files/NodeName.h"
 #include "formats/maps/MapVoxels.h"
+#include "hosts/common/PlaceInput.h"
 
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
@@ -78,6 +79,13 @@ py::array ValuesOf(const py::object &self) {
     return py::array_t<float>({size[2], size[1], size[0]}, {section, row, step}, grid.Values().data(), self);
 }
 
+/// The same map, with what searches at that resolution have in common made once.
+MapObject Prepared(const MapObject &map, double resolution) {
+    MapObject prepared = map;
+    prepared.prepared = std::make_shared<placement::PreparedMap>(hosts::ViewOf(*map.grid), resolution, 1);
+    return prepared;
+}
+
 MapObject ReadMapObject(const std::filesystem::path &file) {
     const py::gil_scoped_release unlocked;
     MapObject map;
@@ -102,7 +110,8 @@ void DefineMap(py::module_ &module) {
         .def_property_readonly("origin", [](const MapObject &map) { return TupleOf(map.grid->Origin()); })
         .def_readonly("name", &MapObject::file)
         .def_property_readonly("title", [](const MapObject &map) { return map.report.title; })
-        .def_property_readonly("warnings", [](const MapObject &map) { return map.report.warnings; });
+        .def_property_readonly("warnings", [](const MapObject &map) { return map.report.warnings; })
+        .def("prepared", &Prepared, py::arg("resolution"));
     module.def("check_shape", &CheckShape, py::arg("shape"));
     module.def("read_map", &ReadMapObject, py::arg("file"));
     module.def("write_map", &WriteMapObject, py::arg("file"), py::arg("map"), py::arg("title"));

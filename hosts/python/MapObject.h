@@ -2,6 +2,7 @@
 
 #include "Grid.h"
 #include "formats/maps/MapFile.h"
+#include "placement/PreparedMap.h"
 
 #include <pybind11/numpy.h>
 
@@ -15,6 +16,8 @@ struct MapObject {
     std::shared_ptr<VARNO::Grid> grid;
     formats::MapReport report; ///< of a map that was read
     std::string file;          ///< its name, as it was given to whoever read or made it
+    /// For many models at one resolution; its values then have to stay as they are.
+    std::shared_ptr<placement::PreparedMap> prepared;
 };
 
 /// Defines the class Map, and read_map and write_map.

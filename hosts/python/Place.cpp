@@ -71,7 +71,8 @@ void SearchForMap(const PlaceOptions &options, ObjectSource &source, const Warni
 
 void SearchForModels(const PlaceOptions &options, ObjectSource &source, const WarningSink &warn, Watch &watch,
                      Outcome &outcome) {
-    const PlaceInput input = ReadPlaceInput(options, warn, source);
+    PlaceInput input = ReadPlaceInput(options, warn, source);
+    input.prepared = source.Prepared(options.map, input.resolution);
     if (options.parts.empty()) {
         CheckPlaceOutputs(options, input.format);
         const Steps<PlaceInput, PlaceRecord> steps{FindPlacesOf, WritePlaceOutputs, WritePlaceJson};

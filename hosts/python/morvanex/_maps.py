@@ -66,6 +66,11 @@ class Map:
         made._native = native
         return made
 
+    def _prepared(self, resolution: float) -> "Map":
+        """The same map for searches of many models at that resolution: what they have in common is made once. Its values
+        have to stay as they are."""
+        return Map._of(self._native.prepared(resolution))
+
     @property
     def values(self) -> NDArray[numpy.float32]:
         """The voxels, indexed z, y, x: a view, not a copy, that may be written to and outlives the map.

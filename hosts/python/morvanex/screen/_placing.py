@@ -24,6 +24,8 @@ KEPT_PLACES = 60
 
 #: Maps of this process by checksum.
 _maps: dict[str, Map] = {}
+#: Those that models are placed in, by checksum, resolution and whether they are inverted.
+_prepared: dict[tuple[str, float, bool], Map] = {}
 
 
 @dataclass(frozen=True)
@@ -66,6 +68,8 @@ class MapPlugin:
     def teardown(self, worker: Any) -> None:
         """Gives the map's memory back."""
         _maps.pop(self._checksum, None)
+        for key in [key for key in _prepared if key[0] == self._checksum]:
+            del _prepared[key]
 
 
 #: A model's name, its results or why there are none.
@@ -75,10 +79,21 @@ Placed = tuple[str, Union[list[Result], str]]
 def place_batch(checksum: str, settings: Settings, batch: list[tuple[str, bytes]]) -> list[Placed]:
     """Places models, each a name and the bytes of its file, in the map of that checksum. What cannot be placed gives its
     reason."""
-    density = _maps[checksum]
+    density = _prepared_map(checksum, settings)
     with warnings.catch_warnings():
         warnings.simplefilter("ignore", MorvanexWarning)
         return [(name, _place_one(density, settings, name, content)) for name, content in batch]
+
+
+def _prepared_map(checksum: str, settings: Settings) -> Map:
+    """The map as it is searched, whose transforms are made once in this process."""
+    key = (checksum, settings.resolution, settings.invert)
+    if key not in _prepared:
+        density = _maps[checksum]
+        if settings.invert:
+            density = Map(-density.values, density.voxel, density.origin)
+        _prepared[key] = density._prepared(settings.resolution)
+    return _prepared[key]
 
 
 def _place_one(density: Map, settings: Settings, name: str, content: bytes) -> Union[list[Result], str]:
@@ -94,9 +109,7 @@ def _place_one(density: Map, settings: Settings, name: str, content: bytes) -> U
 
 
 def _place_part(density: Map, settings: Settings, domain: str, model: Structure) -> Result:
-    found = place(
-        density, model, resolution=settings.resolution, min_plddt=settings.min_plddt, invert=settings.invert, threads=1
-    )
+    found = place(density, model, resolution=settings.resolution, min_plddt=settings.min_plddt, threads=1)
     return _result_of(found, domain, model)
 
 
