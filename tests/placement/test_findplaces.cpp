@@ -70,8 +70,9 @@ TEST(FindJudgedPlaces, JudgesTheFirstPlaceAsASearchDoes) {
     const TwoCopies copies;
     Monitor silent;
     const PlacementResult search = Find(copies.map, copies.first.model, 8);
+    PreparedMap map(copies.map, 8, 1);
     const JudgedPlaces judged =
-        FindJudgedPlaces(copies.map, copies.first.model, {.resolution = 8, .region = {}}, silent);
+        FindJudgedPlaces(map, copies.first.model, {.resolution = 8, .region = {}}, silent);
     ASSERT_GT(judged.places.size(), search.places.size()) << "those that overlap a better one too";
     EXPECT_EQ(judged.verdict, search.verdict);
     EXPECT_EQ(judged.places.front().confidence.logExpected, search.confidence.logExpected);
@@ -88,7 +89,8 @@ TEST(FindJudgedPlaces, RefinesTheStartsThatItIsGiven) {
         bool IsCancelled() override { return true; }
     };
     const Complex complex;
-    const Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    const Volume density = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    PreparedMap map(density, 8, 1);
     const Point centre = complex.rotation * MakePointModel(complex.model).centre + complex.translation;
     PlacementParameters parameters{.resolution = 8, .region = {}};
     Cancelled cancelled;

@@ -75,6 +75,17 @@ def test_a_map_is_left_as_it_is():
     assert numpy.array_equal(inverted.values, -before)
 
 
+def test_a_prepared_map_gives_the_same_and_to_another_resolution_too():
+    density = morvanex.read_map(MAP)
+    prepared = density._prepared(8)
+    for model in (MODEL, COMPLEX, MODEL):
+        expected = without_time(morvanex.place(density, model, **SETTINGS).json)
+        assert without_time(morvanex.place(prepared, model, **SETTINGS).json) == expected
+    for more in (dict(resolution=9), dict(resolution=8, near=True), dict(resolution=8, refine=True)):
+        expected = without_time(morvanex.place(density, MODEL, **more).json)
+        assert without_time(morvanex.place(prepared, MODEL, **more).json) == expected
+
+
 def test_results_hold_what_the_record_holds():
     placement = morvanex.place(MAP, MODEL, **SETTINGS)
     record = placement.as_dict()

@@ -105,6 +105,24 @@ def test_the_ranking_depends_neither_on_the_workers_nor_on_the_order(models):
     assert ranked() == alone
 
 
+def test_every_model_has_the_place_that_it_has_alone(models):
+    for inverted in (False, True):
+        density = morvanex.read_map(MAP)
+        if inverted:
+            density = morvanex.Map(-density.values, density.voxel, density.origin)
+            morvanex.write_map("dark.mrc", density)
+        settings = morvanex.screen.Settings(resolution=8, invert=inverted)
+        files = morvanex.screen.find_models(models)[:6]
+        file = f"{inverted}.sqlite"
+        morvanex.screen.run("dark.mrc" if inverted else MAP, files, settings, file, workers=1)
+        for model, _, result in morvanex.screen.Store(file).results():
+            alone = morvanex.place(density, models / model.name, resolution=8, invert=inverted, threads=1)
+            assert result["log_expected"] == alone.confidence.log_expected
+            assert [place["score"] for place in result["places"]] == [
+                place.score for place in alone.places[: len(result["places"])]
+            ]
+
+
 def test_archives_and_lists_give_the_same_as_folders(models):
     def found(path):
         return [(model.name, model.read()) for model in morvanex.screen.find_models(path)]
