@@ -7,11 +7,15 @@ Models are stretches of predicted chains, bent, and pairs of such; among them th
 whole, bent and cut. Needs the data that the tests on real maps use, and the module on PYTHONPATH.
 """
 
+import collections
+import concurrent.futures
+import functools
 import os
 import pathlib
 import random
 import sys
 import tempfile
+import time
 
 import psutil
 
@@ -36,13 +40,15 @@ def write_bent(model, file, rmsd, seed):
     morvanex.simulate(model, resolution=30, voxel=15, bend=rmsd, seed=seed, bent_model=file)
 
 
-def write_decoy(models, file, numbers):
-    first = confident_stretch(numbers.choice(models), numbers, 60, 260)
-    if len(first.polymer_residues) < 40:
-        return False
+def write_decoy(file, number):
+    """A decoy of that number, from as many stretches as it takes to find a long one."""
+    numbers = random.Random(number)
+    first = None
+    while first is None or len(first.polymer_residues) < 40:
+        first = confident_stretch(numbers.choice(others()), numbers, 60, 260)
     write_bent(first, file, numbers.uniform(0.5, 4), numbers.randrange(1 << 30))
     if numbers.random() < 0.3:
-        second = confident_stretch(numbers.choice(models), numbers, 40, 120)
+        second = confident_stretch(numbers.choice(others()), numbers, 40, 120)
         if len(second.polymer_residues) > 20:
             beside = morvanex.Pose((0.7071, 0.7071, 0.0, 0.0), (25.0, 0.0, 0.0))
             other = file.with_suffix(".part")
@@ -50,24 +56,27 @@ def write_decoy(models, file, numbers):
             text = file.read_text().replace("END", "TER") + other.read_text()
             file.write_text("".join(line + "\n" for line in text.splitlines() if line.startswith("ATOM")))
             other.unlink()
-    return True
+
+
+@functools.lru_cache
+def others():
+    """The predicted models but the actin."""
+    return [morvanex.read_structure(file) for file in sorted((DATA / "models").glob("*.pdb.gz")) if ACTIN not in file.name]
 
 
 def make_models(folder, number):
-    numbers = random.Random(1)
-    files = sorted((DATA / "models").glob("*.pdb.gz"))
-    others = [morvanex.read_structure(file) for file in files if ACTIN not in file.name]
     actin = morvanex.read_structure(DATA / "models" / f"{ACTIN}.pdb.gz")
     for i, rmsd in enumerate((0.2, 1, 2)):
         write_bent(actin, folder / f"right-{i}.pdb", rmsd, i)
     cut = actin.picked(30 <= i < 330 for i in range(len(actin.polymer_residues)))
     morvanex.write_structure(folder / "right-cut.pdb", cut)
-    made = 4
-    while made < number:
-        made += write_decoy(others, folder / f"decoy-{made:05d}.pdb", numbers)
+    with concurrent.futures.ProcessPoolExecutor() as processes:
+        decoys = range(4, number)
+        files = [folder / f"decoy-{i:05d}.pdb" for i in decoys]
+        collections.deque(processes.map(write_decoy, files, decoys, chunksize=16), maxlen=0)
 
 
-def run(folder, workers):
+def run(models, workers, scratch):
     """Progress at the end, the results, and the most memory that a worker took, bytes."""
     most = 0
 
@@ -79,8 +88,8 @@ def run(folder, workers):
             except psutil.NoSuchProcess:
                 pass
 
-    file = folder.parent / f"run-{workers}.sqlite"
-    progress = screen.run(MAP, screen.find_models(folder), screen.Settings(RESOLUTION), file, workers=workers, show=show)
+    file = scratch / f"run-{workers}.sqlite"
+    progress = screen.run(MAP, models, screen.Settings(RESOLUTION), file, workers=workers, show=show)
     return progress, screen.ranking(screen.Store(file)), most
 
 
@@ -89,19 +98,24 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch) / "models"
         folder.mkdir()
+        begun = time.monotonic()
         make_models(folder, number)
-        seconds = {}
-        for workers in (2, 1):
-            progress, ranked, most = run(folder, workers)
-            seconds[workers] = progress.seconds
+        print(f"{number} models made in {time.monotonic() - begun:.0f} s")
+        models = screen.find_models(folder)
+        rates, rankings = {}, {}
+        # One worker shows its rate on every fourth model.
+        for workers, some in ((2, models), (1, models[:: 4 if number >= 400 else 1])):
+            progress, ranked, most = run(some, workers, pathlib.Path(scratch))
+            rates[workers], rankings[workers] = len(some) / progress.seconds, ranked
             searched = sum(entry.seconds for entry in ranked)
-            print(f"{workers} workers: {number / progress.seconds:.1f} models/s in {progress.seconds:.0f} s, "
+            print(f"{workers} workers: {len(some)} models in {progress.seconds:.0f} s, {rates[workers]:.1f} models/s, "
                   f"{100 * (1 - searched / workers / progress.seconds):.0f} % of it outside the search, "
                   f"{most / 2**20:.0f} MiB a worker, {len(progress.problems)} problems")  # fmt: skip
+        ranked = rankings[2]
         found = [entry for entry in ranked if entry.declared]
         wrong = [entry.model for entry in found if entry.model.startswith("decoy")]
         right = [entry.rank for entry in ranked if entry.model.startswith("right")]
-        print(f"2 workers against 1: {seconds[1] / seconds[2]:.2f}")
+        print(f"2 workers against 1: {rates[2] / rates[1]:.2f}")
         print(f"found: {len(found)}, of them decoys: {len(wrong)}; ranks of the right ones: {right}")
 
 

@@ -52,11 +52,11 @@ class AssemblyCopy(Record):
         copy: its number among the copies of this model, from 1.
         chains: that moved.
         pose: acts on the model's input coordinates.
-        probability: that the copy is right.
-        log_expected: natural logarithm of the number of wrong places expected to score as well.
+        probability: that the copy is right where all others are.
+        log_expected: natural logarithm of the number of wrong places expected to score as well beside them.
         score: log-likelihood ratio, on a scale of the map's own.
         contacts, clashes: its residues within 8 Å and 3 Å of another copy's or a fixed one's.
-        moved: by the refinement of all copies together, Å.
+        moved: RMSD by which the refinement of all copies together moved it, Å.
         explained: share of the map's power that it explains.
         rivals: names of models that fit the same place equally well.
         centre: of the placed copy, x, y, z in Å.
@@ -105,7 +105,7 @@ class Assembly(Result):
         copies: those that are placed.
         parts: what came of each model.
         distances: the known ones.
-        explained: share of the map's power up to its resolution that the copies explain.
+        explained: share of the map's power up to its resolution that the copies and the fixed parts explain.
         symmetry: where one was looked for; else None.
         resolution: of the map in Å, as given or as estimated.
         searches: how many were made.

@@ -39,11 +39,11 @@ class Place(Record):
 
 @dataclass(frozen=True)
 class Background(Record):
-    """The tail of the scores of wrong places: above s it falls like exp(-s / scale - s² / square), in the scores' unit.
+    """The tail of the scores of wrong places: places * exp(-(s² - square) / scale) of them are expected above a score s.
 
     Attributes:
         places: that it was fitted to.
-        scale, square: its parameters.
+        scale, square: its parameters, squares of scores.
     """
 
     places: int
@@ -101,7 +101,7 @@ class Forecast(Record):
     """What was to be expected before the search.
 
     Attributes:
-        signal: the predicted one, in standard deviations of the scores of wrong places.
+        signal: how far a model of that size stands out of the noise at that resolution, in standard deviations.
         prospect: "poor", "uncertain" or "good".
         statement: that in a sentence.
     """

@@ -19,7 +19,7 @@ class MapEvidence(Record):
         weakest: after the operator that fits worst.
         wrong: after the best of other motions.
         probability: that the symmetry is no chance.
-        log_expected: natural logarithm of the number of wrong symmetries expected to fit as well.
+        log_expected: natural logarithm of the number of wrong motions expected to correlate as well.
         resolution: at which the map was compared, Å.
     """
 
@@ -40,7 +40,7 @@ class PlacesEvidence(Record):
     Attributes:
         name: of the symmetry that they have, "C5"; None for none.
         places: their number.
-        share: of them that it relates.
+        share: of the copies that it gives each place, those that stand among the places.
         rmsd: of its copies from the places, Å.
     """
 
