@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <span>
 #include <string>
@@ -73,6 +74,10 @@ void WriteStructure(const std::string &file, StructureFormat format,
 using Displacement = std::function<VARNO::Vertex(const VARNO::Vertex &)>;
 void WriteStructure(const std::string &file, StructureFormat format,
                     const std::vector<const VARNO::Compound *> &nodes, const Displacement &displace);
+
+/// Likewise into a stream, as mmCIF; `name` stands for the file.
+void PrintMmcif(std::ostream &out, const std::string &name,
+                const std::vector<const VARNO::Compound *> &nodes);
 
 /// A polymer chain in one of its places.
 struct PlacedChain {

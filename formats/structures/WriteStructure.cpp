@@ -376,6 +376,26 @@ private:
     }
 };
 
+/// The chains with atoms below the nodes. Throws FileError where there is none.
+std::vector<WrittenChain> ChainsBelow(const std::vector<const Compound *> &nodes,
+                                      const Displacement &displace, const std::string &file) {
+    std::vector<WrittenChain> chains;
+    std::string labels;
+    for (const Compound *node : nodes) {
+        CollectChains(node, chains);
+        labels += (labels.empty() ? "" : ", ") + base::Quoted(node->GetLabel());
+    }
+    std::erase_if(chains, [](const WrittenChain &chain) { return !HasAtoms(chain); });
+    if (chains.empty())
+        throw FileError(file, "", "nothing to write: no chain with atoms in " + labels);
+    for (WrittenChain &chain : chains) {
+        chain.name = chain.node->GetName();
+        chain.displace = displace;
+        chain.entityNumber = std::size_t(&chain - chains.data()) + 1;
+    }
+    return chains;
+}
+
 } // namespace
 
 StructureFormat StructureFormatOf(const std::string &file) {
@@ -397,26 +417,17 @@ void WriteStructure(const std::string &file, StructureFormat format,
 
 void WriteStructure(const std::string &file, StructureFormat format,
                     const std::vector<const Compound *> &nodes, const Displacement &displace) {
-    std::vector<WrittenChain> chains;
-    std::string labels;
-    for (const Compound *node : nodes) {
-        CollectChains(node, chains);
-        labels += (labels.empty() ? "" : ", ") + base::Quoted(node->GetLabel());
-    }
-    std::erase_if(chains, [](const WrittenChain &chain) { return !HasAtoms(chain); });
-    if (chains.empty())
-        throw FileError(file, "", "nothing to write: no chain with atoms in " + labels);
-    for (WrittenChain &chain : chains) {
-        chain.name = chain.node->GetName();
-        chain.displace = displace;
-        chain.entityNumber = std::size_t(&chain - chains.data()) + 1;
-    }
+    const std::vector<WrittenChain> chains = ChainsBelow(nodes, displace, file);
     ReplaceFile(file, [&](std::ostream &out) {
         if (format == StructureFormat::Pdb)
             PdbWriter(file, out).Write(chains);
         else
             MmcifWriter(file, out).Write(chains);
     });
+}
+
+void PrintMmcif(std::ostream &out, const std::string &name, const std::vector<const Compound *> &nodes) {
+    MmcifWriter(name, out).Write(ChainsBelow(nodes, std::identity(), name));
 }
 
 void WriteAssembly(const std::string &file, std::span<const PlacedChain> placed) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -47,6 +48,17 @@ Option JsonOption(const std::string &help) {
         .name = "--json", .value = Value::File, .valueName = "FILE", .help = help, .defaultText = "no file"};
 }
 
+Option ReportOption() {
+    return {
+        .name = "--report",
+        .value = Value::File,
+        .valueName = "FILE",
+        .help =
+            "Write a page to look at and to send on, one HTML file that needs no network: what was done, the "
+            "table, pictures, and a 3D view where that is installed",
+        .defaultText = "no file"};
+}
+
 Option ModelsOption(const std::string &help) {
     return {.name = "--models", .value = Value::Integer, .valueName = "N", .help = help, .defaultText = "0"};
 }
@@ -86,6 +98,44 @@ int IntegerOf(const Arguments &arguments, const std::string &option, int min, in
         Refuse(option, std::to_string(number),
                "a whole number from " + std::to_string(min) + " to " + std::to_string(max));
     return number;
+}
+
+namespace {
+
+/// As one word of a shell's command line.
+std::string ShellWord(const std::string &text) {
+    const auto isPlain = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               std::string_view("+,-./:=@_").find(c) != std::string_view::npos;
+    };
+    if (!text.empty() && std::ranges::all_of(text, isPlain))
+        return text;
+    std::string word = "'";
+    for (const char character : text)
+        word += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    return word + '\'';
+}
+
+} // namespace
+
+std::string CommandLineOf(const std::string &command, const std::vector<Option> &options,
+                          const Arguments &arguments) {
+    std::string line = "morvanex " + command;
+    for (const Option &option : options) {
+        if (!arguments.Has(option.name))
+            continue;
+        if (option.value == Value::None)
+            line += ' ' + option.name;
+        for (const std::string &value : arguments.Texts(option.name)) {
+            line += ' ' + option.name;
+            std::istringstream words(value);
+            for (std::string word; option.words > 1 && words >> word;)
+                line += ' ' + ShellWord(word);
+            if (option.words == 1)
+                line += ' ' + ShellWord(value);
+        }
+    }
+    return line;
 }
 
 std::string OptionOf(std::string parameter) {

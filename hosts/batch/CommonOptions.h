@@ -19,6 +19,8 @@ cli::Option ThreadsOption(const std::string &work, const std::string &remark = {
 cli::Option ResultsOption(const std::string &contents);
 /// --json: the file of what is found, as `help` lists it.
 cli::Option JsonOption(const std::string &help);
+/// --report: a page of what is found.
+cli::Option ReportOption();
 /// --models: how many structures to write, as `help` explains.
 cli::Option ModelsOption(const std::string &help);
 /// --model-prefix of a command whose option `input` ("--model") names the structure.
@@ -36,6 +38,11 @@ std::string ModelPrefixOf(const cli::Arguments &arguments, const std::string &in
 /// The option's whole number, `otherwise` where it was not given. Throws std::runtime_error, naming option
 /// and value, for one outside `min` to `max`.
 int IntegerOf(const cli::Arguments &arguments, const std::string &option, int min, int max, int otherwise);
+
+/// The command line that the arguments were read from, for a shell: options in the order of the help, values
+/// quoted where they need it.
+std::string CommandLineOf(const std::string &command, const std::vector<cli::Option> &options,
+                          const cli::Arguments &arguments);
 
 /// The option that sets a parameter: "--translation-step" for "translation step".
 std::string OptionOf(std::string parameter);

@@ -21,7 +21,7 @@ namespace {
 /// The files come first: whoever reads standard output may have gone away. False where a file failed.
 bool Deliver(const FitRecord &record, const std::list<SolutionScore> &solutions, const FitInput &input,
              const std::string &outOfReach) {
-    const auto [written, errors] = WriteFitOutputs(record, solutions, input.target, input.targetFormat);
+    const auto [written, errors] = WriteFitOutputs(record, solutions, input);
     for (const std::string &warning : WarningsOf(record, outOfReach))
         Warn(warning);
     ReportSolutions(record, written);

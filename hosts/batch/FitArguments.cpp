@@ -115,6 +115,7 @@ std::vector<Option> FitOptionTable() {
          .defaultText = "no file"},
         JsonOption(
             "Write the settings, the counts and every kept solution in full precision, the best first"),
+        ReportOption(),
         ModelsOption("Write the N best solutions as structures: the target chain with all its atoms, "
                      "in the target file's format"),
         ModelPrefixOption("--target", "fit"),
@@ -144,11 +145,13 @@ FitOptions ReadFitOptions(const Arguments &arguments, const WarningSink &warn) {
     options.results = arguments.GivenText("--results");
     options.log = arguments.GivenText("--log");
     options.json = arguments.GivenText("--json");
+    options.report = arguments.GivenText("--report");
     options.models = arguments.Integer("--models");
     options.modelPrefix = ModelPrefixOf(arguments, "--target", "fit");
     options.quiet = arguments.Has("--quiet");
     options.force = arguments.Has("--force");
     options.threads = ThreadsOf(arguments);
+    options.command = CommandLineOf("fit", FitOptionTable(), arguments);
     return options;
 }
 

@@ -270,6 +270,7 @@ std::vector<Option> PlaceOptionTable() {
             "Output",
             JsonOption("Write the verdict, every place in full precision, the best first, and the score of "
                        "each residue at the first one")),
+        ReportOption(),
         {.name = "--assembly",
          .value = Value::File,
          .valueName = "FILE",
@@ -329,12 +330,14 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.movedMap = arguments.GivenText("--moved-map");
     options.mirroredMap = arguments.GivenText("--mirrored-map");
     options.json = arguments.GivenText("--json");
+    options.report = arguments.GivenText("--report");
     options.results = arguments.GivenText("--results");
     // More than the search keeps are never written.
     options.models = IntegerOf(arguments, "--models", 0, 150, 0);
     options.modelPrefix = ModelPrefixOf(arguments, "--model", "place");
     options.quiet = arguments.Has("--quiet");
     options.threads = ThreadsOf(arguments);
+    options.command = CommandLineOf("place", PlaceOptionTable(), arguments);
     return options;
 }
 

@@ -1,6 +1,7 @@
 #include "hosts/common/AssemblyOutput.h"
 
 #include "hosts/common/Outputs.h"
+#include "hosts/common/ReportOutput.h"
 
 #include "formats/files/ReplaceFile.h"
 #include "placement/Explained.h"
@@ -50,7 +51,7 @@ void WriteStructureOf(const std::string &file, const AssemblyRecord &record, con
 
 void CheckAssemblyOutputs(const PlaceOptions &options) {
     std::vector<std::string> outputs, inputs = options.fixed;
-    for (const auto &output : {options.assembly, options.rest, options.json})
+    for (const auto &output : {options.assembly, options.rest, options.json, options.report})
         if (output)
             outputs.push_back(*output);
     inputs.push_back(options.map);
@@ -72,6 +73,7 @@ Delivery WriteAssemblyOutputs(const AssemblyRecord &record, const PlaceInput &in
         writer.Write(*options.json, count + " in full precision", [&] {
             formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteAssemblyJson(out, record); });
         });
+    DeliverReport(record, input, writer);
     return writer.Result();
 }
 

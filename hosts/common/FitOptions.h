@@ -29,11 +29,13 @@ struct FitOptions {
     std::optional<std::string> results;
     std::optional<std::string> log;
     std::optional<std::string> json;
+    std::optional<std::string> report; ///< a page to look at
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;
     bool force = false;
-    int threads = 1; ///< that score poses
+    int threads = 1;     ///< that score poses
+    std::string command; ///< the command line that asks for the same; the report shows it
 };
 
 /// Throws ParameterError for a number that no fit can be run with, or that the engine, which has positions in

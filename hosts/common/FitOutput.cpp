@@ -2,6 +2,7 @@
 
 #include "hosts/common/FitJson.h"
 #include "hosts/common/Outputs.h"
+#include "hosts/common/ReportOutput.h"
 
 #include "formats/files/FileError.h"
 #include "formats/files/ReplaceFile.h"
@@ -40,7 +41,7 @@ void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &
     if (options.restraints)
         inputs.push_back(*options.restraints);
     std::vector<std::string> outputs = models;
-    for (const auto &output : {options.results, options.log, options.json})
+    for (const auto &output : {options.results, options.log, options.json, options.report})
         if (output)
             outputs.push_back(*output);
     CheckOutputs(outputs, inputs);
@@ -50,7 +51,7 @@ void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &
 }
 
 Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
-                         const Chain *target, formats::StructureFormat format) {
+                         const FitInput &input) {
     const FitOptions &options = record.options;
     const std::string count = std::to_string(solutions.size()) + " solutions";
     DeliveryWriter writer;
@@ -60,14 +61,15 @@ Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore>
         writer.Write(*options.json, count + " in full precision", [&] {
             formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteFitJson(out, record); });
         });
-    const std::vector<std::string> models = ModelFiles(options, format);
+    const std::vector<std::string> models = ModelFiles(options, input.targetFormat);
     for (std::size_t i = 0; i < std::min(models.size(), solutions.size()); ++i) {
         const SolutionScore &solution = *record.solutions[i].solution;
         writer.Write(models[i], "the model of rank " + std::to_string(i + 1), [&] {
-            formats::WriteStructure(models[i], format, target,
+            formats::WriteStructure(models[i], input.targetFormat, input.target,
                                     Transform(solution.rotation, solution.translation));
         });
     }
+    DeliverReport(record, input, writer);
     return writer.Result();
 }
 

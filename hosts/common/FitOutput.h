@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hosts/common/Delivery.h"
+#include "hosts/common/FitInput.h"
 #include "hosts/common/FitRecord.h"
 
 namespace hosts {
@@ -18,6 +19,6 @@ void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &
 /// Writes what was asked for, each file as a whole. A file that fails does not prevent the
 /// others.
 Delivery WriteFitOutputs(const FitRecord &record, const std::list<SolutionScore> &solutions,
-                         const VARNO::Chain *target, formats::StructureFormat format);
+                         const FitInput &input);
 
 } // namespace hosts

@@ -92,6 +92,7 @@ void RefuseStructures(const PlaceOptions &options) {
     refuse(options.symmetry.has_value(), "symmetry");
     refuse(options.results.has_value(), "results");
     refuse(options.models > 0, "models");
+    refuse(options.report.has_value(), "report");
 }
 
 } // namespace

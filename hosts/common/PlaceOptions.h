@@ -58,10 +58,12 @@ struct PlaceOptions {
     std::optional<std::string> rest;        ///< the map less what the copies and the fixed parts explain
     std::vector<DistanceOptions> distances; ///< known ones between residues of an assembly
     std::optional<std::string> movedMap;    ///< a map that is the model, in its place on the map's lattice
+    std::optional<std::string> report;      ///< a page to look at
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;
     int threads = 1;
+    std::string command; ///< the command line that asks for the same; the report shows it
 };
 
 } // namespace hosts

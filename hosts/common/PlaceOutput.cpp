@@ -3,6 +3,7 @@
 #include "base/Words.h"
 
 #include "hosts/common/Outputs.h"
+#include "hosts/common/ReportOutput.h"
 
 #include "formats/files/ReplaceFile.h"
 #include "solutions/ResultsFile.h"
@@ -43,7 +44,7 @@ void WriteResultsList(const std::string &file, const std::vector<Place> &places)
 
 void CheckPlaceOutputs(const PlaceOptions &options, formats::StructureFormat format) {
     std::vector<std::string> outputs = RankedFiles(options.modelPrefix, options.models, format);
-    for (const auto &output : {options.results, options.json, options.mirroredMap})
+    for (const auto &output : {options.results, options.json, options.mirroredMap, options.report})
         if (output)
             outputs.push_back(*output);
     std::vector<std::string> inputs = options.fixed;
@@ -75,6 +76,7 @@ Delivery WritePlaceOutputs(const PlaceRecord &record, const PlaceInput &input) {
             formats::WriteStructure(models[i], input.format, chains,
                                     VARNO::Transform(solution.rotation, solution.translation));
         });
+    DeliverReport(record, input, writer);
     return writer.Result();
 }
 

@@ -50,7 +50,7 @@ void Run(const FitOptions &options, ObjectSource &source, Watch &watch, Outcome 
     Monitor monitor(record, watch);
     std::list<SolutionScore> solutions;
     SearchFit(parameters, survey, solutions, monitor);
-    const Delivery delivery = WriteFitOutputs(record, solutions, input.target, input.targetFormat);
+    const Delivery delivery = WriteFitOutputs(record, solutions, input);
     outcome.written = delivery.written;
     outcome.errors = delivery.errors;
     for (const std::string &warning : WarningsOf(record, WarningOfReach(survey, options, *input.map)))

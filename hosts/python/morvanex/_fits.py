@@ -74,6 +74,7 @@ def fit(
     results: Optional[Path] = None,
     log: Optional[Path] = None,
     json: Optional[Path] = None,
+    report: Optional[Path] = None,
     models: Optional[int] = None,
     model_prefix: Optional[Path] = None,
     force: bool = False,
@@ -98,7 +99,7 @@ def fit(
         keep: number of solutions to keep.
         inclusion_distance: fixed residues farther than this from the target's centre are ignored, Å.
         threads: that score poses, one for each core unless given; the result does not depend on it.
-        results, log, json, models, model_prefix: files to write, as the command does.
+        results, log, json, report, models, model_prefix: files to write, as the command does.
         force: run the fit even if it takes more than a year.
         progress: is called on this thread with the share of the work that is done, 0 to 1, up to ten times a second.
 
@@ -133,6 +134,7 @@ def fit(
             "results": results,
             "log": log,
             "json": json,
+            "report": report,
             "models": models,
             "model_prefix": model_prefix,
             "force": bool(force),

@@ -49,6 +49,7 @@ def place(
     region: Optional[Sequence[float]] = ...,
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
+    report: Optional[Path] = ...,
     moved_map: Optional[Path] = ...,
     progress: Progress = ...,
 ) -> MapPlacement: ...
@@ -67,6 +68,7 @@ def place(
     invert: bool = ...,
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
+    report: Optional[Path] = ...,
     assembly: Optional[Path] = ...,
     rest: Optional[Path] = ...,
     progress: Progress = ...,
@@ -86,6 +88,7 @@ def place(
     invert: bool = ...,
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
+    report: Optional[Path] = ...,
     assembly: Optional[Path] = ...,
     rest: Optional[Path] = ...,
     progress: Progress = ...,
@@ -109,6 +112,7 @@ def place(
     symmetry_from: Optional[Path] = ...,
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
+    report: Optional[Path] = ...,
     rest: Optional[Path] = ...,
     progress: Progress = ...,
 ) -> Assembly: ...
@@ -133,6 +137,7 @@ def place(
     symmetry_from: Optional[Path] = ...,
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
+    report: Optional[Path] = ...,
     results: Optional[Path] = ...,
     models: Optional[int] = ...,
     model_prefix: Optional[Path] = ...,
@@ -161,6 +166,7 @@ def place(
     symmetry_from: Optional[Path] = None,
     threads: Optional[int] = None,
     json: Optional[Path] = None,
+    report: Optional[Path] = None,
     assembly: Optional[Path] = None,
     rest: Optional[Path] = None,
     results: Optional[Path] = None,
@@ -201,8 +207,8 @@ def place(
         symmetry_centre: a point of it, or the centre where there is one, x, y, z in Å; found unless given.
         symmetry_from: an mmCIF file whose first assembly tells symmetry, axis and centre.
         threads: that search, one for each core unless given; the result does not depend on it.
-        json, assembly, rest, results, models, model_prefix, moved_map, mirrored_map: files to write, as the command
-            does.
+        json, report, assembly, rest, results, models, model_prefix, moved_map, mirrored_map: files to write, as the
+            command does.
         progress: is called on this thread with the share of the work that is done, 0 to 1, up to ten times a second.
 
     Raises:
@@ -254,6 +260,7 @@ def place(
             "symmetry_from": symmetry_from,
             "threads": threads,
             "json": json,
+            "report": report,
             "assembly": assembly,
             "rest": rest,
             "results": results,

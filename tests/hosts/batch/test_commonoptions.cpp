@@ -54,6 +54,21 @@ TEST(CommonOptions, WholeNumbersOutOfRangeAreRefusedWithTheirValue) {
     EXPECT_EQ(ErrorOfThreads("1025"), "--threads: 1025 is not a whole number from 1 to 1024");
 }
 
+TEST(CommonOptions, ACommandLineCanBeGivenToAShellAgain) {
+    const std::vector<Option> options{{.name = "--map", .value = Value::File},
+                                      {.name = "--model", .value = Value::File, .repeatable = true},
+                                      {.name = "--max-distance", .value = Value::Text, .words = 3},
+                                      {.name = "--invert"}};
+    const Arguments arguments{.values = {{"--invert", {}},
+                                         {"--max-distance", {"A:1 B:2 9.5"}},
+                                         {"--map", {"it's $HOME.mrc"}},
+                                         {"--model", {"a.pdb=2", ""}}},
+                              .operand = {}};
+    EXPECT_EQ(CommandLineOf("place", options, arguments),
+              "morvanex place --map 'it'\\''s $HOME.mrc' --model a.pdb=2 --model '' --max-distance A:1 B:2 9.5 "
+              "--invert");
+}
+
 TEST(CommonOptions, AHeadingBeginsAGroup) {
     const Option option = Headed("Input", MapOption());
     EXPECT_EQ(option.heading, "Input");

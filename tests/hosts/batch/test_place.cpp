@@ -365,3 +365,18 @@ TEST_F(Place, ModelsForAMirroredMapFitTheMapThatItWrites) {
     // The origin, words 50 to 52 of the header.
     EXPECT_EQ(written.substr(196, 12), original.substr(196, 12));
 }
+
+TEST_F(Place, WritesAReportOfWhatItFound) {
+    EXPECT_THAT(OutputOf(Words({"--report", m_folder.File("r.html")})), HasSubstr("Wrote the report: "));
+    const std::string page = ReadFile(m_folder.File("r.html"));
+    EXPECT_THAT(page, StartsWith("<!DOCTYPE html>"));
+    EXPECT_THAT(page, HasSubstr("5 places are found"));
+    EXPECT_THAT(page, HasSubstr("<pre>morvanex place --map " + SourceFolder() + "/examples/1tii_8A.mrc --model"));
+    EXPECT_THAT(page, HasSubstr("yz plane, x = 5"));
+}
+
+TEST_F(Place, RefusesAReportThatCannotBeWrittenBeforeTheSearch) {
+    EXPECT_THAT(ErrorOf(Words({"--report", "/nonexistent/r.html"})), HasSubstr("/nonexistent/r.html: "));
+    EXPECT_THAT(ErrorOf(Words({"--report", m_folder.File("a"), "--json", m_folder.File("a")})),
+                HasSubstr("is named for two outputs"));
+}

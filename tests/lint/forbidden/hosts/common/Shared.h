@@ -6,3 +6,4 @@
 #include "hosts/common/Shared.h"
 #include "placement/Places.h"
 #include "search/Search.h"
+#include "hosts/report/Page.h"

@@ -1,0 +1,2 @@
+#include "hosts/common/Shared.h"
+#include "Engine.h"
