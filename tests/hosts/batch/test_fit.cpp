@@ -472,7 +472,7 @@ TEST_F(Fit, RefusesOutputsThatCannotBeWritten) {
     Put("restraints.txt", "ALA3 1 2 3\n");
     std::filesystem::create_symlink("map.mrc", File("link"));
     std::filesystem::create_hard_link(File("model.pdb"), File("hard"));
-    for (const std::string option : {"--results", "--log", "--json"}) {
+    for (const std::string option : {"--results", "--log", "--json", "--report"}) {
         ExpectRefused({option, File("none/file")}, File("none/file") + ": cannot be written");
         ExpectRefused({option, std::filesystem::path(File("x")).parent_path()},
                       ": cannot be written: it is a directory");
