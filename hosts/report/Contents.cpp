@@ -233,7 +233,8 @@ Contents OfPlacement(const Json &record) {
 
     const bool hasFixed = !Member(input, "fixed").empty();
     contents.rowWord = "place";
-    contents.columns = {{"Score"}, {"Probability"}, {"Confidence", false}, {"In density"}, {"Centre, Å"}};
+    contents.columns = {
+        {"Score"}, {"Probability"}, {"Confidence", Cells::Confidence}, {"In density"}, {"Centre, Å"}};
     if (hasFixed)
         contents.columns.insert(contents.columns.end() - 1, {"Overlap"});
     const double copies = NumberIn(record, "copies");
@@ -288,8 +289,14 @@ Contents OfAssembly(const Json &record) {
     AddPlacementInput(contents, record);
 
     contents.rowWord = "copy";
-    contents.columns = {{"Model", false}, {"Chains", false}, {"Probability"}, {"Confidence", false},
-                        {"Score"},        {"Explains"},      {"Clashes"},     {"Centre, Å"}};
+    contents.columns = {{"Model", Cells::Words},
+                        {"Chains", Cells::Words},
+                        {"Probability"},
+                        {"Confidence", Cells::Confidence},
+                        {"Score"},
+                        {"Explains"},
+                        {"Clashes"},
+                        {"Centre, Å"}};
     AddRows(contents, copies, [](const Json &entry, std::size_t) {
         std::string chains;
         for (const Json &chain : Member(entry, "chains"))

@@ -28,9 +28,11 @@ struct Row {
     bool isFound = false;
 };
 
+enum class Cells { Numbers, Words, Confidence };
+
 struct Column {
     std::string head;
-    bool isNumber = true;
+    Cells cells = Cells::Numbers;
 };
 
 /// A name and what belongs to it.

@@ -20,7 +20,8 @@ struct Page {
 };
 
 /// The page as one file, which asks no other one for anything: a policy in its head forbids every request,
-/// and every script but its own. Throws std::invalid_argument for a script that holds "</script" or "<script".
+/// and every script but its own. Throws std::invalid_argument for a script that holds "</script" or
+/// "<script".
 std::string HtmlOf(const Page &page);
 
 } // namespace report

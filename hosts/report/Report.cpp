@@ -144,6 +144,10 @@ double LevelFor(const VolumeView &map, const Statistics &statistics, const std::
     return std::max(double(*tenth), low);
 }
 
+std::string ClassOf(Cells cells) {
+    return cells == Cells::Numbers ? "number" : cells == Cells::Words ? "words" : "confidence";
+}
+
 std::string LevelText(double level) {
     return QString::number(level, 'g', 3).toStdString();
 }
@@ -244,7 +248,8 @@ private:
         word[0] = char(word[0] - 'a' + 'A');
         table += word + "</th>";
         for (const Column &column : m_contents.columns)
-            table += "<th scope=\"col\"" + std::string(column.isNumber ? " class=\"number\"" : "") + '>' +
+            table += "<th scope=\"col\"" +
+                     std::string(column.cells == Cells::Numbers ? " class=\"number\"" : "") + '>' +
                      Escaped(column.head) + "</th>";
         table += "</tr></thead>\n<tbody>\n";
         for (std::size_t i = 0; i < m_contents.rows.size(); ++i)
@@ -268,8 +273,8 @@ private:
                                      : number) +
                            "</th>";
         for (std::size_t i = 0; i < row.cells.size(); ++i)
-            html += std::string("<td class=\"") + (m_contents.columns[i].isNumber ? "number" : "words") +
-                    "\">" + Escaped(row.cells[i]) + "</td>";
+            html += "<td class=\"" + ClassOf(m_contents.columns[i].cells) + "\">" + Escaped(row.cells[i]) +
+                    "</td>";
         return html + "</tr>\n";
     }
 
@@ -395,7 +400,7 @@ private:
         const std::string chart = HistogramSvg(m_contents.scores);
         if (chart.empty())
             return {};
-        std::string caption = "How the scores of the " + m_contents.rowWord + "s are distributed";
+        std::string caption = "How the scores are distributed";
         if (m_contents.scores.found > 0)
             caption += "; the green ones, with a mark above, are " +
                        std::string(m_contents.scores.mean ? "the best" : "those that are found");

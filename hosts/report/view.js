@@ -25,6 +25,7 @@
 
     try {
         const stage = new NGL.Stage(view, {backgroundColor: background(), tooltip: false, quality: 'medium', sampleLevel: 0});
+        view.stage = stage; // for the browser's console
         dark.addEventListener('change', () => stage.setParameters({backgroundColor: background()}));
         addEventListener('resize', () => stage.handleResize());
 

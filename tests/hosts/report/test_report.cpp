@@ -81,8 +81,8 @@ TEST_F(Report, TellsTheVerdictThePlacesAndWhatWasDone) {
     EXPECT_THAT(page, HasSubstr("<h1>model.pdb in map.mrc</h1>"));
     EXPECT_THAT(page, HasSubstr("Placed, with a probability above 0.999."));
     EXPECT_THAT(page, HasSubstr("aria-label=\"Show place 2\""));
-    EXPECT_THAT(page, HasSubstr("<td class=\"words\">sure</td>"));
-    EXPECT_THAT(page, HasSubstr("<td class=\"words\">as by chance</td>"));
+    EXPECT_THAT(page, HasSubstr("<td class=\"confidence\">sure</td>"));
+    EXPECT_THAT(page, HasSubstr("<td class=\"confidence\">as by chance</td>"));
     EXPECT_THAT(page, HasSubstr("<dd>8 Å</dd>"));
     EXPECT_THAT(page, HasSubstr("<dd>morvanex 1.2.3</dd>"));
     EXPECT_THAT(page, HasSubstr("<pre>morvanex place --map map.mrc</pre>"));
