@@ -203,6 +203,17 @@ std::string RefinedText(const PlacementResult &result) {
            "° to the best place near by; the rest of the map was not searched";
 }
 
+/// A model that fills the map's box has few other places in it, turns of itself that score nearly as well as
+/// it does.
+std::string FewPlacesText(std::size_t places) {
+    constexpr std::size_t enough = 40;
+    return places < enough
+               ? ". Only " + std::to_string(places) +
+                     " places lie in the map's box, too few for a probability to trust: judge the "
+                     "first one by the share of the model that lies in density, or use a larger box"
+               : "";
+}
+
 } // namespace
 
 std::string VerdictText(const PlacementResult &result) {
@@ -218,7 +229,7 @@ std::string VerdictText(const PlacementResult &result) {
     case Verdict::NothingFound:
         return "no place stands out: wrong places are expected to score as well as the best one "
                "(probability " +
-               probability + ")";
+               probability + ")" + FewPlacesText(result.tail.number);
     case Verdict::NotJudged:
         return "the map is sharpened without a low-pass filter, and its noise hides what is sure: no "
                "probability is given. Low-pass the map at its resolution and try again";

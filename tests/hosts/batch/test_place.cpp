@@ -305,6 +305,14 @@ TEST_F(Place, WhatIsPlacedMayStandAlready) {
     EXPECT_THAT(output, HasSubstr("no place stands out"));
 }
 
+TEST_F(Place, AModelThatFillsTheBoxHasTooFewOtherPlacesToCompareWith) {
+    const std::string output = OutputOf({"place", "--map", SourceFolder() + "/examples/1tii_8A.mrc",
+                                         "--model", Complex(), "--resolution", "8", "--quiet"});
+    EXPECT_THAT(output, HasSubstr("no place stands out"));
+    EXPECT_THAT(output, HasSubstr("places lie in the map's box, too few for a probability to trust"));
+    EXPECT_THAT(OutputOf(Words({"--fixed", Complex()})), Not(HasSubstr("too few")));
+}
+
 TEST_F(Place, RefusesFixedChainsThatAreNotThere) {
     EXPECT_EQ(ErrorOf(Words({"--fixed", Complex(), "--fixed-chains", "A,X"})),
               "--fixed-chains: no fixed file has a polymer chain 'X'\n");
