@@ -71,7 +71,7 @@ const std::vector<std::string> FitFixture::longSearch{"--axis",
                                                       "--threads",
                                                       "1",
                                                       "--translation-steps",
-                                                      "25",
+                                                      std::to_string(longSteps),
                                                       "--translation-step",
                                                       "0.3"};
 

@@ -32,7 +32,13 @@ protected:
     /// Names and contents of the files in the folder.
     std::map<std::string, std::string> Contents() const;
 
-    /// Options of a search of more than two seconds, with 321 axes and 25³ translations.
+    /// Options of a search of more than two seconds, with 321 axes and `longSteps`³ translations. A sanitizer
+    /// makes it seven times longer.
+#ifdef __SANITIZE_ADDRESS__
+    static constexpr int longSteps = 13;
+#else
+    static constexpr int longSteps = 25;
+#endif
     static const std::vector<std::string> longSearch;
 
     const std::string m_chainA, m_chainB; ///< as PDB records

@@ -568,8 +568,9 @@ TEST_F(Fit, StopsAtASignalAndWritesWhatWasFound) {
         EXPECT_TRUE(std::filesystem::exists(File("m-1.pdb")));
         const auto json = nlohmann::json::parse(ReadFile(File("j")));
         EXPECT_LT(json["counts"]["axesDone"], 321);
-        EXPECT_EQ(json["counts"]["poses"], 15625 * (1 + json["counts"]["axesDone"].get<long long>() *
-                                                            json["counts"]["angles"].get<long long>()));
+        EXPECT_EQ(json["counts"]["poses"], longSteps * longSteps * longSteps *
+                                               (1 + json["counts"]["axesDone"].get<long long>() *
+                                                        json["counts"]["angles"].get<long long>()));
         for (const char *file : {"r", "j", "m-1.pdb"})
             std::filesystem::remove(File(file));
     }
