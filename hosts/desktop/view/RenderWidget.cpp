@@ -12,6 +12,9 @@ namespace desktop {
 
 namespace {
 
+/// At which VTK draws a letter as many pixels high as its size says.
+constexpr double pointsPerInch = 72;
+
 /// Layers of translucent surfaces that are told apart.
 constexpr int maxPeels = 6;
 
@@ -65,6 +68,7 @@ void RenderWidget::initializeGL() {
 void RenderWidget::resizeGL(int, int) {
     const QSize pixels = size() * devicePixelRatio();
     m_window->SetSize(pixels.width(), pixels.height());
+    m_window->SetDPI(int(pointsPerInch * devicePixelRatio())); // by which text grows
 }
 
 void RenderWidget::paintGL() {

@@ -8,6 +8,7 @@
 #include <vtkLineSource.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
+#include <vtkTextProperty.h>
 
 #include <algorithm>
 #include <cmath>
@@ -63,6 +64,7 @@ Scene::Scene(Document &document, vtkRenderer &renderer)
     connect(&document, &Document::lookChanged, this, [this](Compound *drawn) { TakeIn({drawn}); });
     m_distance->GetProperty()->SetColor(1, 0.6, 0);
     m_distance->GetProperty()->SetLineWidth(3);
+    PrepareLength();
     TakeIn(document.Tops());
 }
 
@@ -121,6 +123,7 @@ void Scene::SetCoarse(bool coarse) {
 
 void Scene::ShowDistance(const Compound *from, const Compound *to) {
     m_renderer.RemoveViewProp(m_distance);
+    m_renderer.RemoveViewProp(m_length);
     if (from && to) {
         const Vertex a = from->GetPosition(), b = to->GetPosition();
         vtkNew<vtkLineSource> line;
@@ -130,8 +133,30 @@ void Scene::ShowDistance(const Compound *from, const Compound *to) {
         mapper->SetInputConnection(line->GetOutputPort());
         m_distance->SetMapper(mapper);
         m_renderer.AddViewProp(m_distance);
+        ShowLength(a, b);
     }
     emit changed();
+}
+
+/// It lies over all that is drawn, at a place in the model, on a ground that lets it be read on any.
+void Scene::PrepareLength() {
+    m_length->GetPositionCoordinate()->SetCoordinateSystemToWorld();
+    vtkTextProperty *text = m_length->GetTextProperty();
+    text->SetColor(1, 0.75, 0.3);
+    text->SetFontSize(16);
+    text->SetJustificationToCentered();
+    text->SetVerticalJustificationToCentered();
+    text->SetBackgroundColor(0.1, 0.1, 0.1);
+    text->SetBackgroundOpacity(0.75);
+}
+
+void Scene::ShowLength(const Vertex &a, const Vertex &b) {
+    const double length = std::sqrt(double((b - a).SquaredLength()));
+    m_length->SetInput(QString(" %1 Å ").arg(length, 0, 'f', 2).toUtf8().constData());
+    m_length->GetPositionCoordinate()->SetValue((double(a[0]) + double(b[0])) / 2,
+                                                (double(a[1]) + double(b[1])) / 2,
+                                                (double(a[2]) + double(b[2])) / 2);
+    m_renderer.AddViewProp(m_length);
 }
 
 void Scene::ShowGhosts(const std::vector<Ghost> &ghosts) {

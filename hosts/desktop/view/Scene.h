@@ -7,6 +7,7 @@
 #include <vtkMatrix4x4.h>
 #include <vtkNew.h>
 #include <vtkRenderer.h>
+#include <vtkTextActor.h>
 
 #include <QObject>
 
@@ -41,7 +42,8 @@ public:
     /// Draws large things with less detail, so that a moving camera is followed.
     void SetCoarse(bool coarse);
 
-    /// Draws a line between two positions; none where `from` and `to` are null.
+    /// Draws a line between two positions and its length in Å at its middle; none where `from` and `to` are
+    /// null.
     void ShowDistance(const VARNO::Compound *from, const VARNO::Compound *to);
 
     /// Draws chains at other places, in the stead of those drawn so before.
@@ -58,6 +60,8 @@ private:
     /// Draws those chains anew that have gained or lost residues.
     void UpdateChains();
     void UpdateSelection();
+    void PrepareLength();
+    void ShowLength(const VARNO::Vertex &a, const VARNO::Vertex &b);
     void AddGhost(const VARNO::Compound &chain, vtkMatrix4x4 *pose);
 
     Document &m_document;
@@ -65,6 +69,7 @@ private:
     std::unordered_map<VARNO::Compound *, std::unique_ptr<DrawnNode>> m_drawn;
     bool m_isCoarse = false;
     vtkNew<vtkActor> m_distance;
+    vtkNew<vtkTextActor> m_length;
     std::vector<vtkSmartPointer<vtkActor>> m_ghosts;
 };
 

@@ -50,10 +50,25 @@ protected:
                 count += matches(picture.pixelColor(x, y));
         return count;
     }
+    /// The box around such pixels.
+    template <class Matches>
+    QRect PlaceOf(Matches matches) {
+        const QImage picture = Settled();
+        QRect box;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (matches(picture.pixelColor(x, y)))
+                    box |= QRect(x, y, 1, 1);
+        return box;
+    }
     int CountDrawn() {
         return Count([](const QColor &colour) { return colour.value() > 45; });
     }
     static bool IsBlue(const QColor &c) { return c.blue() > c.red() + 40 && c.blue() > c.green() + 40; }
+    /// The label of a distance.
+    static bool IsLabel(const QColor &c) {
+        return c.red() > 180 && c.green() > 110 && c.blue() > 40 && c.blue() < 110;
+    }
     static bool IsRed(const QColor &c) { return c.red() > c.green() + 40 && c.red() > c.blue() + 40; }
     static bool IsYellow(const QColor &c) { return c.red() > c.blue() + 40 && c.green() > c.blue() + 40; }
 
@@ -182,6 +197,26 @@ TEST_F(SceneViewTest, MeasuresTheDistanceOfTwoClicks) {
     EXPECT_EQ(from, Below(chain)[5]);
     EXPECT_EQ(to, Below(chain)[7]);
     EXPECT_NEAR(measured[0][2].toDouble(), 7.6, 1e-4);
+}
+
+TEST_F(SceneViewTest, WritesTheDistanceAtTheMiddleOfItsLine) {
+    Compound *chain = AddChain("one", "A", 11);
+    document.SetLookOfChain(chain, {.rainbow = false, .colour = Qt::blue});
+    view.FitTo({chain});
+    view.SetPerspective(false);
+    view.SetMeasuring(true);
+    ASSERT_EQ(Count(IsLabel), 0);
+    const double pixelsPerAngstrom = 150 / view.GetViewpoint().scale;
+    const int second = int(200 + 4 * 3.8 * pixelsPerAngstrom);
+    QTest::mouseClick(Canvas(), Qt::LeftButton, {}, {200, 150});
+    QTest::mouseClick(Canvas(), Qt::LeftButton, {}, {second, 150});
+    const QRect label = PlaceOf(IsLabel);
+    EXPECT_NEAR(label.center().x(), (200 + second) / 2, 4);
+    EXPECT_NEAR(label.center().y(), 150, 4);
+    EXPECT_GE(label.height(), 8);
+    EXPECT_GE(label.width(), 30);
+    view.SetMeasuring(false);
+    EXPECT_EQ(Count(IsLabel), 0);
 }
 
 TEST_F(SceneViewTest, RotatesMovesAndZoomsByTheMouseWithoutSelecting) {
