@@ -26,7 +26,7 @@ void CheckIsRegular(const std::string &file) {
     std::error_code ignored;
     const auto status = std::filesystem::status(file, ignored);
     if (std::filesystem::is_directory(status))
-        throw FileError(file, "", "is a directory");
+        throw FileError(file, "", "cannot be read: Is a directory");
     if (std::filesystem::is_other(status))
         throw FileError(file, "", "is not a regular file");
 }

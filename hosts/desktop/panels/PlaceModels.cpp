@@ -24,6 +24,8 @@ QSpinBox *MakeCopies() {
     QObject::connect(copies, &QSpinBox::valueChanged, copies, [copies](int number) {
         copies->setSuffix(number == 1 ? PlaceModels::tr(" copy") : PlaceModels::tr(" copies"));
     });
+    copies->setValue(maxCopies);
+    copies->setMinimumWidth(copies->sizeHint().width()); // that of the longest text, in every row
     copies->setValue(1);
     return copies;
 }
@@ -35,7 +37,7 @@ PlaceModels::PlaceModels()
     m_layout->setContentsMargins(0, 0, 0, 0);
     auto *add = new QToolButton;
     add->setObjectName("placeAddModel");
-    add->setText(tr("Add a model"));
+    add->setText(tr("+ Add a model"));
     add->setToolTip(tr("Places several models together, without clashes"));
     add->setAutoRaise(true);
     connect(add, &QToolButton::clicked, this, &PlaceModels::AddRow);

@@ -95,7 +95,7 @@ TEST(CheckIsRegular, RefusesWhatWouldMakeAReaderWait) {
     };
     EXPECT_EQ(errorOf(pipe), pipe + ": is not a regular file");
     EXPECT_EQ(errorOf("/dev/zero"), "/dev/zero: is not a regular file");
-    EXPECT_EQ(errorOf(folder.Path()), folder.Path() + ": is a directory");
+    EXPECT_EQ(errorOf(folder.Path()), folder.Path() + ": cannot be read: Is a directory");
     EXPECT_EQ(errorOf(folder.Write("file", "x")), "no error");
     EXPECT_EQ(errorOf(folder.File("absent")), "no error");
 }
