@@ -1,9 +1,9 @@
 #include "plugins/ElfFile.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <span>
 #include <stdexcept>
 
@@ -24,11 +24,14 @@ constexpr unsigned char ownOrder = std::endian::native == std::endian::little ? 
 /// The bytes of a file, every access checked: a damaged file may claim anything.
 class Bytes {
 public:
-    explicit Bytes(const std::string &path) {
-        std::ifstream file(path, std::ios::binary);
+    explicit Bytes(const std::string &path, std::size_t limit = std::string::npos) {
+        std::ifstream file(path, std::ios::binary | std::ios::ate);
         if (!file)
             throw std::runtime_error("it cannot be read");
-        m_bytes.assign(std::istreambuf_iterator(file), {});
+        m_bytes.resize(std::min(limit, std::size_t(std::max<std::streamoff>(0, file.tellg()))));
+        file.seekg(0);
+        file.read(m_bytes.data(), std::streamsize(m_bytes.size()));
+        m_bytes.resize(std::size_t(file.gcount()));
     }
 
     template <class T>
@@ -112,7 +115,7 @@ ElfFile ReadElf(const std::string &path) {
 }
 
 unsigned OwnMachine() {
-    return ReadElf("/proc/self/exe").machine;
+    return Bytes("/proc/self/exe", sizeof(Header)).At<Header>(0).e_machine;
 }
 
 } // namespace desktop
