@@ -2,6 +2,7 @@
 
 #include "SyntheticModel.h"
 #include "placement/FindPlaces.h"
+#include "placement/Trim.h"
 
 #include <gtest/gtest.h>
 
@@ -71,7 +72,6 @@ TEST(PreparedMap, EveryModelFindsInItWhatItFindsInTheMap) {
     for (const double border : {4.0, 60.0}) {
         const Volume map = MapWithBorder(border);
         PreparedMap prepared(map, resolution, 1);
-        // The small model takes more waves than the large one, whose map is made anew from them.
         for (const auto *model : {&Large(), &Small(), &Large()})
             ExpectAsAlone(map, prepared, *model, Parameters());
     }
@@ -99,6 +99,17 @@ TEST(PreparedMap, ModelsShareWhatMattersOfTheMap) {
     EXPECT_LT(part->View().count[0], wide.count[0]);
     EXPECT_NE(trimmed.PartFor(MakePointModel(Small())), part);
     EXPECT_EQ(trimmed.PartFor(MakePointModel(Large())), part);
+}
+
+TEST(PreparedMap, ASmallModelAfterALargeOneHasTheWavesThatItTakes) {
+    const Volume map = MapWithBorder(60);
+    const PointModel small = MakePointModel(RandomModel(20, 3)), large = MakePointModel(RandomModel(5000, 4));
+    PreparedMap prepared(map, resolution, 1);
+    prepared.PartFor(large);
+    const VolumeView part = prepared.PartFor(small)->View(), alone = Trimmed(map, small, resolution, 1);
+    EXPECT_LT(part.count[0], map.count[0]);
+    EXPECT_EQ(part.count, alone.count);
+    EXPECT_EQ(part.values.data(), alone.values.data());
 }
 
 TEST(PreparedMap, SearchesInSeveralThreadsShareIt) {
