@@ -59,6 +59,17 @@ Option ReportOption() {
         .defaultText = "no file"};
 }
 
+Option ViewerScriptOption() {
+    return {
+        .name = "--viewer-script",
+        .value = Value::File,
+        .valueName = "FILE",
+        .help =
+            "Write a script that opens the map and the models at their places: in ChimeraX where FILE ends in "
+            ".cxc, in PyMOL where it ends in .pml. It names the input files, which must stay where they are",
+        .defaultText = "no file"};
+}
+
 Option ModelsOption(const std::string &help) {
     return {.name = "--models", .value = Value::Integer, .valueName = "N", .help = help, .defaultText = "0"};
 }

@@ -21,6 +21,8 @@ cli::Option ResultsOption(const std::string &contents);
 cli::Option JsonOption(const std::string &help);
 /// --report: a page of what is found.
 cli::Option ReportOption();
+/// --viewer-script: opens what is found in a viewer.
+cli::Option ViewerScriptOption();
 /// --models: how many structures to write, as `help` explains.
 cli::Option ModelsOption(const std::string &help);
 /// --model-prefix of a command whose option `input` ("--model") names the structure.

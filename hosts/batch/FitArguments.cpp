@@ -116,6 +116,7 @@ std::vector<Option> FitOptionTable() {
         JsonOption(
             "Write the settings, the counts and every kept solution in full precision, the best first"),
         ReportOption(),
+        ViewerScriptOption(),
         ModelsOption("Write the N best solutions as structures: the target chain with all its atoms, "
                      "in the target file's format"),
         ModelPrefixOption("--target", "fit"),
@@ -146,6 +147,7 @@ FitOptions ReadFitOptions(const Arguments &arguments, const WarningSink &warn) {
     options.log = arguments.GivenText("--log");
     options.json = arguments.GivenText("--json");
     options.report = arguments.GivenText("--report");
+    options.viewerScript = arguments.GivenText("--viewer-script");
     options.models = arguments.Integer("--models");
     options.modelPrefix = ModelPrefixOf(arguments, "--target", "fit");
     options.quiet = arguments.Has("--quiet");

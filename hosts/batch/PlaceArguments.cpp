@@ -271,6 +271,7 @@ std::vector<Option> PlaceOptionTable() {
             JsonOption("Write the verdict, every place in full precision, the best first, and the score of "
                        "each residue at the first one")),
         ReportOption(),
+        ViewerScriptOption(),
         {.name = "--assembly",
          .value = Value::File,
          .valueName = "FILE",
@@ -331,6 +332,7 @@ PlaceOptions ReadPlaceOptions(const Arguments &arguments) {
     options.mirroredMap = arguments.GivenText("--mirrored-map");
     options.json = arguments.GivenText("--json");
     options.report = arguments.GivenText("--report");
+    options.viewerScript = arguments.GivenText("--viewer-script");
     options.results = arguments.GivenText("--results");
     // More than the search keeps are never written.
     options.models = IntegerOf(arguments, "--models", 0, 150, 0);

@@ -49,6 +49,7 @@ std::vector<Option> OutputOptions() {
          .valueName = "FILE",
          .help = "Write the settings, the ranking and the models without a result",
          .defaultText = "no file"},
+        ReportOption(),
         {.name = "--top",
          .value = Value::Integer,
          .valueName = "N",

@@ -50,8 +50,10 @@ void WriteStructureOf(const std::string &file, const AssemblyRecord &record, con
 } // namespace
 
 void CheckAssemblyOutputs(const PlaceOptions &options) {
+    CheckViewerScript(options.viewerScript);
     std::vector<std::string> outputs, inputs = options.fixed;
-    for (const auto &output : {options.assembly, options.rest, options.json, options.report})
+    for (const auto &output :
+         {options.assembly, options.rest, options.json, options.report, options.viewerScript})
         if (output)
             outputs.push_back(*output);
     inputs.push_back(options.map);

@@ -29,7 +29,8 @@ struct FitOptions {
     std::optional<std::string> results;
     std::optional<std::string> log;
     std::optional<std::string> json;
-    std::optional<std::string> report; ///< a page to look at
+    std::optional<std::string> report;       ///< a page to look at
+    std::optional<std::string> viewerScript; ///< opens map and models in ChimeraX or PyMOL
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;

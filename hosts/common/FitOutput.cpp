@@ -36,12 +36,14 @@ std::vector<std::string> ModelFiles(const FitOptions &options, formats::Structur
 }
 
 void CheckFitOutputs(const FitOptions &options, const std::vector<std::string> &models) {
+    CheckViewerScript(options.viewerScript);
     std::vector<std::string> inputs = options.solids;
     inputs.insert(inputs.end(), {options.map, options.target});
     if (options.restraints)
         inputs.push_back(*options.restraints);
     std::vector<std::string> outputs = models;
-    for (const auto &output : {options.results, options.log, options.json, options.report})
+    for (const auto &output :
+         {options.results, options.log, options.json, options.report, options.viewerScript})
         if (output)
             outputs.push_back(*output);
     CheckOutputs(outputs, inputs);

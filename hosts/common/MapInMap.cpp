@@ -8,6 +8,7 @@
 #include "hosts/common/ParameterError.h"
 #include "hosts/common/PlaceInput.h"
 #include "hosts/common/PlaceRecord.h"
+#include "hosts/common/ReportOutput.h"
 
 #include "formats/files/ReplaceFile.h"
 
@@ -92,7 +93,7 @@ void RefuseStructures(const PlaceOptions &options) {
     refuse(options.symmetry.has_value(), "symmetry");
     refuse(options.results.has_value(), "results");
     refuse(options.models > 0, "models");
-    refuse(options.report.has_value(), "report");
+    refuse(options.viewerScript.has_value(), "viewer-script");
 }
 
 } // namespace
@@ -111,7 +112,7 @@ MapInMapInput ReadMapInMapInput(const PlaceOptions &options, const WarningSink &
 
 void CheckMapInMapOutputs(const PlaceOptions &options) {
     std::vector<std::string> outputs;
-    for (const auto &output : {options.json, options.movedMap})
+    for (const auto &output : {options.json, options.movedMap, options.report})
         if (output)
             outputs.push_back(*output);
     CheckOutputs(outputs, {options.map, options.model});
@@ -184,10 +185,12 @@ Delivery WriteMapInMapOutputs(const MapInMapRecord &record, const MapInMapInput 
         writer.Write(*options.json, base::Counted(places.size(), "place") + " in full precision", [&] {
             formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteMapInMapJson(out, record); });
         });
-    if (options.movedMap && !places.empty())
-        writer.Write(*options.movedMap, "the second map in its place", [&] {
-            formats::WriteMap(*options.movedMap, *Moved(record, input), "moved by morvanex place");
-        });
+    const std::unique_ptr<Grid> moved =
+        (options.movedMap || options.report) && !places.empty() ? Moved(record, input) : nullptr;
+    if (options.movedMap && moved)
+        writer.Write(*options.movedMap, "the second map in its place",
+                     [&] { formats::WriteMap(*options.movedMap, *moved, "moved by morvanex place"); });
+    DeliverReport(record, input, moved.get(), writer);
     return writer.Result();
 }
 

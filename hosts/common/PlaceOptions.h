@@ -53,12 +53,13 @@ struct PlaceOptions {
 
     std::optional<std::string> results;
     std::optional<std::string> json;
-    std::optional<std::string> mirroredMap; ///< is written where the places lie in it
-    std::optional<std::string> assembly;    ///< all placed copies, mmCIF
-    std::optional<std::string> rest;        ///< the map less what the copies and the fixed parts explain
-    std::vector<DistanceOptions> distances; ///< known ones between residues of an assembly
-    std::optional<std::string> movedMap;    ///< a map that is the model, in its place on the map's lattice
-    std::optional<std::string> report;      ///< a page to look at
+    std::optional<std::string> mirroredMap;  ///< is written where the places lie in it
+    std::optional<std::string> assembly;     ///< all placed copies, mmCIF
+    std::optional<std::string> rest;         ///< the map less what the copies and the fixed parts explain
+    std::vector<DistanceOptions> distances;  ///< known ones between residues of an assembly
+    std::optional<std::string> movedMap;     ///< a map that is the model, in its place on the map's lattice
+    std::optional<std::string> report;       ///< a page to look at
+    std::optional<std::string> viewerScript; ///< opens map and models in ChimeraX or PyMOL
     int models = 0;
     std::string modelPrefix;
     bool quiet = false;

@@ -43,8 +43,10 @@ void WriteResultsList(const std::string &file, const std::vector<Place> &places)
 } // namespace
 
 void CheckPlaceOutputs(const PlaceOptions &options, formats::StructureFormat format) {
+    CheckViewerScript(options.viewerScript);
     std::vector<std::string> outputs = RankedFiles(options.modelPrefix, options.models, format);
-    for (const auto &output : {options.results, options.json, options.mirroredMap, options.report})
+    for (const auto &output :
+         {options.results, options.json, options.mirroredMap, options.report, options.viewerScript})
         if (output)
             outputs.push_back(*output);
     std::vector<std::string> inputs = options.fixed;

@@ -2,6 +2,7 @@
 #include "Fit.h"
 #include "MapObject.h"
 #include "Place.h"
+#include "Report.h"
 #include "Simulate.h"
 #include "StructureObject.h"
 
@@ -13,5 +14,6 @@ PYBIND11_MODULE(_morvanex, module) {
     python::DefineStructure(module);
     python::DefineFit(module);
     python::DefinePlace(module);
+    python::DefineReport(module);
     python::DefineSimulate(module);
 }

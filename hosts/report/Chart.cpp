@@ -79,9 +79,9 @@ std::string HistogramSvg(const ScoreList &list) {
     std::vector<double> scores;
     std::ranges::copy_if(list.scores, std::back_inserter(scores),
                          [](double score) { return std::isfinite(score); });
-    if (scores.empty())
-        return {};
     const bool hasBell = list.mean && list.deviation && std::isfinite(*list.mean) && *list.deviation > 0;
+    if (scores.size() < (hasBell ? 1 : 2))
+        return {};
     auto [low, high] = std::ranges::minmax(scores);
     if (hasBell) {
         low = std::min(low, *list.mean - 3 * *list.deviation);

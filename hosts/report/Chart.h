@@ -15,7 +15,8 @@ struct ScoreList {
 };
 
 /// How the scores are distributed, as an SVG picture: bars, a mark at each of those that are found, and the
-/// curve of all poses. Scores that are not finite are left out; empty where none is left.
+/// curve of all poses. Scores that are not finite are left out; empty where
+/// none is left, or one without anything to compare it with.
 std::string HistogramSvg(const ScoreList &list);
 
 /// A model of a ranking.

@@ -8,10 +8,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include <QString>
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <map>
 #include <numbers>
 #include <stdexcept>
 
@@ -23,7 +26,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t maxRows = 100;
+constexpr std::size_t maxRows = 100, maxRanked = 1000;
 
 /// A member of an object; null where there is none.
 const Json &Member(const Json &object, const std::string &name) {
@@ -184,7 +187,8 @@ void AddPlacementInput(Contents &contents, const Json &record) {
         AddFact(contents, "Residues", Figure(residues, 0));
     if (const double least = NumberIn(input, "minPlddt"); std::isfinite(least))
         AddFact(contents, "Least confidence of residues", base::GeneralNumber(least).toStdString());
-    if (IsTrue(input, "inverted"))
+    contents.isInverted = IsTrue(input, "inverted");
+    if (contents.isInverted)
         AddFact(contents, "Map", "inverted: its density is dark");
     if (const std::string scope = TextIn(input, "scope"); !scope.empty())
         AddFact(contents, "Searched",
@@ -396,15 +400,100 @@ Contents OfFit(const Json &record) {
     return contents;
 }
 
+/// A ranking has the numbers of a pose in columns of their own.
+std::optional<ModelPose> PoseInColumns(const Json &entry) {
+    Json pose{{"rotation", Json::array()}, {"translation", Json::array()}};
+    for (const char *letter : {"w", "x", "y", "z"})
+        pose["rotation"].push_back(Member(entry, std::string("rotation_") + letter));
+    for (const char *letter : {"x", "y", "z"})
+        pose["translation"].push_back(Member(entry, std::string("translation_") + letter));
+    return PoseIn(pose);
+}
+
+std::string ShortText(double number) {
+    return std::isnan(number) ? "–" : QString::number(number, 'g', 2).toStdString();
+}
+
+void AddScreenSettings(Contents &contents, const Json &settings) {
+    contents.map = TextIn(settings, "map");
+    AddInput(contents, "map", contents.map);
+    AddFact(contents, "Resolution", Angstroms(NumberIn(settings, "resolution")));
+    if (const double least = NumberIn(settings, "min plddt"); std::isfinite(least))
+        AddFact(contents, "Least confidence of residues", base::GeneralNumber(least).toStdString());
+    if (IsTrue(settings, "split"))
+        AddFact(contents, "Chains", "cut into domains at stretches of low confidence");
+    contents.isInverted = IsTrue(settings, "invert");
+    if (contents.isInverted)
+        AddFact(contents, "Map", "inverted: its density is dark");
+}
+
+void AddProblems(Contents &contents, const Json &problems) {
+    constexpr std::size_t shown = 10;
+    for (std::size_t i = 0; i < std::min(shown, problems.size()); ++i)
+        AddRemark(contents, "without a result: " + TextIn(problems[i], "model") + ": " +
+                                TextIn(problems[i], "problem"));
+    if (problems.size() > shown)
+        AddRemark(contents, base::Counted(problems.size() - shown, "more model") + " without a result");
+}
+
+Contents OfScreen(const Json &record) {
+    Contents contents;
+    const Json &ranking = Member(record, "ranking"), &settings = Member(record, "settings");
+    std::size_t found = 0;
+    for (const Json &entry : ranking) {
+        if (contents.ranking.size() < maxRanked)
+            contents.ranking.push_back({NumberIn(entry, "expected"), IsTrue(entry, "declared")});
+        found += IsTrue(entry, "declared") ? 1 : 0;
+    }
+    contents.title = base::Counted(ranking.size(), "model") + " in " + NameOf(TextIn(settings, "map"));
+    contents.statement = found == 0 ? "None of the models is found."
+                                    : base::Grouped(found) + " of " + base::Counted(ranking.size(), "model") +
+                                          (found == 1 ? " is found." : " are found.");
+    contents.tone = found > 0 ? Tone::Sure : Tone::Unsure;
+    AddRemark(
+        contents,
+        "a model is called found where at most 1 % of those called so are expected to be wrong: its q is "
+        "at most 0.01. E is the number of wrong places that are expected to score as well as its best one");
+    AddProblems(contents, Member(record, "problems"));
+    AddScreenSettings(contents, settings);
+    contents.rowWord = "rank";
+    contents.columns = {{"Model", Cells::Words},
+                        {"Found", Cells::Confidence},
+                        {"q"},
+                        {"E"},
+                        {"Score"},
+                        {"Same place as"},
+                        {"Residues"}};
+    AddRows(contents, ranking, [](const Json &entry, std::size_t index) {
+        const double same = NumberIn(entry, "same_place");
+        const std::string model = TextIn(entry, "model"), domain = TextIn(entry, "domain");
+        return Row{.name = {},
+                   .cells = {domain.empty() ? model : model + ' ' + domain,
+                             IsTrue(entry, "declared") ? "yes" : "no", ShortText(NumberIn(entry, "q")),
+                             ShortText(NumberIn(entry, "expected")), Figure(NumberIn(entry, "score"), 1),
+                             same > 0 && same != double(index + 1) ? Figure(same, 0) : "",
+                             Figure(NumberIn(entry, "residues"), 0)},
+                   .model = model,
+                   .pose = {},
+                   .isFound = IsTrue(entry, "declared")};
+    });
+    for (std::size_t i = 0; i < contents.rows.size(); ++i)
+        contents.rows[i].pose = PoseInColumns(ranking[i]);
+    return contents;
+}
+
 } // namespace
 
 Contents ContentsOf(const Json &record) {
     const std::string format = TextIn(record, "format");
-    if (format != "morvanex fit" && format != "morvanex place" && format != "morvanex assembly")
+    const std::map<std::string, Contents (*)(const Json &)> readers{{"morvanex fit", OfFit},
+                                                                    {"morvanex place", OfPlacement},
+                                                                    {"morvanex assembly", OfAssembly},
+                                                                    {"morvanex screen", OfScreen}};
+    const auto reader = readers.find(format);
+    if (reader == readers.end())
         throw std::invalid_argument("there is no report of a record of the format \"" + format + "\"");
-    Contents contents = format == "morvanex fit"     ? OfFit(record)
-                        : format == "morvanex place" ? OfPlacement(record)
-                                                     : OfAssembly(record);
+    Contents contents = reader->second(record);
     contents.program = TextIn(record, "program");
     return contents;
 }

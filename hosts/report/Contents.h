@@ -58,6 +58,7 @@ struct Contents {
     std::string program;
     std::string map;         ///< its file
     bool isMirrored = false; ///< poses stand in the mirrored map
+    bool isInverted = false; ///< the map was searched with its values' signs changed
 };
 
 /// Reads a record: "morvanex fit", "morvanex place", "morvanex assembly" or "morvanex screen". What it lacks

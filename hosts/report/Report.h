@@ -18,10 +18,11 @@ struct ReportedModel {
 /// What a record speaks of.
 struct Sources {
     const VARNO::Grid *map = nullptr;      ///< as it was searched
-    const VARNO::Grid *movedMap = nullptr; ///< where a map was placed
+    const VARNO::Grid *movedMap = nullptr; ///< a map that was placed, in its first place on the map's lattice
     std::vector<ReportedModel> models;     ///< that were placed; coordinates as they were given
     std::vector<ReportedModel> fixed;      ///< that were in place before
-    std::string command;                   ///< the command line that does the same
+    std::string command{};                 ///< the command line that does the same
+    std::string mirroredMap{};             ///< the file of the mirrored map, where there is one
 };
 
 /// Writes a report as one page of HTML that asks the network for nothing: the verdict, the places as a table,

@@ -69,17 +69,16 @@ public:
         const double finest =
             std::max(std::min({map.spacing[0], map.spacing[1], map.spacing[2]}), sharpestPixel);
         m_pixels = std::clamp(std::size_t(std::ceil(2 * reach / finest)), std::size_t(2), maxPixels);
-        for (std::size_t y = 0; y < m_pixels; ++y)
-            for (std::size_t x = 0; x < m_pixels; ++x)
-                m_values.push_back(ValueAt(map, PositionOf(x, y)));
+        m_values = Sampled(map);
     }
 
     std::string Svg(double level, const SlicedModels &models) const {
         return "<image href=\"data:image/png;base64," + Base64(Picture()) + "\" width=\"" + Coordinate(side) +
                "\" height=\"" + Coordinate(side) + "\" preserveAspectRatio=\"none\" class=\"density\"/>" +
-               "<path class=\"contour\" d=\"" + ContourPath(float(level)) + "\"/>" +
+               "<path class=\"contour\" d=\"" + ContourPath(m_values, float(level)) + "\"/>" +
                "<path class=\"around\" d=\"" + TracePath(models.others) + "\"/>" +
-               "<path class=\"trace\" d=\"" + TracePath(models.placed) + "\"/>";
+               "<path class=\"trace\" d=\"" + TracePath(models.placed) + "\"/>" +
+               (models.map ? MovedContour(*models.map) : "");
     }
 
     /// "xy plane, z = 12.0 Å".
@@ -91,6 +90,18 @@ public:
 private:
     /// Pixels are the centres of squares that fill the slice.
     double PixelSize() const { return 2 * m_reach / double(m_pixels); }
+
+    std::vector<float> Sampled(const VolumeView &map) const {
+        std::vector<float> values;
+        for (std::size_t y = 0; y < m_pixels; ++y)
+            for (std::size_t x = 0; x < m_pixels; ++x)
+                values.push_back(ValueAt(map, PositionOf(x, y)));
+        return values;
+    }
+
+    std::string MovedContour(const std::pair<VolumeView, double> &moved) const {
+        return "<path class=\"trace\" d=\"" + ContourPath(Sampled(moved.first), float(moved.second)) + "\"/>";
+    }
 
     std::array<double, 3> PositionOf(std::size_t x, std::size_t y) const {
         std::array<double, 3> position{m_centre.x, m_centre.y, m_centre.z};
@@ -111,10 +122,10 @@ private:
         return GreyPng(pixels, m_pixels);
     }
 
-    std::string ContourPath(float level) const {
+    std::string ContourPath(const std::vector<float> &values, float level) const {
         const double scale = side / double(m_pixels);
         std::string path;
-        for (const Line &line : Contours(m_values, m_pixels, level)) {
+        for (const Line &line : Contours(values, m_pixels, level)) {
             char command = 'M';
             for (const PicturePoint &point : line) {
                 path +=

@@ -2,7 +2,9 @@
 
 #include "placement/Volume.h"
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace report {
@@ -13,6 +15,8 @@ using Trace = std::vector<placement::Point>;
 /// What slices show besides the density.
 struct SlicedModels {
     std::vector<Trace> placed, others; ///< what is at the place, and what stands around it
+    /// A map that was placed, and its level: its contour is drawn as the model.
+    std::optional<std::pair<placement::VolumeView, double>> map{};
 };
 
 /// Three slices through a point of the map, along its planes xy, xz and yz, an SVG picture each: the density

@@ -29,11 +29,15 @@
         dark.addEventListener('change', () => stage.setParameters({backgroundColor: background()}));
         addEventListener('resize', () => stage.handleResize());
 
-        const map = await stage.loadFile(await unpacked(data.map), {ext: 'mrc', name: 'map'});
-        const surface = map.addRepresentation('surface', {
-            isolevelType: 'value', isolevel: data.level, smooth: 3, opacity: 0.35, color: '#9db7d5', side: 'front',
-            opaqueBack: false, useWorker: false, boxSize: 0,
-        });
+        const look = {
+            isolevelType: 'value', smooth: 3, opacity: 0.35, side: 'front', opaqueBack: false, useWorker: false, boxSize: 0,
+        };
+        async function drawMap(packed, level, color) {
+            const component = await stage.loadFile(await unpacked(packed), {ext: 'mrc', name: 'map'});
+            return component.addRepresentation('surface', {...look, isolevel: level, color});
+        }
+        const surface = await drawMap(data.map, data.level, '#9db7d5');
+        if (data.moved) await drawMap(data.moved.map, data.moved.level, '#e8836b');
 
         const files = await Promise.all(data.models.map(model => unpacked(model.structure)));
         const load = number => stage.loadFile(files[number], {ext: 'cif', name: data.models[number].name});

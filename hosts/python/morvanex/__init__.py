@@ -25,6 +25,7 @@ from ._places import (
     Shell,
 )
 from ._poses import Pose
+from ._report import report
 from ._simulation import simulate
 from ._structures import Structure, read_structure, write_structure
 from ._symmetries import MapEvidence, PlacesEvidence, Symmetry
@@ -62,6 +63,7 @@ __all__ = [
     "place",
     "read_map",
     "read_structure",
+    "report",
     "simulate",
     "write_map",
     "write_structure",

@@ -75,6 +75,7 @@ def fit(
     log: Optional[Path] = None,
     json: Optional[Path] = None,
     report: Optional[Path] = None,
+    viewer_script: Optional[Path] = None,
     models: Optional[int] = None,
     model_prefix: Optional[Path] = None,
     force: bool = False,
@@ -99,7 +100,7 @@ def fit(
         keep: number of solutions to keep.
         inclusion_distance: fixed residues farther than this from the target's centre are ignored, Å.
         threads: that score poses, one for each core unless given; the result does not depend on it.
-        results, log, json, report, models, model_prefix: files to write, as the command does.
+        results, log, json, report, viewer_script, models, model_prefix: files to write, as the command does.
         force: run the fit even if it takes more than a year.
         progress: is called on this thread with the share of the work that is done, 0 to 1, up to ten times a second.
 
@@ -135,6 +136,7 @@ def fit(
             "log": log,
             "json": json,
             "report": report,
+            "viewer_script": viewer_script,
             "models": models,
             "model_prefix": model_prefix,
             "force": bool(force),
@@ -142,4 +144,4 @@ def fit(
         repeated={"solid": inputs.every(solid)},
     )
     outcome = _morvanex.fit(texts, inputs.maps, inputs.structures, progress)
-    return finish(outcome, json_format.loads(outcome["json"]), Fit, (target,))
+    return finish(outcome, json_format.loads(outcome["json"]), Fit, (target,), inputs)

@@ -1,7 +1,7 @@
 """The part in C++, behind the package's own names."""
 
 import os
-from collections.abc import Callable
+from collections.abc import Callable, Sequence
 from typing import Optional, Union
 
 import numpy
@@ -69,6 +69,14 @@ def fit(
     structures: dict[str, Structure],
     progress: Optional[Callable[[float], object]],
 ) -> Outcome: ...
+def write_report(
+    file: str,
+    record: str,
+    map: Map,
+    models: Sequence[tuple[str, Structure, Optional[list[str]]]],
+    fixed: Sequence[tuple[str, Structure, Optional[list[str]]]],
+    command: str,
+) -> None: ...
 def simulate(options: dict[str, list[str]], structures: dict[str, Structure]) -> tuple[Map, list[str]]: ...
 def place(
     options: dict[str, list[str]],

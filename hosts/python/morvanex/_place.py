@@ -50,6 +50,7 @@ def place(
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
     report: Optional[Path] = ...,
+    viewer_script: Optional[Path] = ...,
     moved_map: Optional[Path] = ...,
     progress: Progress = ...,
 ) -> MapPlacement: ...
@@ -69,6 +70,7 @@ def place(
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
     report: Optional[Path] = ...,
+    viewer_script: Optional[Path] = ...,
     assembly: Optional[Path] = ...,
     rest: Optional[Path] = ...,
     progress: Progress = ...,
@@ -89,6 +91,7 @@ def place(
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
     report: Optional[Path] = ...,
+    viewer_script: Optional[Path] = ...,
     assembly: Optional[Path] = ...,
     rest: Optional[Path] = ...,
     progress: Progress = ...,
@@ -113,6 +116,7 @@ def place(
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
     report: Optional[Path] = ...,
+    viewer_script: Optional[Path] = ...,
     rest: Optional[Path] = ...,
     progress: Progress = ...,
 ) -> Assembly: ...
@@ -138,6 +142,7 @@ def place(
     threads: Optional[int] = ...,
     json: Optional[Path] = ...,
     report: Optional[Path] = ...,
+    viewer_script: Optional[Path] = ...,
     results: Optional[Path] = ...,
     models: Optional[int] = ...,
     model_prefix: Optional[Path] = ...,
@@ -167,6 +172,7 @@ def place(
     threads: Optional[int] = None,
     json: Optional[Path] = None,
     report: Optional[Path] = None,
+    viewer_script: Optional[Path] = None,
     assembly: Optional[Path] = None,
     rest: Optional[Path] = None,
     results: Optional[Path] = None,
@@ -207,8 +213,8 @@ def place(
         symmetry_centre: a point of it, or the centre where there is one, x, y, z in Å; found unless given.
         symmetry_from: an mmCIF file whose first assembly tells symmetry, axis and centre.
         threads: that search, one for each core unless given; the result does not depend on it.
-        json, report, assembly, rest, results, models, model_prefix, moved_map, mirrored_map: files to write, as the
-            command does.
+        json, report, viewer_script, assembly, rest, results, models, model_prefix, moved_map, mirrored_map: files to
+            write, as the command does.
         progress: is called on this thread with the share of the work that is done, 0 to 1, up to ten times a second.
 
     Raises:
@@ -261,6 +267,7 @@ def place(
             "threads": threads,
             "json": json,
             "report": report,
+            "viewer_script": viewer_script,
             "assembly": assembly,
             "rest": rest,
             "results": results,
@@ -279,10 +286,10 @@ def place(
     record: dict[str, Any] = json_format.loads(outcome["json"])
     given = tuple(_copies_of(entry)[0] for entry in entries)
     if record["format"] == "morvanex assembly":
-        return finish(outcome, record, Assembly, given)
+        return finish(outcome, record, Assembly, given, inputs)
     if "movedMap" in record["input"]:
-        return finish(outcome, record, MapPlacement, given)
-    return finish(outcome, record, Placement, given)
+        return finish(outcome, record, MapPlacement, given, inputs)
+    return finish(outcome, record, Placement, given, inputs)
 
 
 def _copies_of(entry: Any) -> tuple[Any, Optional[Copies]]:

@@ -13,7 +13,7 @@ from typing import Any, TypeVar, Union, get_args, get_origin, get_type_hints
 from ._errors import FileError, MorvanexWarning
 from ._poses import Pose
 from ._structures import Structure, is_gemmi, moved_gemmi, read_structure
-from ._work import Outcome, StructureInput
+from ._work import Inputs, Outcome, StructureInput
 
 AnyRecord = TypeVar("AnyRecord", bound="Record")
 AnyResult = TypeVar("AnyResult", bound="Result")
@@ -83,6 +83,7 @@ class Result(Record):
     json: str = field(repr=False, metadata={"own": True})
     written: tuple[str, ...] = field(metadata={"own": True})
     _models: tuple[Any, ...] = field(repr=False, metadata={"own": True})
+    _inputs: Inputs = field(repr=False, compare=False, metadata={"own": True})
 
     def as_dict(self) -> dict[str, Any]:
         """Everything that the command's JSON file holds, under the same names."""
@@ -91,11 +92,16 @@ class Result(Record):
 
 
 def finish(
-    outcome: Outcome, record: dict[str, Any], kind: type[AnyResult], models: tuple[StructureInput, ...]
+    outcome: Outcome,
+    record: dict[str, Any],
+    kind: type[AnyResult],
+    models: tuple[StructureInput, ...],
+    inputs: Inputs,
 ) -> AnyResult:
     """The result of a search for those models; warnings are told. What stopped the work, or kept a file from being
     written, is raised and carries the result."""
-    result = kind._of(record, json=outcome["json"], written=tuple(outcome["written"]), _models=models)
+    written = tuple(outcome["written"])
+    result = kind._of(record, json=outcome["json"], written=written, _models=models, _inputs=inputs)
     for warning in outcome["warnings"]:
         warnings.warn(warning, MorvanexWarning, stacklevel=3)
     stopped = outcome["stopped"]

@@ -2,6 +2,7 @@
 
 import csv
 import gzip
+import hashlib
 import json
 import os
 import pathlib
@@ -95,6 +96,18 @@ def test_the_right_models_are_found_and_no_wrong_one(models):
     assert len(json.load(open("ranking.json"))["ranking"]) == 22
     placed = morvanex.read_structure(next(pathlib.Path().glob("screen-1.*")))
     assert abs(placed.coordinates - morvanex.place(MAP, models / found[0]["model"], resolution=8).model().coordinates).max() < 1e-2  # fmt: skip
+
+
+def test_the_report_shows_the_ranking_and_the_best_models(models):
+    screen(models, "--workers", 2, "--report", "report.html")
+    page = pathlib.Path("report.html").read_text()
+    assert "2 of 22 models are found." in page
+    assert "of 22 models by rank, 2 of them found" in page
+    assert page.count("<figure data-picture=") == 10
+    assert f"SHA-256 {hashlib.sha256(pathlib.Path(MAP).read_bytes()).hexdigest()}" in page
+    assert "<pre>morvanex screen " in page and "--report=report.html" in page
+    command("screen", "export", "--results", "run.sqlite", "--report", "export.html")
+    assert "2 of 22 models are found." in pathlib.Path("export.html").read_text()
 
 
 def test_the_ranking_depends_neither_on_the_workers_nor_on_the_order(models):

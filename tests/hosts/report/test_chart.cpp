@@ -40,6 +40,7 @@ TEST(Histogram, ShowsAllPosesAsACurve) {
 
 TEST(Histogram, LeavesOutWhatIsNotFinite) {
     EXPECT_EQ(HistogramSvg({}), "");
+    EXPECT_EQ(HistogramSvg({.scores = {3, infinite}, .found = 1, .mean = {}, .deviation = {}}), "");
     EXPECT_EQ(HistogramSvg({.scores = {infinite, -infinite}, .found = 2, .mean = {}, .deviation = {}}), "");
     const std::string svg =
         HistogramSvg({.scores = {infinite, 5, 5}, .found = 9, .mean = infinite, .deviation = infinite});

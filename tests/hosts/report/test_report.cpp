@@ -202,6 +202,55 @@ TEST_F(Report, OfAnAssemblyShowsWhatStandsBesideEachCopy) {
     EXPECT_THAT(page, HasSubstr("class=\"around\" d=\"M"));
 }
 
+TEST_F(Report, OfAScreenShowsTheRankingAndTheBestModels) {
+    Json row{{"rank", 1},         {"model", "model.pdb"}, {"domain", "D:1-98"}, {"declared", true},
+             {"q", 1e-5},         {"expected", 1e-7},     {"score", 9.0},       {"same_place", 1},
+             {"residues", 98},    {"rotation_w", 1.0},    {"rotation_x", 0.0},  {"rotation_y", 0.0},
+             {"rotation_z", 0.0}, {"translation_x", 5.0}, {"translation_y", 0}, {"translation_z", 0}};
+    Json wrong = row;
+    wrong.update({{"model", "wrong.pdb"}, {"declared", false}, {"expected", "inf"}, {"rotation_w", nullptr}});
+    const Json record = {{"format", "morvanex screen"},
+                         {"settings", {{"map", "map.mrc"}, {"resolution", 8.0}}},
+                         {"problems", {{{"model", "broken.pdb"}, {"problem", "it is empty"}}}},
+                         {"ranking", {row, wrong}}};
+    const std::string page = PageOf(record, fakeViewer);
+    EXPECT_THAT(page, HasSubstr("<h1>2 models in map.mrc</h1>"));
+    EXPECT_THAT(page, HasSubstr("1 of 2 models is found."));
+    EXPECT_THAT(page, HasSubstr("Without a result: broken.pdb: it is empty."));
+    EXPECT_THAT(page,
+                HasSubstr("<td class=\"words\">model.pdb D:1-98</td><td class=\"confidence\">yes</td>"));
+    EXPECT_THAT(page, HasSubstr("<td class=\"number\">inf</td>"));
+    EXPECT_THAT(page, HasSubstr("of 2 models by rank, 1 of them found"));
+    EXPECT_THAT(page, HasSubstr("data-picture=\"0\""));
+    EXPECT_THAT(page, Not(HasSubstr("data-picture=\"1\"")));
+}
+
+TEST_F(Report, OfAPlacedMapShowsBothContours) {
+    Json record = Record();
+    record["input"] = {{"map", "map.mrc"}, {"movedMap", "moved.mrc"}};
+    record["hand"] = {{"placesAreMirrored", true}, {"statement", "the second map is a mirror image"}};
+    m_sources.models.clear();
+    m_sources.movedMap = &m_map;
+    const std::string page = PageOf(record, fakeViewer);
+    EXPECT_THAT(page, HasSubstr("<h1>moved.mrc in map.mrc</h1>"));
+    EXPECT_THAT(page, HasSubstr("contour of the second map in its place"));
+    EXPECT_THAT(page, HasSubstr("\"moved\":{\"map\":\""));
+    EXPECT_THAT(page, HasSubstr("data-picture=\"0\""));
+    EXPECT_THAT(page, Not(HasSubstr("data-picture=\"1\"")));
+}
+
+TEST_F(Report, ShowsTheMirroredMapWhereThePlacesLieInIt) {
+    Json record = Record();
+    const std::string given = PageOf(record);
+    record["hand"] = {{"placesAreMirrored", true}, {"statement", "the map is mirrored"}};
+    const std::string mirrored = PageOf(record);
+    const auto picture = [](const std::string &page) {
+        return page.substr(page.find("data:image/png"), 2000);
+    };
+    EXPECT_THAT(mirrored, HasSubstr("The map is mirrored."));
+    EXPECT_NE(picture(mirrored), picture(given));
+}
+
 TEST_F(Report, ShowsTheBestHundred) {
     Json record = Record();
     for (int i = 0; i < 200; ++i)

@@ -7,7 +7,7 @@ results in a file from which a stopped run goes on. `ranking` tells which of the
 
 from ._models import ModelFile, find_models
 from ._placing import Settings
-from ._ranking import Ranked, ranking, write_csv, write_json, write_models
+from ._ranking import Ranked, ranking, write_csv, write_json, write_models, write_report
 from ._run import Progress, run
 from ._store import Store
 
@@ -23,4 +23,5 @@ __all__ = [
     "write_csv",
     "write_json",
     "write_models",
+    "write_report",
 ]

@@ -5,6 +5,7 @@ from __future__ import annotations
 import argparse
 import math
 import os
+import shlex
 import signal
 import sys
 import time
@@ -14,7 +15,7 @@ from typing import Optional
 from .._errors import Error, MorvanexWarning
 from ._models import find_models
 from ._placing import Settings
-from ._ranking import Ranked, ranking, write_csv, write_json, write_models
+from ._ranking import Ranked, ranking, write_csv, write_json, write_models, write_report
 from ._run import Progress, run
 from ._store import Store
 
@@ -116,6 +117,16 @@ class Display:
         self._lines = len(lines)
 
 
+def command_line(words: list[str]) -> str:
+    """The command line of these words, the first of which the command puts there itself.
+
+    >>> command_line(["export", "--results=my run.sqlite"])
+    "morvanex screen export '--results=my run.sqlite'"
+    """
+    action, *options = words
+    return shlex.join([*PROGRAM.split(), *(["export"] if action == "export" else []), *options])
+
+
 def deliver(arguments: argparse.Namespace) -> None:
     """Prints the best ten, and writes the files that were asked for."""
     store = Store(arguments.results)
@@ -130,6 +141,9 @@ def deliver(arguments: argparse.Namespace) -> None:
     if arguments.json:
         write_json(arguments.json, store, ranked)
         print(f"written: ranking, settings and problems: {arguments.json}")
+    if arguments.report:
+        write_report(arguments.report, store, ranked, arguments.command)
+        print(f"written: the report: {arguments.report}")
     for file in write_models(arguments.model_prefix, ranked, arguments.top):
         print(f"written: the model at its place: {file}")
     store.close()
@@ -191,6 +205,7 @@ def parser() -> argparse.ArgumentParser:
     options.add_argument("--results", required=True)
     options.add_argument("--csv")
     options.add_argument("--json")
+    options.add_argument("--report")
     options.add_argument("--top", type=int, default=0)
     options.add_argument("--model-prefix", default="screen-")
     options.add_argument("--quiet", action="store_true")
@@ -202,7 +217,9 @@ def main(words: Optional[list[str]] = None) -> int:
     warnings.showwarning = lambda message, *_, **__: say(f"warning: {message}")
     warnings.simplefilter("ignore")
     warnings.simplefilter("always", MorvanexWarning)
+    words = sys.argv[1:] if words is None else words
     arguments = parser().parse_args(words)
+    arguments.command = command_line(words)
     try:
         if arguments.action == "export":
             deliver(arguments)

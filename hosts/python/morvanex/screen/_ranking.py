@@ -12,6 +12,7 @@ from dataclasses import asdict, dataclass
 from typing import Any, Optional, Union
 
 from .._poses import Pose
+from .._report import inverted
 from .._structures import Structure, write_structure
 from .. import _morvanex
 from ._models import ModelFile
@@ -23,6 +24,8 @@ FALSE_DISCOVERY_RATE = 0.01
 SURE = ("placed", "turn-unsure")
 #: Models on one place stand closer than this part of the larger one's radius of gyration.
 SAME_PLACE = 0.5
+#: Models that a report shows in their places.
+SHOWN = 10
 
 Path = Union[str, "os.PathLike[str]"]
 
@@ -198,13 +201,39 @@ def write_csv(file: Path, ranked: Iterable[Ranked]) -> None:
     _replace(file, text.getvalue())
 
 
-def write_json(file: Path, store: Store, ranked: Iterable[Ranked]) -> None:
-    """Writes settings, ranking and the models without a result."""
+def record_of(store: Store, ranked: Iterable[Ranked]) -> str:
+    """Settings, ranking and the models without a result, as JSON."""
     rows = [{key: _finite(value) for key, value in _row(entry).items()} for entry in ranked]
     problems = [{"model": model, "problem": problem} for model, problem in store.problems()]
-    head = {"format": "morvanex screen", "version": 1, "settings": store.settings, "problems": problems}
+    head = {
+        "format": "morvanex screen",
+        "version": 1,
+        "program": f"morvanex {_morvanex.version}",
+        "settings": store.settings,
+        "problems": problems,
+    }
     lines = ",\n    ".join(json.dumps(row) for row in rows)
-    _replace(file, json.dumps(head, indent=2)[:-2] + ',\n  "ranking": [\n    ' + lines + "\n  ]\n}\n")
+    return json.dumps(head, indent=2)[:-2] + ',\n  "ranking": [\n    ' + lines + "\n  ]\n}\n"
+
+
+def write_json(file: Path, store: Store, ranked: Iterable[Ranked]) -> None:
+    """Writes settings, ranking and the models without a result."""
+    _replace(file, record_of(store, ranked))
+
+
+def write_report(file: Path, store: Store, ranked: Sequence[Ranked], command: str = "") -> None:
+    """Writes the ranking as a page to look at, with the ten best models in their places; see `morvanex.report`.
+
+    Raises:
+        FileError: for a map or a model that is no longer there, and for what cannot be written.
+    """
+    density = _morvanex.read_map(store.settings["map"])
+    if store.settings["invert"]:
+        density = inverted(density)
+    best = [entry for entry in ranked[:SHOWN] if entry.pose]
+    models = {entry.model: _morvanex.parse_structure(entry.file.read(), entry.model) for entry in best}
+    shown = [(name, structure, None) for name, structure in models.items()]
+    _morvanex.write_report(os.fspath(file), record_of(store, ranked), density, shown, [], command)
 
 
 def _finite(value: Any) -> Any:

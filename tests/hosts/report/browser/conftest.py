@@ -35,6 +35,7 @@ def folder(tmp_path_factory):
     command(*place, "--copies", 5, "--report", folder / "assembly.html")
     command("fit", "--map", MAP, "--target", MODEL, "--axis", 1, "--rotation-step", 30, "--keep", 20,
             "--report", folder / "fit.html")  # fmt: skip
+    command("place", "--map", MAP, "--model", MAP, "--resolution", 10, "--report", folder / "map.html")
     # The same program without what draws the view.
     alone = shutil.copy(PROGRAM, folder / "morvanex")
     command(*place, "--report", folder / "flat.html", program=alone)

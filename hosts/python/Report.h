@@ -1,0 +1,10 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace python {
+
+/// Defines write_report.
+void DefineReport(pybind11::module_ &module);
+
+} // namespace python
