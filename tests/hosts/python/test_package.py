@@ -60,6 +60,12 @@ def test_the_examples_of_the_documentation_hold(name, tmp_path):
     assert doctest.testmod(module, extraglobs=names).failed == 0
 
 
+def test_the_report_is_written_as_its_documentation_shows():
+    (block,) = re.findall("```python\n(.*?)```", (ROOT / "docs/report.md").read_text(), flags=re.S)
+    exec(block, {})
+    assert pathlib.Path("report.html").exists() and pathlib.Path("places.cxc").exists()
+
+
 def test_every_public_function_has_an_example():
     for name in morvanex.__all__:
         value = getattr(morvanex, name)
