@@ -106,11 +106,12 @@ double PlacedModels::LevelAround(const std::vector<Trace> &traces) const {
         for (const Point &point : trace)
             if (const std::optional<float> value = ValueNear(Map(), point))
                 values.push_back(*value);
+    const double low = m_mean + 2 * m_deviation;
     if (values.empty())
-        return m_mean + 2 * m_deviation;
+        return low;
     const auto tenth = values.begin() + std::ptrdiff_t(values.size() / 10);
     std::ranges::nth_element(values, tenth);
-    return std::max(double(*tenth), m_mean + m_deviation);
+    return std::max(double(*tenth), low);
 }
 
 const ReportedModel *PlacedModels::ModelOf(const Row &row) const {

@@ -16,8 +16,8 @@ public:
     /// Of the map's values.
     double Mean() const { return m_mean; }
     double Deviation() const { return m_deviation; }
-    /// The level at which the map is first shown: nine of ten residues of the first place lie within, where
-    /// that stands out of the background at all.
+    /// The level at which the map is first shown: nine of ten residues of the first place lie within, but
+    /// for two standard deviations above the mean at least.
     double Level() const { return m_level; }
 
     /// The model of a row that has a place; null where there is none to show.

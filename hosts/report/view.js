@@ -32,11 +32,23 @@
         const look = {
             isolevelType: 'value', smooth: 3, opacity: 0.35, side: 'front', opaqueBack: false, useWorker: false, boxSize: 0,
         };
+        const surfaces = [];
         async function drawMap(packed, level, color) {
             const component = await stage.loadFile(await unpacked(packed), {ext: 'mrc', name: 'map'});
-            return component.addRepresentation('surface', {...look, isolevel: level, color});
+            surfaces.push({component, color, drawn: component.addRepresentation('surface', {...look, isolevel: level, color})});
         }
-        const surface = await drawMap(data.map, data.level, '#9db7d5');
+        // The library cannot smooth a surface where too many edges meet, as they do in noise: such a one is drawn as it is.
+        addEventListener('error', event => {
+            if (look.smooth === 0) return;
+            event.preventDefault();
+            look.smooth = 0;
+            for (const surface of surfaces) {
+                const level = surface.drawn.getParameters().isolevel;
+                surface.component.removeRepresentation(surface.drawn);
+                surface.drawn = surface.component.addRepresentation('surface', {...look, isolevel: level, color: surface.color});
+            }
+        });
+        await drawMap(data.map, data.level, '#9db7d5');
         if (data.moved) await drawMap(data.moved.map, data.moved.level, '#e8836b');
 
         const files = await Promise.all(data.models.map(model => unpacked(model.structure)));
@@ -73,7 +85,7 @@
             const deviations = (level - data.mean) / data.deviation;
             shownLevel.textContent = Number(level.toPrecision(3)) + ' (' + deviations.toFixed(1) + ' SD above mean)';
             clearTimeout(waiting);
-            waiting = setTimeout(() => surface.setParameters({isolevel: level}), 80);
+            waiting = setTimeout(() => surfaces[0].drawn.setParameters({isolevel: level}), 80);
         });
         const whole = () => stage.autoView(0);
         document.getElementById('whole').addEventListener('click', whole);

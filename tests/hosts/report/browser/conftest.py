@@ -2,7 +2,9 @@
 
 import os
 import pathlib
+import random
 import shutil
+import struct
 import subprocess
 
 import pytest
@@ -26,6 +28,19 @@ def command(*words, program=PROGRAM):
     assert done.returncode == 0, done.stderr
 
 
+def noise(file, size=60):
+    """A map of nothing but noise, where the model is."""
+    numbers = random.Random(1)
+    head = bytearray(1024)
+    struct.pack_into("<10i", head, 0, size, size, size, 2, 0, 0, 0, size, size, size)
+    struct.pack_into("<6f", head, 40, *[2.0 * size] * 3, 90, 90, 90)
+    struct.pack_into("<3i", head, 64, 1, 2, 3)
+    struct.pack_into("<3f", head, 196, 0, -60, -60)
+    head[208:216] = b"MAP DD\0\0"
+    file.write_bytes(head + struct.pack(f"<{size**3}f", *[numbers.gauss(0, 1) for _ in range(size**3)]))
+    return file
+
+
 @pytest.fixture(scope="session")
 def folder(tmp_path_factory):
     """Reports, and what was written beside them."""
@@ -36,6 +51,8 @@ def folder(tmp_path_factory):
     command("fit", "--map", MAP, "--target", MODEL, "--axis", 1, "--rotation-step", 30, "--keep", 20,
             "--report", folder / "fit.html")  # fmt: skip
     command("place", "--map", MAP, "--model", MAP, "--resolution", 10, "--report", folder / "map.html")
+    command("fit", "--map", noise(folder / "noise.mrc"), "--target", MODEL, "--axis", 0, "--rotation-step", 90, "--keep", 3,
+            "--report", folder / "noise.html")  # fmt: skip
     # The same program without what draws the view.
     alone = shutil.copy(PROGRAM, folder / "morvanex")
     command(*place, "--report", folder / "flat.html", program=alone)

@@ -115,6 +115,18 @@ def test_the_level_is_set_by_the_slider(browser, folder):
     assert browser.errors == []
 
 
+def test_noise_is_drawn_at_every_level(browser, folder):
+    browser.open(folder / "noise.html")
+    for level in (1.0, 0.4, 1.5):
+        browser.run(
+            f"(() => {{ const e = document.getElementById('level'); e.value = {level}; e.dispatchEvent(new Event('input')); }})()"
+        )
+        browser.wait(f"document.getElementById('view').stage.compList[0].reprList[0].getParameters().isolevel === {level}")
+        browser.settle()
+    assert len(browser.picture("#view")) > DRAWN
+    assert browser.errors == []
+
+
 def test_the_keyboard_reaches_the_places(browser, folder):
     browser.open(folder / "place.html")
     for _ in range(10):
