@@ -241,8 +241,9 @@ def place(
     >>> other.hand.verdict
     'as-given'
     """
-    is_list = isinstance(model, (list, tuple))
-    entries: list[Any] = list(model) if isinstance(model, (list, tuple)) else [model]
+    told: Any = model
+    is_list = isinstance(told, (list, tuple))
+    entries = list(told) if is_list else [told]
     if not entries:
         raise ParameterError("--model: the list holds no model")
     inputs = Inputs()
