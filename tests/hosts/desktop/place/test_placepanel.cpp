@@ -270,6 +270,19 @@ TEST_F(PlacePanelTest, SearchesOnWhenMapAndModelAreRemovedAndWhenTheyComeBack) {
     EXPECT_THAT(Verdict(), StartsWith("Placed"));
 }
 
+TEST_F(PlacePanelTest, PlacesCopiesOfAModelThatLeavesMeanwhile) {
+    Type(Child<QWidget>("placeCopies"), "2");
+    Click(Button("placeStart"));
+    window.GetDocument().Remove(window.GetDocument().Tops());
+    window.GetDocument().UndoStack().clear();
+    WaitUntil([this] { return Button("placeCancel")->isEnabled() == false; });
+    EXPECT_THAT(Verdict(), StartsWith("2 copies placed"));
+    Click(Button("placeKeep"));
+    EXPECT_EQ(Tops(), 2u);
+    Choose("undo");
+    EXPECT_EQ(Tops(), 0u);
+}
+
 TEST_F(PlacePanelTest, EndsWithTheWindowWhileItSearches) {
     Click(Button("placeStart"));
 }

@@ -8,7 +8,10 @@
 #include <elf.h>
 
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
+
+#include <dlfcn.h>
 
 using namespace desktop;
 using testing::HasSubstr;
@@ -67,6 +70,19 @@ TEST_F(PluginTest, IsRefusedWhereItIsNoLibraryAtAll) {
 TEST_F(PluginTest, IsReadSafelyWhereverItsFileIsCut) {
     for (std::size_t size = 0; size < library.size(); size += library.size() / 97)
         EXPECT_NO_THROW(ProblemOf(folder.Write("libX.so.0", library.substr(0, size)))) << size;
+}
+
+TEST_F(PluginTest, StaysMappedWhoeverClosesItsLibrary) {
+    std::optional<Plugin> plugin(MORVANEX_SMALL_PLUGIN);
+    plugin->Execute();
+    plugin->Cleanup();
+    plugin.reset();
+    for (int i = 0; i < 3; ++i) {
+        void *handle = dlopen(MORVANEX_SMALL_PLUGIN, RTLD_LAZY | RTLD_NOLOAD);
+        ASSERT_TRUE(handle);
+        dlclose(handle);
+        dlclose(handle);
+    }
 }
 
 TEST_F(PluginTest, CannotBeStartedWhereItIsUnfitAndSaysWhy) {
