@@ -6,6 +6,8 @@
 
 namespace report {
 
+constexpr double aroundModel = 25; ///< Å of the map that are shown around a model
+
 /// The map of a record in the hand in which its places lie, and the models where its rows say. Valid as long
 /// as what it was made of.
 class PlacedModels {

@@ -29,7 +29,6 @@ namespace report {
 namespace {
 
 constexpr std::size_t maxPictures = 10;
-constexpr double aroundModel = 25; ///< Å of the map that are shown around a model
 
 /// The smallest box that holds all of the traces.
 struct Extent {

@@ -21,7 +21,6 @@ namespace report {
 
 namespace {
 
-constexpr double aroundModel = 25; ///< Å of the map that are shown around a model
 /// A map of so many voxels, and models of so many atoms, leave the page below 15 MB: about one byte for each
 /// voxel and 30 for each atom once they are packed.
 constexpr std::size_t maxVoxels = 1'500'000, maxAtoms = 250'000;

@@ -47,7 +47,7 @@ def folder(tmp_path_factory):
     folder = tmp_path_factory.mktemp("reports")
     place = ["place", "--map", MAP, "--model", MODEL, "--resolution", 8]
     command(*place, "--report", folder / "place.html", "--models", 5, "--model-prefix", folder / "placed-")
-    command(*place, "--copies", 5, "--report", folder / "assembly.html")
+    command(*place, "--copies", 5, "--report", folder / "assembly.html", "--assembly", folder / "assembly.cif")
     command("fit", "--map", MAP, "--target", MODEL, "--axis", 1, "--rotation-step", 30, "--keep", 20,
             "--report", folder / "fit.html")  # fmt: skip
     command("place", "--map", MAP, "--model", MAP, "--resolution", 10, "--report", folder / "map.html")

@@ -1,5 +1,6 @@
 """Reports as a browser shows them."""
 
+import json
 import os
 import pathlib
 import struct
@@ -99,6 +100,15 @@ def test_an_assembly_shows_all_copies(browser, folder):
     models = models_of(browser)
     assert len(models) == 5 and all(model["isShown"] for model in models)
     assert len({tuple(model["at"]) for model in models}) == 5
+
+
+def test_the_view_reads_the_mmcif_that_place_writes(browser, folder):
+    browser.open(folder / "assembly.html")
+    text = (folder / "assembly.cif").read_text()
+    load = f"document.getElementById('view').stage.loadFile(new Blob([{json.dumps(text)}]), {{ext: 'cif'}})"
+    atoms = sum(line.startswith("ATOM") for line in text.splitlines())
+    assert browser.run(f"{load}.then(component => component.structure.atomCount)") == atoms == 5 * 740
+    assert browser.errors == []
 
 
 def test_the_level_is_set_by_the_slider(browser, folder):
