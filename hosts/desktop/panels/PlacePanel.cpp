@@ -14,7 +14,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
+#include <cmath>
 
 using namespace VARNO;
 
@@ -27,8 +27,8 @@ enum PlaceColumn { Number, Model, Sureness, Score, Share, PlaceColumns };
 
 QString Left(double seconds) {
     if (seconds < 90)
-        return PlacePanel::tr("%1 s left").arg(int(seconds + 0.5));
-    return PlacePanel::tr("%1 min left").arg(int(seconds / 60 + 0.5));
+        return PlacePanel::tr("%1 s left").arg(std::lround(seconds));
+    return PlacePanel::tr("%1 min left").arg(std::lround(seconds / 60));
 }
 
 QTreeWidgetItem *RowOf(const PlaceAnswer &answer, const FoundPlace &place) {

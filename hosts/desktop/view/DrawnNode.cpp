@@ -13,6 +13,7 @@
 #include <vtkProperty.h>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace VARNO;
 
@@ -187,7 +188,7 @@ void DrawnMap::UpdateSlice(const MapLook &look, const formats::MapStatistics &st
     mapper->SetInputData(ImageOf(*m_values));
     mapper->SetOrientation(look.sliceAxis);
     const unsigned voxels = m_values->Dimensions()[std::size_t(look.sliceAxis)];
-    mapper->SetSliceNumber(int(look.slice * (voxels - 1) + 0.5));
+    mapper->SetSliceNumber(int(std::lround(look.slice * (voxels - 1))));
     m_slice = vtkSmartPointer<vtkImageSlice>::New();
     m_slice->SetMapper(mapper);
     const double low = statistics.mean - statistics.deviation;

@@ -210,7 +210,7 @@ void SceneView::resizeEvent(QResizeEvent *) {
 }
 
 void SceneView::Drag(const QPointF &to) {
-    if ((to - m_pressed).manhattanLength() >= QApplication::startDragDistance() / 3)
+    if (3 * (to - m_pressed).manhattanLength() >= QApplication::startDragDistance())
         m_isDragging = true;
     if (!m_isDragging)
         return;
