@@ -18,6 +18,7 @@ report::ReportedModel ModelOf(const std::string &file, const std::vector<VARNO::
 
 std::vector<report::ReportedModel> ModelsOf(const std::vector<SolidFile> &files) {
     std::vector<report::ReportedModel> models;
+    models.reserve(files.size());
     for (const SolidFile &file : files)
         models.push_back(ModelOf(file.file, file.chains));
     return models;

@@ -27,6 +27,7 @@ report::ReportedModel ModelOf(const Model &model) {
 
 std::vector<report::ReportedModel> ModelsOf(const std::vector<Model> &models) {
     std::vector<report::ReportedModel> reported;
+    reported.reserve(models.size());
     for (const Model &model : models)
         reported.push_back(ModelOf(model));
     return reported;
