@@ -1,9 +1,9 @@
 #include "Assemble.h"
 
 #include "AssemblyReport.h"
+#include "Conclusion.h"
 #include "PlaceProgress.h"
 #include "PlaceReport.h"
-#include "cli/Command.h"
 #include "cli/Diagnostics.h"
 #include "cli/StopSignals.h"
 #include "hosts/common/AssemblyOutput.h"
@@ -28,16 +28,9 @@ int Assemble(const PlaceOptions &options) {
     if (record.result.cancelled)
         Warn("stopped by " + SignalName(StopSignal()) + "; what was placed by then is written");
     stopSignals.EnterStep("the writing of what was found");
-    // The files come first: whoever reads standard output may have gone away.
-    const auto [written, errors] = WriteAssemblyOutputs(record, input);
-    for (const std::string &warning : WarningsOf(record))
-        Warn(warning);
-    ReportAssembly(record, written);
-    for (const std::string &error : errors)
-        ReportError(error);
-    if (!errors.empty())
-        return Failed;
-    return record.result.cancelled ? 128 + StopSignal() : int(Succeeded);
+    const Delivery delivery = WriteAssemblyOutputs(record, input);
+    return Conclude(delivery, WarningsOf(record), record.result.cancelled,
+                    [&] { ReportAssembly(record, delivery.written); });
 }
 
 } // namespace batch

@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "CommonOptions.h"
+#include "Conclusion.h"
 #include "FitArguments.h"
 #include "FitProgress.h"
 #include "FitReport.h"
@@ -17,18 +18,6 @@ using namespace hosts;
 namespace batch {
 
 namespace {
-
-/// The files come first: whoever reads standard output may have gone away. False where a file failed.
-bool Deliver(const FitRecord &record, const std::list<SolutionScore> &solutions, const FitInput &input,
-             const std::string &outOfReach) {
-    const auto [written, errors] = WriteFitOutputs(record, solutions, input);
-    for (const std::string &warning : WarningsOf(record, outOfReach))
-        Warn(warning);
-    ReportSolutions(record, written);
-    for (const std::string &error : errors)
-        ReportError(error);
-    return errors.empty();
-}
 
 int FitChain(const Arguments &arguments) {
     FitRecord record;
@@ -55,9 +44,9 @@ int FitChain(const Arguments &arguments) {
         Warn("stopped by " + SignalName(StopSignal()) + " after " + std::to_string(record.axesDone) + " of " +
              std::to_string(record.axes) + " axes; what was found by then is written");
     stopSignals.EnterStep("the writing of what was found");
-    if (!Deliver(record, solutions, input, outOfReach))
-        return Failed;
-    return finished ? int(Succeeded) : 128 + StopSignal();
+    const Delivery delivery = WriteFitOutputs(record, solutions, input);
+    return Conclude(delivery, WarningsOf(record, outOfReach), !finished,
+                    [&] { ReportSolutions(record, delivery.written); });
 }
 
 /// Refusals in the words of the command line.

@@ -2,6 +2,7 @@
 
 #include "Assemble.h"
 #include "CommonOptions.h"
+#include "Conclusion.h"
 #include "PlaceArguments.h"
 #include "PlaceMap.h"
 #include "PlaceProgress.h"
@@ -17,17 +18,6 @@ using namespace hosts;
 namespace batch {
 
 namespace {
-
-/// The files come first: whoever reads standard output may have gone away. False where a file failed.
-bool Deliver(const PlaceRecord &record, const PlaceInput &input) {
-    const auto [written, errors] = WritePlaceOutputs(record, input);
-    for (const std::string &warning : WarningsOf(record))
-        Warn(warning);
-    ReportPlaces(record, input, written);
-    for (const std::string &error : errors)
-        ReportError(error);
-    return errors.empty();
-}
 
 int PlaceAsTold(const Arguments &arguments) {
     const PlaceOptions options = ReadPlaceOptions(arguments);
@@ -50,9 +40,9 @@ int PlaceAsTold(const Arguments &arguments) {
         Warn("stopped by " + SignalName(StopSignal()) +
              "; what was found by then is written, and the verdict is that of an unfinished search");
     stopSignals.EnterStep("the writing of what was found");
-    if (!Deliver(record, input))
-        return Failed;
-    return record.result.cancelled ? 128 + StopSignal() : int(Succeeded);
+    const Delivery delivery = WritePlaceOutputs(record, input);
+    return Conclude(delivery, WarningsOf(record), record.result.cancelled,
+                    [&] { ReportPlaces(record, input, delivery.written); });
 }
 
 /// What is refused is refused in the words of the command line.

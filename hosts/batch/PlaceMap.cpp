@@ -1,11 +1,10 @@
 #include "PlaceMap.h"
 
-#include "base/Numbers.h"
-
+#include "Conclusion.h"
 #include "PlaceProgress.h"
 #include "PlaceReport.h"
 #include "Printing.h"
-#include "cli/Command.h"
+#include "base/Numbers.h"
 #include "cli/Diagnostics.h"
 #include "cli/StopSignals.h"
 #include "hosts/common/MapInMap.h"
@@ -72,16 +71,9 @@ int PlaceMap(const PlaceOptions &options) {
         Warn("stopped by " + SignalName(StopSignal()) +
              "; what was found by then is written, and the verdict is that of an unfinished search");
     stopSignals.EnterStep("the writing of what was found");
-    // The files come first: whoever reads standard output may have gone away.
-    const auto [written, errors] = WriteMapInMapOutputs(record, input);
-    for (const std::string &warning : WarningsOf(record))
-        Warn(warning);
-    ReportResult(record, written);
-    for (const std::string &error : errors)
-        ReportError(error);
-    if (!errors.empty())
-        return Failed;
-    return record.result.result.cancelled ? 128 + StopSignal() : int(Succeeded);
+    const Delivery delivery = WriteMapInMapOutputs(record, input);
+    return Conclude(delivery, WarningsOf(record), record.result.result.cancelled,
+                    [&] { ReportResult(record, delivery.written); });
 }
 
 } // namespace batch
