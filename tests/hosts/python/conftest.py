@@ -51,6 +51,8 @@ def without_time(json):
 @contextlib.contextmanager
 def interruption():
     """A `progress` that has Ctrl-C reach this process, from another thread, once some work is done."""
+    # A shell starts what runs in its background with Ctrl-C ignored.
+    before = signal.signal(signal.SIGINT, signal.default_int_handler)
     begun = threading.Event()
 
     def interrupt():
@@ -58,4 +60,7 @@ def interruption():
         signal.pthread_kill(threading.main_thread().ident, signal.SIGINT)
 
     threading.Thread(target=interrupt, daemon=True).start()
-    yield lambda share: begun.set() if share > 0 else None
+    try:
+        yield lambda share: begun.set() if share > 0 else None
+    finally:
+        signal.signal(signal.SIGINT, before)
