@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <ranges>
 
 namespace cli {
 
@@ -11,8 +10,9 @@ namespace {
 /// The names of the options that `takes` holds for, with a blank on each side of each.
 std::string OptionNames(const Command &command, const std::function<bool(const Option &)> &takes) {
     std::string names = " ";
-    for (const Option &option : command.options | std::views::filter(takes))
-        names += option.name + ' ';
+    for (const Option &option : command.options)
+        if (takes(option))
+            names += option.name + ' ';
     return names;
 }
 

@@ -64,9 +64,10 @@ TEST(CommonOptions, ACommandLineCanBeGivenToAShellAgain) {
                                          {"--map", {"it's $HOME.mrc"}},
                                          {"--model", {"a.pdb=2", ""}}},
                               .operand = {}};
-    EXPECT_EQ(CommandLineOf("place", options, arguments),
-              "morvanex place --map 'it'\\''s $HOME.mrc' --model a.pdb=2 --model '' --max-distance A:1 B:2 9.5 "
-              "--invert");
+    EXPECT_EQ(
+        CommandLineOf("place", options, arguments),
+        "morvanex place --map 'it'\\''s $HOME.mrc' --model a.pdb=2 --model '' --max-distance A:1 B:2 9.5 "
+        "--invert");
 }
 
 TEST(CommonOptions, AHeadingBeginsAGroup) {

@@ -379,7 +379,8 @@ TEST_F(Place, WritesAReportOfWhatItFound) {
     const std::string page = ReadFile(m_folder.File("r.html"));
     EXPECT_THAT(page, StartsWith("<!DOCTYPE html>"));
     EXPECT_THAT(page, HasSubstr("5 places are found"));
-    EXPECT_THAT(page, HasSubstr("<pre>morvanex place --map " + SourceFolder() + "/examples/1tii_8A.mrc --model"));
+    EXPECT_THAT(page,
+                HasSubstr("<pre>morvanex place --map " + SourceFolder() + "/examples/1tii_8A.mrc --model"));
     EXPECT_THAT(page, HasSubstr("yz plane, x = 5"));
 }
 
