@@ -69,17 +69,6 @@ Sphere BoxOf(const Grid &map) {
     return {view.origin + 0.5 * diagonal, 0.5 * Length(diagonal)};
 }
 
-/// The moved map in its place, on the lattice of the other.
-std::unique_ptr<Grid> Moved(const MapInMapRecord &record, const MapInMapInput &input) {
-    const VolumeView map = ViewOf(*input.map);
-    const Volume moved = MovedMap(ViewOf(*input.moved), record.result.motion,
-                                  {map.count, map.spacing, map.origin}, unsigned(record.options.threads));
-    auto grid = std::make_unique<Grid>(input.moved->GetName(), input.map->Dimensions(), input.map->Origin(),
-                                       input.map->Spacing(), input.map->Angles());
-    std::ranges::copy(moved.values, grid->Values().begin());
-    return grid;
-}
-
 /// What only a structure has.
 void RefuseStructures(const PlaceOptions &options) {
     const auto refuse = [](bool given, const std::string &parameter) {
@@ -177,6 +166,17 @@ void WriteMapInMapJson(std::ostream &out, const MapInMapRecord &record) {
     out << "\n}\n";
 }
 
+std::unique_ptr<Grid> MovedOnto(const Grid &map, const Grid &moved, const MapMotion &motion,
+                                unsigned threads) {
+    const VolumeView lattice = ViewOf(map);
+    const Volume volume =
+        MovedMap(ViewOf(moved), motion, {lattice.count, lattice.spacing, lattice.origin}, threads);
+    auto grid =
+        std::make_unique<Grid>(moved.GetName(), map.Dimensions(), map.Origin(), map.Spacing(), map.Angles());
+    std::ranges::copy(volume.values, grid->Values().begin());
+    return grid;
+}
+
 Delivery WriteMapInMapOutputs(const MapInMapRecord &record, const MapInMapInput &input) {
     const PlaceOptions &options = record.options;
     const std::vector<Place> &places = record.result.result.places;
@@ -185,8 +185,9 @@ Delivery WriteMapInMapOutputs(const MapInMapRecord &record, const MapInMapInput 
         writer.Write(*options.json, base::Counted(places.size(), "place") + " in full precision", [&] {
             formats::ReplaceFile(*options.json, [&](std::ostream &out) { WriteMapInMapJson(out, record); });
         });
-    const std::unique_ptr<Grid> moved =
-        (options.movedMap || options.report) && !places.empty() ? Moved(record, input) : nullptr;
+    std::unique_ptr<Grid> moved;
+    if ((options.movedMap || options.report) && !places.empty())
+        moved = MovedOnto(*input.map, *input.moved, record.result.motion, unsigned(options.threads));
     if (options.movedMap && moved)
         writer.Write(*options.movedMap, "the second map in its place",
                      [&] { formats::WriteMap(*options.movedMap, *moved, "moved by morvanex place"); });

@@ -7,6 +7,7 @@
 #include "placement/MapInMap.h"
 
 #include <iosfwd>
+#include <memory>
 
 namespace hosts {
 
@@ -43,6 +44,10 @@ std::vector<std::string> WarningsOf(const MapInMapRecord &record);
 
 /// Writes the record: numbers in full precision, the best place first.
 void WriteMapInMapJson(std::ostream &out, const MapInMapRecord &record);
+
+/// A map after a motion, on the lattice of another; 0 outside of its box. Has the name of the moved one.
+std::unique_ptr<VARNO::Grid> MovedOnto(const VARNO::Grid &map, const VARNO::Grid &moved,
+                                       const placement::MapMotion &motion, unsigned threads);
 
 /// Writes the files that were asked for.
 Delivery WriteMapInMapOutputs(const MapInMapRecord &record, const MapInMapInput &input);

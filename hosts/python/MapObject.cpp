@@ -5,13 +5,17 @@
 #include "formats/files/FileError.h"
 #include "formats/files/NodeName.h"
 #include "formats/maps/MapVoxels.h"
+#include "hosts/common/MapInMap.h"
 #include "hosts/common/PlaceInput.h"
 
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
+#include <thread>
 
 namespace py = pybind11;
 using namespace VARNO;
@@ -86,6 +90,20 @@ MapObject Prepared(const MapObject &map, double resolution) {
     return prepared;
 }
 
+/// The map, or its mirror image, after a motion, on the lattice of another.
+MapObject MovedOnto(const MapObject &moved, const MapObject &map, const std::array<double, 4> &rotation,
+                    const Numbers &translation, bool mirrored) {
+    const py::gil_scoped_release unlocked;
+    const auto &[w, x, y, z] = rotation;
+    const auto &[a, b, c] = translation;
+    const placement::MapMotion motion{mirrored, {placement::MatrixOf({w, x, y, z}), {a, b, c}}};
+    MapObject made;
+    made.file = moved.file;
+    made.grid =
+        hosts::MovedOnto(*map.grid, *moved.grid, motion, std::max(std::thread::hardware_concurrency(), 1u));
+    return made;
+}
+
 MapObject ReadMapObject(const std::filesystem::path &file) {
     const py::gil_scoped_release unlocked;
     MapObject map;
@@ -111,7 +129,9 @@ void DefineMap(py::module_ &module) {
         .def_readonly("name", &MapObject::file)
         .def_property_readonly("title", [](const MapObject &map) { return map.report.title; })
         .def_property_readonly("warnings", [](const MapObject &map) { return map.report.warnings; })
-        .def("prepared", &Prepared, py::arg("resolution"));
+        .def("prepared", &Prepared, py::arg("resolution"))
+        .def("moved_onto", &MovedOnto, py::arg("map"), py::arg("rotation"), py::arg("translation"),
+             py::arg("mirrored"));
     module.def("check_shape", &CheckShape, py::arg("shape"));
     module.def("read_map", &ReadMapObject, py::arg("file"));
     module.def("write_map", &WriteMapObject, py::arg("file"), py::arg("map"), py::arg("title"));

@@ -34,10 +34,13 @@ std::vector<report::ReportedModel> ModelsOf(const std::vector<Model> &models) {
 }
 
 void WriteReport(const std::string &file, const std::string &record, const MapObject &map,
-                 const std::vector<Model> &models, const std::vector<Model> &fixed,
+                 const MapObject *movedMap, const std::vector<Model> &models, const std::vector<Model> &fixed,
                  const std::string &command) {
-    const report::Sources sources{
-        .map = map.grid.get(), .models = ModelsOf(models), .fixed = ModelsOf(fixed), .command = command};
+    const report::Sources sources{.map = map.grid.get(),
+                                  .movedMap = movedMap ? movedMap->grid.get() : nullptr,
+                                  .models = ModelsOf(models),
+                                  .fixed = ModelsOf(fixed),
+                                  .command = command};
     const py::gil_scoped_release release;
     if (report::IsViewerScript(file))
         report::WriteViewerScript(file, record, sources);
@@ -49,7 +52,7 @@ void WriteReport(const std::string &file, const std::string &record, const MapOb
 
 void DefineReport(py::module_ &module) {
     module.def("write_report", &WriteReport, py::arg("file"), py::arg("record"), py::arg("map"),
-               py::arg("models"), py::arg("fixed"), py::arg("command"));
+               py::arg("moved_map"), py::arg("models"), py::arg("fixed"), py::arg("command"));
 }
 
 } // namespace python

@@ -32,6 +32,13 @@ class Map:
     @property
     def warnings(self) -> list[str]: ...
     def prepared(self, resolution: float) -> Map: ...
+    def moved_onto(
+        self,
+        map: Map,
+        rotation: tuple[float, float, float, float],
+        translation: tuple[float, float, float],
+        mirrored: bool,
+    ) -> Map: ...
 
 class Structure:
     @property
@@ -73,6 +80,7 @@ def write_report(
     file: str,
     record: str,
     map: Map,
+    moved_map: Optional[Map],
     models: Sequence[tuple[str, Structure, Optional[list[str]]]],
     fixed: Sequence[tuple[str, Structure, Optional[list[str]]]],
     command: str,

@@ -5,6 +5,7 @@ from __future__ import annotations
 from dataclasses import dataclass
 from typing import Any, Optional
 
+from ._maps import Map
 from ._poses import Pose
 from ._records import Record, Result, at, moved
 from ._symmetries import Symmetry
@@ -35,6 +36,12 @@ class Place(Record):
     in_density: float
     overlap: float
     centre: tuple[float, float, float]
+
+
+def _of_rank(rank: int, places: tuple[Place, ...]) -> Place:
+    if not 1 <= rank <= len(places):
+        raise IndexError(f"there is no place of rank {rank}, only {len(places)}")
+    return places[rank - 1]
 
 
 @dataclass(frozen=True)
@@ -189,9 +196,7 @@ class Placement(Result):
         Raises:
             IndexError: for a rank that no place has.
         """
-        if not 1 <= rank <= len(self.places):
-            raise IndexError(f"there is no place of rank {rank}, only {len(self.places)}")
-        return moved(self._models[0], self.places[rank - 1].pose, self.chains)
+        return moved(self._models[0], _of_rank(rank, self.places).pose, self.chains)
 
     def __str__(self) -> str:
         return self.statement
@@ -244,6 +249,21 @@ class MapPlacement(Result):
     def placed(self) -> bool:
         """Whether the best place is called right."""
         return self.verdict == "placed"
+
+    def map(self, rank: int = 1) -> Map:
+        """The moved map at the place of that rank, on the lattice of the other map; 0 outside of its own box.
+
+        Raises:
+            IndexError: for a rank that no place has.
+        """
+        pose = _of_rank(rank, self.places).pose
+        given = self.as_dict()["input"]
+        moving = self._inputs.native_map(given["movedMap"])
+        return Map._of(
+            moving.moved_onto(
+                self._inputs.native_map(given["map"]), pose.quaternion, pose.translation, self.hand.places_are_mirrored
+            )
+        )
 
     def __str__(self) -> str:
         return self.statement

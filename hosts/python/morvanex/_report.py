@@ -7,6 +7,7 @@ from typing import Any, Optional, Union
 
 from . import _morvanex
 from ._assemblies import Assembly
+from ._errors import ParameterError
 from ._fits import Fit
 from ._places import MapPlacement, Placement
 from ._work import Inputs, Path
@@ -15,7 +16,7 @@ from ._work import Inputs, Path
 Model = tuple[str, _morvanex.Structure, Optional[list[str]]]
 
 
-def report(result: Union[Placement, Assembly, Fit], file: Path) -> None:
+def report(result: Union[Placement, Assembly, MapPlacement, Fit], file: Path) -> None:
     """Writes what was found as a page to look at and to send on: one HTML file that needs no network. Where the file's
     name ends in .cxc or .pml it is a script that opens map and models in ChimeraX or PyMOL.
 
@@ -23,11 +24,12 @@ def report(result: Union[Placement, Assembly, Fit], file: Path) -> None:
     again.
 
     Args:
-        result: of `place` or `fit`; that of a map on a map is written by `place(..., report=...)` alone.
+        result: of `place` or `fit`. Of a map on a map there is no script.
         file: is replaced as a whole.
 
     Raises:
         TypeError: for anything but such a result.
+        ParameterError: for a script of a map on a map.
         FileError: for what cannot be read or written.
 
     >>> toxin = place("examples/1tii_8A.mrc", "examples/1tii_D_displaced.pdb", resolution=8)
@@ -35,20 +37,31 @@ def report(result: Union[Placement, Assembly, Fit], file: Path) -> None:
     >>> (folder / "report.html").read_text().startswith("<!DOCTYPE html>")
     True
     """
-    if isinstance(result, MapPlacement) or not isinstance(result, (Placement, Assembly, Fit)):
+    if not isinstance(result, (Placement, Assembly, MapPlacement, Fit)):
         raise TypeError(f"there is no report of {type(result).__name__}")
+    if isinstance(result, MapPlacement) and os.fspath(file).endswith((".cxc", ".pml")):
+        raise ParameterError("--viewer-script: is for structures, and the model is a map")
     given = result.as_dict()["input"]
-    inputs = result._inputs
-    models, fixed = _fitted(given, inputs) if isinstance(result, Fit) else _placed(given, inputs)
-    density = inputs.maps.get(given["map"]) or _morvanex.read_map(given["map"])
+    density = result._inputs.native_map(given["map"])
     if given.get("inverted"):
         density = inverted(density)
-    _morvanex.write_report(os.fspath(file), result.json, density, models, fixed, "")
+    models, fixed, laid = _shown(result, given)
+    _morvanex.write_report(os.fspath(file), result.json, density, laid, models, fixed, "")
 
 
 def inverted(density: _morvanex.Map) -> _morvanex.Map:
     """The map with its values' signs changed."""
     return _morvanex.Map(-density.values, density.voxel, density.origin, density.name)
+
+
+def _shown(
+    result: Union[Placement, Assembly, MapPlacement, Fit], given: dict[str, Any]
+) -> tuple[list[Model], list[Model], Optional[_morvanex.Map]]:
+    """Models that moved, models that were in place, and a map that moved."""
+    if isinstance(result, MapPlacement):
+        return [], [], (result.map()._native if result.places else None)
+    models, fixed = (_fitted if isinstance(result, Fit) else _placed)(given, result._inputs)
+    return models, fixed, None
 
 
 def _structure(name: str, inputs: Inputs) -> _morvanex.Structure:

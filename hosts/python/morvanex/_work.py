@@ -41,6 +41,10 @@ class Inputs:
         self.maps[name] = value._native
         return name
 
+    def native_map(self, name: str) -> _morvanex.Map:
+        """What stands for that name, or the file of that name, read again."""
+        return self.maps.get(name) or _morvanex.read_map(name)
+
     def structure(self, value: StructureInput) -> str:
         if is_gemmi(value):
             value = from_gemmi(value)

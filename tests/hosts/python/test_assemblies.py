@@ -4,6 +4,7 @@ import json
 import pathlib
 
 import gemmi
+import numpy
 import pytest
 
 import morvanex
@@ -173,6 +174,20 @@ def test_a_map_in_a_map_holds_what_the_record_holds(turned_map):
     assert found.resolution_at_0143 == record["correlation"]["resolutionAt0.143"]
     assert (found.points, found.points_resolution) == (record["input"]["points"], record["input"]["pointsResolution"])
     assert found.places[0].rank == 1 and found.search.rotation_step is None
+
+
+@pytest.mark.parametrize("order", [1, -1], ids=["as given", "mirrored"])
+def test_the_map_at_its_place_is_the_one_that_the_search_writes(order):
+    density = morvanex.simulate(COMPLEX, resolution=6, voxel=2)
+    turned = morvanex.Map(density.values[:, :, ::order], voxel=2, origin=(70, -40, 5))
+    found = morvanex.place(density, turned, resolution=6, moved_map="moved.mrc")
+    assert found.hand.places_are_mirrored == (order == -1)
+    laid, written = found.map(), morvanex.read_map("moved.mrc")
+    assert (laid.voxel, laid.origin) == (density.voxel, density.origin)
+    assert numpy.allclose(laid.values, written.values, atol=1e-5 * written.values.max())
+    assert numpy.corrcoef(laid.values.ravel(), density.values.ravel())[0, 1] > 0.98
+    with pytest.raises(IndexError, match="no place of rank 2, only 1"):
+        found.map(2)
 
 
 def test_two_maps_of_one_name_are_told_apart():

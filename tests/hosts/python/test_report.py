@@ -82,9 +82,11 @@ def test_what_cannot_be_written_is_refused():
         morvanex.place(MAP, MODEL, resolution=8, viewer_script="a.txt")
 
 
-def test_of_a_map_on_a_map():
+def test_of_a_map_on_a_map_is_the_same_later():
     made = morvanex.simulate(COMPLEX, resolution=10, voxel=3)
-    found = morvanex.place(MAP, made, resolution=10, report="report.html")
-    assert "contour of the second map in its place" in open("report.html").read()
-    with pytest.raises(TypeError, match="no report of MapPlacement"):
-        morvanex.report(found, "later.html")
+    found = morvanex.place(MAP, made, resolution=10, report="during.html")
+    assert "contour of the second map in its place" in open("during.html").read()
+    morvanex.report(found, "after.html")
+    assert told(open("after.html").read()) == told(open("during.html").read())
+    with pytest.raises(morvanex.ParameterError, match="--viewer-script: is for structures"):
+        morvanex.report(found, "later.cxc")

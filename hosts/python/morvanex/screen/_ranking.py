@@ -233,7 +233,7 @@ def write_report(file: Path, store: Store, ranked: Sequence[Ranked], command: st
     best = [entry for entry in ranked[:SHOWN] if entry.pose]
     models = {entry.model: _morvanex.parse_structure(entry.file.read(), entry.model) for entry in best}
     shown = [(name, structure, None) for name, structure in models.items()]
-    _morvanex.write_report(os.fspath(file), record_of(store, ranked), density, shown, [], command)
+    _morvanex.write_report(os.fspath(file), record_of(store, ranked), density, None, shown, [], command)
 
 
 def _finite(value: Any) -> Any:
