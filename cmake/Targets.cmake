@@ -22,7 +22,7 @@ target_compile_options(morvanex_flags INTERFACE -ffp-contract=off -Wall -Wextra 
                                                 -Wconversion -Wno-sign-conversion)
 if(MORVANEX_WERROR)
     # GCC 12 takes a literal put before a std::string for a copy that overlaps itself.
-    target_compile_options(morvanex_flags INTERFACE -Werror -Wno-error=restrict)
+    target_compile_options(morvanex_flags INTERFACE -Werror $<$<CXX_COMPILER_ID:GNU>:-Wno-error=restrict>)
 endif()
 if(MORVANEX_FUZZ)
     list(APPEND MORVANEX_SANITIZE fuzzer-no-link)
@@ -31,6 +31,7 @@ if(MORVANEX_SANITIZE)
     list(JOIN MORVANEX_SANITIZE "," sanitizers)
     target_compile_options(morvanex_flags INTERFACE -fsanitize=${sanitizers} -fno-sanitize-recover=all
                                                     -fno-omit-frame-pointer)
+    target_compile_definitions(morvanex_flags INTERFACE MORVANEX_SANITIZED)
     target_link_options(morvanex_flags INTERFACE -fsanitize=${sanitizers})
 endif()
 
@@ -65,11 +66,8 @@ function(morvanex_program name)
     target_link_libraries(${name} PRIVATE morvanex_flags ${ARG_LINK})
 endfunction()
 
-# Compiling the many test sources takes longer than running them: they are optimised less than what they test.
-set(morvanex_test_optimisation -O1)
-if(MORVANEX_SANITIZE)
-    set(morvanex_test_optimisation -O0)
-endif()
+# Compiling the many test sources takes longer than running them: they are not optimised, what they test is.
+set(morvanex_test_optimisation -O0)
 
 # morvanex_test(name SOURCES ... LINK ... [LEAKS file] [THREADS] [DESKTOP]): one GoogleTest program; each of its tests is one test
 # of ctest. LEAKS is the file of LeakSanitizer's suppressions; THREADS says that the program runs threads, so that it
@@ -81,6 +79,7 @@ function(morvanex_test name)
     cmake_parse_arguments(ARG "THREADS;DESKTOP" "LEAKS" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_compile_options(${name} PRIVATE ${morvanex_test_optimisation})
+    target_precompile_headers(${name} REUSE_FROM morvanex_test_support)
     target_link_libraries(${name} PRIVATE morvanex_flags morvanex_test_support ${ARG_LINK} GTest::gmock
                                           GTest::gtest_main)
     set(properties TIMEOUT 600)

@@ -68,8 +68,8 @@ void AddDensity(const std::vector<ModelAtom> &atoms, double resolution, Volume &
         std::array<std::size_t, 3> first, end;
         for (std::size_t axis = 0; axis < 3; ++axis) {
             first[axis] = std::size_t(std::max(0.0, std::ceil((r[axis] - reach) / voxel[axis])));
-            end[axis] =
-                std::min(map.count[axis], std::size_t(std::floor((r[axis] + reach) / voxel[axis])) + 1);
+            end[axis] = std::min(map.count[axis],
+                                 std::size_t(std::max(0.0, std::floor((r[axis] + reach) / voxel[axis]) + 1)));
         }
         for (std::size_t k = first[2]; k < end[2]; ++k)
             for (std::size_t j = first[1]; j < end[1]; ++j)

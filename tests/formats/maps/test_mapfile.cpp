@@ -488,7 +488,7 @@ TEST_F(MapFile, RefusesWhatIsNoMap) {
 }
 
 TEST_F(MapFile, SaysThatTheMemoryRanOut) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef MORVANEX_SANITIZED
     GTEST_SKIP() << "the sanitizer's own memory is beyond any limit";
 #endif
     const std::string path = m_folder.Write("map", MapBytes(1000, 1000, 1000, 0));

@@ -34,7 +34,7 @@ protected:
 
     /// Options of a search of more than two seconds, with 321 axes and `longSteps`³ translations. A sanitizer
     /// makes it seven times longer.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef MORVANEX_SANITIZED
     static constexpr int longSteps = 13;
 #else
     static constexpr int longSteps = 25;

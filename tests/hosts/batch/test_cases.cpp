@@ -136,7 +136,7 @@ private:
 
 } // namespace
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef MORVANEX_SANITIZED
 constexpr bool sanitized = true;
 #else
 constexpr bool sanitized = false;

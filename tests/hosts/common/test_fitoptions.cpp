@@ -10,7 +10,7 @@ using namespace hosts;
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// The error of a fit of five translations of 2 Å, changed like that.
 template <class Change>
@@ -58,8 +58,8 @@ TEST(CheckFitOptions, RefusesWithParameterAndValue) {
 
 TEST(CheckFitOptions, RefusesTranslationsBeyondSinglePrecision) {
     EXPECT_EQ(ErrorOfStep(infinity), "translation step: inf is not a finite number of Å");
-    EXPECT_EQ(ErrorOfStep(nan), "translation step: nan is not a finite number of Å");
-    EXPECT_EQ(ErrorOfStep(-nan), "translation step: nan is not a finite number of Å");
+    EXPECT_EQ(ErrorOfStep(notANumber), "translation step: nan is not a finite number of Å");
+    EXPECT_EQ(ErrorOfStep(-notANumber), "translation step: nan is not a finite number of Å");
     EXPECT_EQ(
         ErrorOfStep(1e39),
         "translation step: 1e+39 is not a step whose translations fit into single precision (3.4e+38 Å)");
@@ -72,7 +72,7 @@ TEST(CheckFitOptions, RefusesTranslationsBeyondSinglePrecision) {
 
 TEST(CheckFitOptions, RefusesAnInclusionDistanceBeyondSinglePrecision) {
     EXPECT_EQ(ErrorOfDistance(-1), "inclusion distance: -1 is not a distance in Å");
-    EXPECT_EQ(ErrorOfDistance(nan), "inclusion distance: nan is not a distance in Å");
+    EXPECT_EQ(ErrorOfDistance(notANumber), "inclusion distance: nan is not a distance in Å");
     EXPECT_EQ(ErrorOfDistance(1e300),
               "inclusion distance: 1e+300 is not a distance that fits into single precision (3.4e+38 Å)");
     EXPECT_EQ(ErrorOfDistance(1e38), "no error");
