@@ -90,7 +90,7 @@ void FileReading::Next() {
         return;
     }
     emit started(m_current);
-    m_watcher.setFuture(QtConcurrent::run(ReadInThread, m_current.toStdString()));
+    m_watcher.setFuture(QtConcurrent::run(&m_pool, ReadInThread, m_current.toStdString()));
 }
 
 void FileReading::Take() {

@@ -7,6 +7,7 @@
 #include <QFutureWatcher>
 #include <QObject>
 #include <QStringList>
+#include <QThreadPool>
 
 #include <functional>
 #include <memory>
@@ -58,6 +59,8 @@ private:
 
     QStringList m_waiting;
     QString m_current; ///< empty where nothing is read
+    /// Its own: the toolkit paints with the shared one's threads, and waits for them.
+    QThreadPool m_pool;
     QFutureWatcher<std::shared_ptr<FileContent>> m_watcher;
 };
 

@@ -171,7 +171,7 @@ void PlaceSearch::Start(const PlaceQuestion &question) {
     m_isRunning = true;
     m_cancelled = std::make_shared<std::atomic<bool>>(false);
     m_timer.start();
-    m_watcher.setFuture(QtConcurrent::run(SearchInThread, task, m_cancelled));
+    m_watcher.setFuture(QtConcurrent::run(&m_pool, SearchInThread, task, m_cancelled));
 }
 
 void PlaceSearch::Cancel() {

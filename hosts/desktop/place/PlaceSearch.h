@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFutureWatcher>
 #include <QObject>
+#include <QThreadPool>
 
 #include <atomic>
 #include <functional>
@@ -54,6 +55,8 @@ private:
     bool m_isRunning = false;
     std::shared_ptr<std::atomic<bool>> m_cancelled;
     QElapsedTimer m_timer;
+    /// Its own: the toolkit paints with the shared one's threads, and waits for them.
+    QThreadPool m_pool;
     QFutureWatcher<std::shared_ptr<PlaceAnswer>> m_watcher;
 };
 
