@@ -51,6 +51,7 @@ void WriteReport(const std::string &file, const std::string &record, const MapOb
 } // namespace
 
 void DefineReport(py::module_ &module) {
+    module.def("is_viewer_script", &report::IsViewerScript, py::arg("file"));
     module.def("write_report", &WriteReport, py::arg("file"), py::arg("record"), py::arg("map"),
                py::arg("moved_map"), py::arg("models"), py::arg("fixed"), py::arg("command"));
 }

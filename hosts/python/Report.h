@@ -4,7 +4,7 @@
 
 namespace python {
 
-/// Defines write_report.
+/// Defines is_viewer_script and write_report.
 void DefineReport(pybind11::module_ &module);
 
 } // namespace python

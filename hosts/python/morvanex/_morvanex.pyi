@@ -76,6 +76,7 @@ def fit(
     structures: dict[str, Structure],
     progress: Optional[Callable[[float], object]],
 ) -> Outcome: ...
+def is_viewer_script(file: str) -> bool: ...
 def write_report(
     file: str,
     record: str,

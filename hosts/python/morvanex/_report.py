@@ -39,7 +39,7 @@ def report(result: Union[Placement, Assembly, MapPlacement, Fit], file: Path) ->
     """
     if not isinstance(result, (Placement, Assembly, MapPlacement, Fit)):
         raise TypeError(f"there is no report of {type(result).__name__}")
-    if isinstance(result, MapPlacement) and os.fspath(file).endswith((".cxc", ".pml")):
+    if isinstance(result, MapPlacement) and _morvanex.is_viewer_script(os.fspath(file)):
         raise ParameterError("--viewer-script: is for structures, and the model is a map")
     given = result.as_dict()["input"]
     density = result._inputs.native_map(given["map"])
