@@ -255,6 +255,36 @@ private:
     void RefineAll(const std::vector<Pose> &starts) {
         std::vector<ScoredPose> poses = NotScored(starts);
         const double before = RefineThroughLevels(poses);
+        std::optional<std::vector<ScoredPose>> withoutModel;
+        if (m_parameters.ruleOut)
+            withoutModel = Finish(poses, *FinestWithoutModel(), before);
+        if (withoutModel && IsRuledOut(*withoutModel))
+            ListRuledOut(*withoutModel);
+        else
+            ListJudged(poses, before, withoutModel);
+        if (m_result.places.empty())
+            return;
+        DropOverlapping();
+        AddDensityShares();
+    }
+
+    /// Whether the best place is so much like wrong ones that the matched filter cannot make it sure either.
+    bool IsRuledOut(const std::vector<ScoredPose> &withoutModel) const {
+        const Confidence confidence =
+            ConfidenceOf(m_model, withoutModel, FitWrongTail(ScoresOf(withoutModel)));
+        return confidence.logExpected > std::log(ruledOut) && VerdictOf(confidence) == Verdict::NothingFound;
+    }
+
+    void ListRuledOut(const std::vector<ScoredPose> &withoutModel) {
+        ListPlaces(withoutModel);
+        AddProfile(*FinestWithoutModel());
+        m_result.verdict = Verdict::RuledOut;
+    }
+
+    /// The places of the matched filter, judged by both. Those of the other one are found where they are not
+    /// given.
+    void ListJudged(const std::vector<ScoredPose> &poses, double before,
+                    std::optional<std::vector<ScoredPose>> &withoutModel) {
         Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
         const std::vector<ScoredPose> places = Finish(poses, finest, before);
         if (places.empty())
@@ -262,15 +292,12 @@ private:
         ListPlaces(places);
         AddProfile(finest);
         finest = {}; // before the next one takes as much memory
-        m_result.confidence = LessSure(m_result.confidence, SecondOpinionOfFirst(poses, before));
+        const FilteredMap second = FinestWithoutModel();
+        if (!withoutModel)
+            withoutModel = Finish(poses, *second, before);
+        m_result.confidence =
+            LessSure(m_result.confidence, SecondOpinion(places.front().pose, *withoutModel, *second));
         m_result.verdict = VerdictOf(m_result.confidence);
-        DropOverlapping();
-        AddDensityShares();
-    }
-
-    Confidence SecondOpinionOfFirst(const std::vector<ScoredPose> &poses, double before) {
-        const FilteredMap finest = FinestWithoutModel();
-        return SecondOpinion(m_result.places.front().pose, Finish(poses, *finest, before), *finest);
     }
 
     /// Every distinct place with what both filters say of it.
@@ -444,18 +471,26 @@ private:
                TurnWeight(first.score, place.score, m_result.tail) > unsureTurn;
     }
 
-    /// How sure a pose is by the filter without the model, among the places that this filter finds.
+    /// How sure a pose is by the filter without the model, among the places that this filter finds: not at
+    /// all where it climbs from there to another place.
     Confidence SecondOpinion(const Pose &pose, const std::vector<ScoredPose> &places,
                              const Volume &finest) const {
         const double resolution = m_parameters.resolution;
         std::vector<ScoredPose> list{
             Refine(finest, m_points, m_model.gyration, pose,
                    {finalSteps, firstFinalStep * resolution, longestFinalStep * resolution})};
+        const WrongTail tail = FitWrongTail(ScoresOf(places));
+        const Pose own = list.front().pose;
         const double same = samePlace * resolution;
+        const auto isOther = [&](const Pose &other) {
+            return SquaredRmsd(m_model, other, own) >= same * same;
+        };
+        if (isOther(pose))
+            return {.logExpected = std::log(double(std::max<std::size_t>(tail.number, 1)))};
         for (const ScoredPose &place : places)
-            if (SquaredRmsd(m_model, place.pose, list.front().pose) >= same * same)
+            if (isOther(place.pose))
                 list.push_back(place);
-        return ConfidenceOf(m_model, list, FitWrongTail(ScoresOf(places)));
+        return ConfidenceOf(m_model, list, tail);
     }
 
     /// The first place's score, residue by residue.

@@ -18,6 +18,10 @@ struct PlacementParameters {
     /// upon one another are one, and no place overlaps its own copies without being them.
     std::vector<Motion> mates{};
     std::vector<Pose> starts{}; ///< that are refined with what FindJudgedPlaces finds itself
+    /// Whether FindPlaces asks the filter without the model first, and leaves out the matched one where wrong
+    /// places are expected to score as well as the best: in a map that many models share, that filter is
+    /// cheaper. What is found stays the same, since both filters have to be sure of a place.
+    bool ruleOut = false;
 };
 
 /// One place that a search found.
@@ -37,6 +41,7 @@ enum class Verdict {
     Placed,       ///< the best place is right, with the stated probability
     TurnUnsure,   ///< the place is right, but other turns about its centre score as well
     NothingFound, ///< no place stands out
+    RuledOut,     ///< nor does one by the filter without the model, and the matched one was not asked
     NotJudged,    ///< the map is sharpened so much that its scores say nothing of chance
     NoDensity,    ///< the map is constant, or has no density where the model may lie
     Refined,      ///< one place, the best near the model's own; nothing is said of others
@@ -46,12 +51,13 @@ struct PlacementResult {
     Verdict verdict = Verdict::NoDensity;
     Point start; ///< the model's centre as it was given, Å
     /// Of the first place: the lesser one of what the matched filter and the filter without the model say,
-    /// each among the places that it finds. A wrong place seldom stands out by both.
+    /// each among the places that it finds. A wrong place seldom stands out by both, and none is sure from
+    /// which the other filter climbs to another place.
     Confidence confidence;
     /// Distinct ones, best first. A place that overlaps a better one is no further copy and left out, but for
     /// other turns of the first one where its turn is unsure.
     std::vector<Place> places;
-    WrongTail tail; ///< of the wrong places' scores, as the first filter has them
+    WrongTail tail; ///< of the wrong places' scores, by the filter that gave the scores
     /// Of the first place: for each residue the mean of the filtered map at its electrons, in standard
     /// deviations of that map. Low values tell which part of the model fits badly.
     std::vector<double> profile;

@@ -32,6 +32,7 @@ struct PlaceInput : PlaceModel {
     VARNO::Grid *map = nullptr;
     /// The map, where it is prepared for many models at this resolution: not set, or it has to outlive this.
     placement::PreparedMap *prepared = nullptr;
+    bool ruleOut = false; ///< whether one filter may rule a model out, see PlacementParameters
     formats::MapReport mapReport;
     double resolution = 0;                        ///< Å, as given or as estimated
     std::vector<SolidFile> fixed;                 ///< what is already in place

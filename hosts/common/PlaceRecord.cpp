@@ -134,7 +134,8 @@ void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, Monitor &monitor
     PlacementParameters parameters{.resolution = input.resolution,
                                    .threads = unsigned(options.threads),
                                    .region = options.region,
-                                   .neighbours = input.neighbours};
+                                   .neighbours = input.neighbours,
+                                   .ruleOut = input.ruleOut};
     if (options.scope == PlaceScope::Near) {
         const PointModel model = MakePointModel(input.atoms);
         parameters.region = Sphere{model.centre, model.radius};
@@ -175,6 +176,8 @@ std::string VerdictName(Verdict verdict) {
         return "turn-unsure";
     case Verdict::NothingFound:
         return "nothing-found";
+    case Verdict::RuledOut:
+        return "ruled-out";
     case Verdict::NotJudged:
         return "not-judged";
     case Verdict::NoDensity:
@@ -227,6 +230,7 @@ std::string VerdictText(const PlacementResult &result) {
                "(probability of the first one " +
                probability + ")";
     case Verdict::NothingFound:
+    case Verdict::RuledOut:
         return "no place stands out: wrong places are expected to score as well as the best one "
                "(probability " +
                probability + ")" + FewPlacesText(result.tail.number);

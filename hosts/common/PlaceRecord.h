@@ -45,8 +45,8 @@ PlaceRecord MakePlaceRecord(const PlaceOptions &options, const PlaceInput &input
 /// of the mirrored one only where that hand is the right one.
 void FindPlacesOf(const PlaceInput &input, PlaceRecord &record, placement::Monitor &monitor);
 
-/// The verdict as the JSON file names it: "placed", "turn-unsure", "nothing-found", "not-judged",
-/// "no-density".
+/// The verdict as the JSON file names it: "placed", "turn-unsure", "nothing-found", "ruled-out",
+/// "not-judged", "no-density", "refined".
 std::string VerdictName(placement::Verdict verdict);
 
 /// The hand as the JSON file names it: "as-given", "mirrored", "unknown".

@@ -84,8 +84,9 @@ py::array ValuesOf(const py::object &self) {
 }
 
 /// The same map, with what searches at that resolution have in common made once.
-MapObject Prepared(const MapObject &map, double resolution) {
+MapObject Prepared(const MapObject &map, double resolution, bool ruleOut) {
     MapObject prepared = map;
+    prepared.ruleOut = ruleOut;
     prepared.prepared = std::make_shared<placement::PreparedMap>(hosts::ViewOf(*map.grid), resolution, 1);
     return prepared;
 }
@@ -129,7 +130,7 @@ void DefineMap(py::module_ &module) {
         .def_readonly("name", &MapObject::file)
         .def_property_readonly("title", [](const MapObject &map) { return map.report.title; })
         .def_property_readonly("warnings", [](const MapObject &map) { return map.report.warnings; })
-        .def("prepared", &Prepared, py::arg("resolution"))
+        .def("prepared", &Prepared, py::arg("resolution"), py::arg("rule_out"))
         .def("moved_onto", &MovedOnto, py::arg("map"), py::arg("rotation"), py::arg("translation"),
              py::arg("mirrored"));
     module.def("check_shape", &CheckShape, py::arg("shape"));

@@ -18,6 +18,7 @@ struct MapObject {
     std::string file;          ///< its name, as it was given to whoever read or made it
     /// For many models at one resolution; its values then have to stay as they are.
     std::shared_ptr<placement::PreparedMap> prepared;
+    bool ruleOut = false; ///< whether one filter may rule a model out, see placement::PlacementParameters
 };
 
 /// Defines the class Map, and read_map and write_map.

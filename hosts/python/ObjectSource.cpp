@@ -47,12 +47,12 @@ bool ObjectSource::IsMap(const std::string &name) const {
     return m_maps.contains(name) || (!m_structures.contains(name) && InputSource::IsMap(name));
 }
 
-placement::PreparedMap *ObjectSource::Prepared(const std::string &name, double resolution) const {
+const MapObject *ObjectSource::Prepared(const std::string &name, double resolution) const {
     const auto found = m_maps.find(name);
     if (m_changesTheMap || found == m_maps.end())
         return nullptr;
-    placement::PreparedMap *prepared = found->second.prepared.get();
-    return prepared && prepared->Resolution() == resolution ? prepared : nullptr;
+    const MapObject &map = found->second;
+    return map.prepared && map.prepared->Resolution() == resolution ? &map : nullptr;
 }
 
 } // namespace python

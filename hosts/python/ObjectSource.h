@@ -27,7 +27,7 @@ public:
     VARNO::Grid *Map(const std::string &name, formats::MapReport &report) override;
     bool IsMap(const std::string &name) const override;
     /// A map that is prepared for a search at that resolution, of its values as they are; else nothing.
-    placement::PreparedMap *Prepared(const std::string &name, double resolution) const;
+    const MapObject *Prepared(const std::string &name, double resolution) const;
 
 private:
     Maps m_maps;

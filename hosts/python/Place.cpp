@@ -72,7 +72,10 @@ void SearchForMap(const PlaceOptions &options, ObjectSource &source, const Warni
 void SearchForModels(const PlaceOptions &options, ObjectSource &source, const WarningSink &warn, Watch &watch,
                      Outcome &outcome) {
     PlaceInput input = ReadPlaceInput(options, warn, source);
-    input.prepared = source.Prepared(options.map, input.resolution);
+    if (const MapObject *map = source.Prepared(options.map, input.resolution)) {
+        input.prepared = map->prepared.get();
+        input.ruleOut = map->ruleOut;
+    }
     if (options.parts.empty()) {
         CheckPlaceOutputs(options, input.format);
         const Steps<PlaceInput, PlaceRecord> steps{FindPlacesOf, WritePlaceOutputs, WritePlaceJson};

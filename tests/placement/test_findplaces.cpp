@@ -102,6 +102,31 @@ TEST(FindJudgedPlaces, RefinesTheStartsThatItIsGiven) {
     EXPECT_TRUE(found.cancelled);
 }
 
+TEST(FindJudgedPlaces, APlaceFromWhichTheOtherFilterClimbsToAnotherIsNotSure) {
+    // A rod, which the matched filter finds a little along its axis too.
+    std::vector<ModelAtom> rod = RandomModel(300, 2);
+    for (ModelAtom &atom : rod)
+        atom.position = {atom.position.x / std::sqrt(6), atom.position.y / std::sqrt(6), atom.position.z * 6};
+    std::vector<ModelAtom> all = rod;
+    const std::vector<ModelAtom> neighbour = Moved(RandomModel(600, 52), RotationBy({}), {45, 0, 0});
+    all.insert(all.end(), neighbour.begin(), neighbour.end());
+    const Volume density = DensityOf(all, 8, {2, 2, 2}, 10);
+    const WrongTail tail = Find(density, rod, 8).tail;
+    PreparedMap map(density, 8, 1);
+    Monitor silent;
+    const std::vector<JudgedPlace> places =
+        FindJudgedPlaces(map, rod, {.resolution = 8, .region = {}}, silent).places;
+    ASSERT_FALSE(places.empty());
+    EXPECT_GT(places.front().confidence.place, 0.99);
+    int sureByOne = 0;
+    for (const JudgedPlace &place : std::span(places).subspan(1)) {
+        sureByOne += tail.Probability(place.place.score) > 0.99;
+        EXPECT_LT(place.confidence.place, 0.9);
+        EXPECT_GT(place.confidence.logExpected, -4);
+    }
+    EXPECT_GT(sureByOne, 0);
+}
+
 TEST(FindPlaces, AModelIsFoundWithoutAStart) {
     const Complex complex;
     const PlacementResult result = Find(DensityOf(complex.all, 8, {2, 2, 2}, 10), complex.model, 8);
@@ -139,6 +164,50 @@ TEST(FindPlaces, AnotherModelIsNotDeclared) {
     AddNoise(map, 0.5, 1);
     for (const unsigned seed : {11, 12, 13})
         EXPECT_NE(Find(map, RandomModel(150, seed), 8).verdict, Verdict::Placed) << seed;
+}
+
+TEST(FindPlaces, AModelThatOneFilterRulesOutIsSparedTheOther) {
+    const Complex complex;
+    Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    AddNoise(map, 0.5, 1);
+    PreparedMap prepared(map, 8, 1);
+    Monitor silent;
+    const auto find = [&](const std::vector<ModelAtom> &model) {
+        return FindPlaces(prepared, model, {.resolution = 8, .region = {}, .ruleOut = true}, silent);
+    };
+    int ruledOut = 0;
+    for (unsigned seed = 11; seed < 21; ++seed) {
+        const PlacementResult other = find(RandomModel(150, seed));
+        if (other.verdict != Verdict::RuledOut) {
+            EXPECT_EQ(other.verdict, Verdict::NothingFound) << seed;
+            continue;
+        }
+        ++ruledOut;
+        EXPECT_EQ(Find(map, RandomModel(150, seed), 8).verdict, Verdict::NothingFound) << seed;
+        EXPECT_GT(other.confidence.logExpected, 0) << "more than one wrong place";
+        EXPECT_LT(other.confidence.probability, 0.12);
+        EXPECT_EQ(FoundCopies(other), 0u);
+        ASSERT_FALSE(other.places.empty());
+        EXPECT_EQ(other.profile.size(), 150u);
+        EXPECT_GT(other.places.front().inDensity, 0);
+    }
+    EXPECT_GT(ruledOut, 5);
+    // Who belongs there has the places of both filters.
+    const PlacementResult right = find(complex.model), full = Find(map, complex.model, 8);
+    EXPECT_EQ(right.verdict, Verdict::Placed);
+    EXPECT_EQ(right.confidence.logExpected, full.confidence.logExpected);
+    EXPECT_EQ(right.profile, full.profile);
+    ASSERT_EQ(right.places.size(), full.places.size());
+    for (std::size_t i = 0; i < full.places.size(); ++i)
+        EXPECT_EQ(right.places[i].score, full.places[i].score) << i;
+}
+
+TEST(FindPlaces, NoModelIsRuledOutUnasked) {
+    const Complex complex;
+    Volume map = DensityOf(complex.all, 8, {2, 2, 2}, 10);
+    AddNoise(map, 0.5, 1);
+    for (unsigned seed = 11; seed < 14; ++seed)
+        EXPECT_EQ(Find(map, RandomModel(150, seed), 8).verdict, Verdict::NothingFound) << seed;
 }
 
 TEST(FindPlaces, ATouchingPlaceIsFoundBesideItsNeighbour) {

@@ -66,10 +66,11 @@ class Map:
         made._native = native
         return made
 
-    def _prepared(self, resolution: float) -> "Map":
-        """The same map for searches of many models at that resolution: what they have in common is made once. Its values
-        have to stay as they are."""
-        return Map._of(self._native.prepared(resolution))
+    def _prepared(self, resolution: float, rule_out: bool = False) -> "Map":
+        """The same map for searches of many models at that resolution: what they have in common is made once. With
+        `rule_out` a model that the filter without it rules out is spared the other one; its verdict is "ruled-out". The
+        values have to stay as they are."""
+        return Map._of(self._native.prepared(resolution, rule_out))
 
     @property
     def values(self) -> NDArray[numpy.float32]:

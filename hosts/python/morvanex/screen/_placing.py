@@ -92,7 +92,7 @@ def _prepared_map(checksum: str, settings: Settings) -> Map:
         density = _maps[checksum]
         if settings.invert:
             density = Map(-density.values, density.voxel, density.origin)
-        _prepared[key] = density._prepared(settings.resolution)
+        _prepared[key] = density._prepared(settings.resolution, rule_out=True)
     return _prepared[key]
 
 

@@ -42,7 +42,8 @@ class Ranked:
         q: the share of wrong models to be expected among those that rank as high (false discovery rate).
         p: that a wrong model has a place as good.
         expected: E, wrong places that are expected to score as well as the best one, by the filter less sure of it.
-        verdict: of the model alone.
+        verdict: of the model alone; "ruled-out" where the filter without the model makes E greater than 1, and `expected`,
+            `score` and `pose` are its own.
         score: of the best place; scores of different models do not compare.
         other_turns: what other turns at the same place weigh against the best one's 1.
         copies: places that the model alone has by that verdict.
