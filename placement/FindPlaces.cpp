@@ -261,7 +261,7 @@ private:
         if (withoutModel && IsRuledOut(*withoutModel))
             ListRuledOut(*withoutModel);
         else
-            ListJudged(poses, before, withoutModel);
+            ListJudged(poses, before, std::move(withoutModel));
         if (m_result.places.empty())
             return;
         DropOverlapping();
@@ -284,7 +284,7 @@ private:
     /// The places of the matched filter, judged by both. Those of the other one are found where they are not
     /// given.
     void ListJudged(const std::vector<ScoredPose> &poses, double before,
-                    std::optional<std::vector<ScoredPose>> &withoutModel) {
+                    std::optional<std::vector<ScoredPose>> withoutModel) {
         Volume finest = MakeFinest(MatchedFilter(m_spectrum, ModelPower()));
         const std::vector<ScoredPose> places = Finish(poses, finest, before);
         if (places.empty())
