@@ -271,8 +271,8 @@ constexpr double declared = 0.95;
 /// The place alone, without a turn, is called sure from here on: that names no pose, and has to be worth it.
 constexpr double declaredPlace = 0.99;
 /// A model is ruled out by the filter without it where its best place has so many wrong ones expected to
-/// score as well: 150 times as many as a sure one. Of 972 places that the matched filter has for the best
-/// ones none had less than a tenth of that number by the other filter.
+/// score as well: 150 times as many as a sure one. Of 972 places that the matched filter found none had less
+/// than a tenth of that number by the other filter.
 constexpr double ruledOut = 1;
 /// Other turns weigh this much while the place itself is sure: the place is told, the turn is not.
 constexpr double unsureTurn = 0.05;

@@ -41,7 +41,7 @@ enum class Verdict {
     Placed,       ///< the best place is right, with the stated probability
     TurnUnsure,   ///< the place is right, but other turns about its centre score as well
     NothingFound, ///< no place stands out
-    RuledOut,     ///< nor does one by the filter without the model, and the matched one was not asked
+    RuledOut,     ///< no place stands out by the filter without the model; the matched one was not asked
     NotJudged,    ///< the map is sharpened so much that its scores say nothing of chance
     NoDensity,    ///< the map is constant, or has no density where the model may lie
     Refined,      ///< one place, the best near the model's own; nothing is said of others
